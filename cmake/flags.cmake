@@ -1,0 +1,9 @@
+# Compiler flags that every target of the project takes through nmr1d_flags.
+add_library(nmr1d_flags INTERFACE)
+target_compile_options(nmr1d_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+  -ffp-contract=off)  # a fused multiply-add would change the last bit of results from machine to machine
+if(NMR1D_SANITIZE)
+  target_compile_options(nmr1d_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(nmr1d_flags INTERFACE -fsanitize=address,undefined)
+endif()

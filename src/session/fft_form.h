@@ -1,0 +1,58 @@
+#pragma once
+// What NMR1D_Form11 ("FFT & Phase") knows and may do, without the form. Every change of a control
+// re-runs the preview; the form repaints from slot 0 and WindowCurve afterwards.
+
+#include "core/asker.h"
+#include "core/global_block.h"
+#include "fid/window.h"
+
+#include <functional>
+#include <string>
+
+namespace nmr {
+
+class FftForm {
+public:
+    FftForm(GlobalBlock& g, Asker& asker) : g_(g), asker_(asker) {}
+
+    /// Initial zero fill, shift, window and one preview; called once before the form shows.
+    Status Open();
+
+    void Command2_Click(); ///< preview, then the automatic phase or the present phases
+    Status Command1();     ///< "ZeroFill": doubles
+    Status Command4();     ///< "Non ZeroFill"
+    Status SetZeroFill(std::int32_t factor);
+    Status SetWindowKind(WindowKind kind);
+    /// After a change of a window field: curve and preview anew.
+    Status WindowChanged();
+    void SetShift(std::int32_t points);
+    void SetPhase0(double deg); ///< clamped to -360..360, stored in tenths as the scroll bar has it
+    void SetPhase1(double deg); ///< clamped to -1800..1800
+    void AddPhase0(double deg) { SetPhase0(static_cast<double>(g_.Phase0Deg) + deg); }
+    void AddPhase1(double deg) { SetPhase1(static_cast<double>(g_.Phase1Deg) + deg); }
+    void SetPivot(std::int32_t point);  ///< "PP" dragged: the look of the spectrum does not change
+    void SetSecond(std::int32_t point); ///< "P2"
+    void Command8();                    ///< "Auto"
+    void Command7();                    ///< "Semi Auto"
+    void SetRow(std::int16_t row);
+    /// Check2 "Auto Phase correction": whether Command2_Click phases anew after each transform.
+    bool auto_phase() const;
+    void SetAutoPhase(bool on);
+
+    /// "Complete": commits all rows. DialogResult becomes "OK".
+    Status Command3(const std::function<void(int)>& progress = {});
+    /// "Close (Discard Present Data)": asks "Exit without FFT"; true when the form may close, with
+    /// DialogResult "CANCEL".
+    bool Close();
+
+    std::int32_t points() const { return g_.Slots[0].par.POINT; }
+    bool can_transform_again() const { return !g_.NoFIDFile; }
+    GlobalBlock& block() { return g_; }
+    Asker& asker() { return asker_; }
+
+private:
+    GlobalBlock& g_;
+    Asker& asker_;
+};
+
+} // namespace nmr

@@ -1,0 +1,31 @@
+#pragma once
+// One run as its commands see it: the global block, who answers questions, and what the platform
+// has to do. Window, nmr1d-cli and tests make one each and run the same commands on it.
+
+#include "core/asker.h"
+#include "core/global_block.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace nmr {
+
+class FftForm;
+
+struct Session {
+    GlobalBlock& g;
+    Asker& asker;
+    /// Runs NMR1D_Form11 on its logic and returns DialogResult ("OK" after a commit, "CANCEL").
+    std::function<std::string(FftForm&)> run_fft_form;
+    /// Data or state changed: repaint, and ask SetMenuActivateForm1 again.
+    std::function<void()> display_changed;
+    /// Window title.
+    std::function<void(const std::string&)> set_title;
+    /// Starts another program with one argument; false when it is not there.
+    std::function<bool(const std::string& program, const std::string& argument)> start_program;
+    /// Whether dummy files may be left beside instrument data (the window), or nothing may be written (batch).
+    bool may_leave_dummy_files = false;
+};
+
+} // namespace nmr
