@@ -31,6 +31,7 @@ struct ExpShiftRow {
     double ref_center_frq = 0; ///< MHz
     double ref_center = 0;     ///< ppm at the centre
     std::string instrument_id;
+    double group_delay = -1; ///< of the data that FIDShift came from, points; negative: not known
 };
 
 struct ParamTableEntry {
