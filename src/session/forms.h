@@ -87,6 +87,8 @@ inline constexpr char kGrid[] = "NMR1D_Form33";
 std::string Indexed(std::string_view name, int index);
 /// The shortest text that reads back to the same number.
 std::string NumberValue(double value);
+/// "1" or "0".
+std::string Switch(bool on);
 /// The value of a key; empty when it is missing.
 std::string Text(const Values& values, const std::string& key);
 /// The value of a key as a number; `fallback` when it is missing or no number.
