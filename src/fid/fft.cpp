@@ -4,6 +4,7 @@
 
 #include "core/numbers.h"
 #include "fid/fft_paths.h"
+#include "fid/fft_plan.h"
 
 #include <algorithm>
 #include <bit>
@@ -14,6 +15,10 @@
 
 namespace nmr {
 namespace {
+
+// Measured: with 16 vector registers the points of radix 8 would spill, with 32 they fit.
+constexpr std::size_t kRadixAvx2 = 4;
+constexpr std::size_t kRadixAvx512 = 8;
 
 /// One pass over the row: all butterflies whose legs are `leg` points apart.
 void ButterflyPass(std::span<float> re, std::span<float> im, std::span<const double> sine, std::size_t leg)
@@ -69,6 +74,14 @@ void RotateAndSwap(std::span<float> row)
     row[row.size() - 1] = middle;
 }
 
+FFT_Path BestPath()
+{
+    static const FFT_Path best = FFT_Path_Available(FFT_Path::avx512) ? FFT_Path::avx512
+                                 : FFT_Path_Available(FFT_Path::avx2) ? FFT_Path::avx2
+                                                                      : FFT_Path::plain;
+    return best;
+}
+
 } // namespace
 
 void Make_Sine_Table(std::vector<double>& table)
@@ -78,26 +91,45 @@ void Make_Sine_Table(std::vector<double>& table)
     for (std::size_t i = 0; i < table.size(); ++i) table[i] = std::sin(static_cast<double>(i) * step);
 }
 
-void FFT_Transform_By(FFT_Path, std::span<float> re, std::span<float> im, std::span<const double> sine_table)
-{
-    TransformPlain(re, im, sine_table);
-}
-
-bool FFT_Path_Available(FFT_Path path)
-{
-    return path == FFT_Path::plain;
-}
-
 std::string_view FFT_Path_Name(FFT_Path path)
 {
     constexpr std::string_view names[] = {"plain", "avx2", "avx512"};
     return names[static_cast<std::size_t>(path)];
 }
 
-void FFT_Transform(std::span<float> re, std::span<float> im, std::span<const double> sine_table)
+bool FFT_Path_Available(FFT_Path path)
+{
+#if defined(__x86_64__)
+    switch (path) {
+    case FFT_Path::plain:
+        return true;
+    case FFT_Path::avx2:
+        return __builtin_cpu_supports("avx2") != 0;
+    case FFT_Path::avx512:
+        return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
+               __builtin_cpu_supports("avx512vl");
+    }
+#endif
+    return path == FFT_Path::plain;
+}
+
+void FFT_Transform_By(FFT_Path path, std::span<float> re, std::span<float> im, std::span<const double> sine_table)
 {
     assert(std::has_single_bit(re.size()) && re.size() <= kSineTableSize && im.size() == re.size());
+    assert(FFT_Path_Available(path));
+    if (re.size() < kFftShortest) path = FFT_Path::plain;
+#if defined(__x86_64__)
+    if (path == FFT_Path::avx512)
+        return FFT_Run_Avx512(FFT_Plan_For(re.size(), kRadixAvx512, sine_table), re.data(), im.data());
+    if (path == FFT_Path::avx2)
+        return FFT_Run_Avx2(FFT_Plan_For(re.size(), kRadixAvx2, sine_table), re.data(), im.data());
+#endif
     TransformPlain(re, im, sine_table);
+}
+
+void FFT_Transform(std::span<float> re, std::span<float> im, std::span<const double> sine_table)
+{
+    FFT_Transform_By(BestPath(), re, im, sine_table);
 }
 
 void FFT_Rotate_And_Swap(std::span<float> re, std::span<float> im)
