@@ -137,6 +137,9 @@ void ClearDataSet(GlobalBlock& g, std::int16_t slot);
 /// The same for a set outside the table.
 void ClearDataSet(DataSet& set, const Settings& settings);
 
+/// Gives every slot its own index and ScratchSet its number; once, before the first use of the store.
+void NumberSlots(GlobalBlock& g);
+
 /// A set is empty when it has no points or no arrays.
 inline bool IsEmpty(const DataSet& set)
 {

@@ -1,0 +1,112 @@
+#include "fid/fft_plan.h"
+
+#include "fid/fft.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <new>
+
+namespace nmr {
+namespace {
+
+constexpr std::size_t kTurn = kSineTableSize;
+constexpr std::size_t kCacheLine = 64;
+
+template <class T>
+T* AllocateLines(std::size_t count)
+{
+    const std::size_t bytes = (count * sizeof(T) + kCacheLine - 1) / kCacheLine * kCacheLine;
+    void* memory = std::aligned_alloc(kCacheLine, std::max(bytes, kCacheLine));
+    if (memory == nullptr) throw std::bad_alloc();
+    return static_cast<T*>(memory);
+}
+
+/// Vectors of doubles that one stage of a pass reads for each step: `half` sines of neighbouring
+/// parts of the half turn and their cosines, which are sines a quarter turn on and so partly shared.
+constexpr std::size_t StageVectors(std::size_t half)
+{
+    return half == 1 ? 2 : half + half / 2;
+}
+
+std::size_t PassVectors(std::size_t radix)
+{
+    std::size_t count = 0;
+    for (std::size_t half = radix / 2; half > 0; half /= 2) count += StageVectors(half);
+    return count;
+}
+
+std::size_t PassDoubles(const FFT_Pass& pass)
+{
+    return pass.size / pass.radix * PassVectors(pass.radix);
+}
+
+double* FillPass(double* out, const FFT_Pass& pass, std::span<const double> sine)
+{
+    for (std::size_t first = 0; first < pass.size / pass.radix; first += kFftBlock) {
+        for (std::size_t half = pass.radix / 2; half > 0; half /= 2) {
+            const std::size_t step = kTurn / (pass.size / pass.radix * half * 2);
+            const std::size_t spacing = half == 1 ? kTurn / 4 : kTurn / (2 * half);
+            for (std::size_t vector = 0; vector < StageVectors(half); ++vector)
+                for (std::size_t lane = 0; lane < kFftBlock; ++lane)
+                    *out++ = sine[(first + lane) * step + vector * spacing];
+        }
+    }
+    return out;
+}
+
+} // namespace
+
+void FFT_Plan::Free::operator()(void* memory) const
+{
+    std::free(memory);
+}
+
+FFT_Plan::FFT_Plan(std::size_t n, std::size_t radix, std::span<const double> sine_table) :
+    n_(n), radix_(radix), source_(sine_table.data()), work_(AllocateLines<float>(2 * n))
+{
+    ChoosePasses();
+    FillTwiddles(sine_table);
+    for (std::size_t i = 0; i < last_.size(); ++i) {
+        const std::size_t index = (i + 1) * (kTurn / 8);
+        last_[i] = {sine_table[index], sine_table[index + kTurn / 4]};
+    }
+}
+
+/// The odd stages come first, in a pass of a smaller radix.
+void FFT_Plan::ChoosePasses()
+{
+    const int largest = std::countr_zero(radix_);
+    int stages = std::countr_zero(n_ / kFftBlock);
+    for (std::size_t size = n_; stages > 0;) {
+        const int now = stages % largest == 0 ? largest : stages % largest;
+        passes_.push_back({.size = size, .radix = std::size_t{1} << now});
+        size >>= now;
+        stages -= now;
+    }
+}
+
+void FFT_Plan::FillTwiddles(std::span<const double> sine_table)
+{
+    std::size_t count = 0;
+    for (const FFT_Pass& pass : passes_) count += PassDoubles(pass);
+    twiddles_.reset(AllocateLines<double>(count));
+    double* next = twiddles_.get();
+    for (FFT_Pass& pass : passes_) {
+        pass.twiddles = next;
+        next = FillPass(next, pass, sine_table);
+    }
+}
+
+const FFT_Plan& FFT_Plan_For(std::size_t n, std::size_t radix, std::span<const double> sine_table)
+{
+    // One plan is enough: a session keeps to one length, and at the longest row a plan takes 20 MB.
+    thread_local std::unique_ptr<const FFT_Plan> plan;
+    if (!plan || !plan->Fits(n, radix, sine_table)) {
+        plan.reset();
+        plan = std::make_unique<const FFT_Plan>(n, radix, sine_table);
+    }
+    return *plan;
+}
+
+} // namespace nmr

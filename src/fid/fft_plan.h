@@ -1,0 +1,70 @@
+#pragma once
+// What one length of row needs beyond the row itself: the order of the passes, the twiddle factors
+// in the order in which the kernels read them, and a work row.
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace nmr {
+
+/// Points of one block of the work row: 8 real parts, then their 8 imaginary parts, one cache line.
+inline constexpr std::size_t kFftBlock = 8;
+/// The last three stages and the bit reversal work on tiles of 8 by 8 points, so no row is shorter.
+inline constexpr std::size_t kFftShortest = kFftBlock * kFftBlock;
+
+/// Several stages done in one go: `radix` points `size / radix` apart stay in registers.
+struct FFT_Pass {
+    std::size_t size = 0;
+    std::size_t radix = 0;
+    const double* twiddles = nullptr;
+};
+
+/// Sine and cosine of one twiddle factor.
+struct FFT_Twiddle {
+    double sine = 0.0;
+    double cosine = 1.0;
+};
+
+class FFT_Plan {
+public:
+    /// @param n      points of the row, a power of two from kFftShortest to kSineTableSize
+    /// @param radix  largest radix of a pass, 4, 8 or 16: what suits the registers of the machine
+    FFT_Plan(std::size_t n, std::size_t radix, std::span<const double> sine_table);
+
+    bool Fits(std::size_t n, std::size_t radix, std::span<const double> sine_table) const
+    {
+        return n == n_ && radix == radix_ && sine_table.data() == source_;
+    }
+    std::size_t n() const { return n_; }
+    std::span<const FFT_Pass> passes() const { return passes_; }
+    float* work() const { return work_.get(); }
+    /// Of legs 4 points apart: 1/8, 2/8 and 3/8 of a turn; the second also serves legs 2 points apart.
+    const std::array<FFT_Twiddle, 3>& last() const { return last_; }
+
+private:
+    struct Free {
+        void operator()(void* memory) const;
+    };
+
+    void ChoosePasses();
+    void FillTwiddles(std::span<const double> sine_table);
+
+    std::size_t n_;
+    std::size_t radix_;
+    const double* source_;
+    std::vector<FFT_Pass> passes_;
+    std::unique_ptr<double[], Free> twiddles_;
+    std::unique_ptr<float[], Free> work_;
+    std::array<FFT_Twiddle, 3> last_;
+};
+
+/// The plan of the calling thread, made anew when length, radix or table differ from the last call's.
+const FFT_Plan& FFT_Plan_For(std::size_t n, std::size_t radix, std::span<const double> sine_table);
+
+void FFT_Run_Avx2(const FFT_Plan& plan, float* re, float* im);
+void FFT_Run_Avx512(const FFT_Plan& plan, float* re, float* im);
+
+} // namespace nmr

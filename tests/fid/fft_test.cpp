@@ -1,0 +1,233 @@
+// The transform against its plain loops, bit for bit, and against what any Fourier transform must do.
+
+#include "fid/fft.h"
+
+#include "core/numbers.h"
+#include "fid/fft_paths.h"
+#include "fid/fft_reference.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <random>
+#include <string>
+
+namespace nmr {
+namespace {
+
+const std::vector<double>& SineTable()
+{
+    static const std::vector<double> table = [] {
+        std::vector<double> made;
+        Make_Sine_Table(made);
+        return made;
+    }();
+    return table;
+}
+
+struct Row {
+    std::vector<float> re, im;
+    explicit Row(std::size_t n) : re(n), im(n) {}
+};
+
+bool SameBits(const std::vector<float>& a, const std::vector<float>& b)
+{
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(float)) == 0;
+}
+
+using Generator = std::mt19937;
+
+float Uniform(Generator& random)
+{
+    return std::uniform_real_distribution<float>(-1.0F, 1.0F)(random);
+}
+
+/// Exponents from the denormals up, each as likely as the next, far enough from the top not to overflow.
+float AnyExponent(Generator& random)
+{
+    return std::ldexp(Uniform(random), std::uniform_int_distribution<int>(-148, 60)(random));
+}
+
+float Denormal(Generator& random)
+{
+    return std::ldexp(Uniform(random), std::uniform_int_distribution<int>(-149, -124)(random));
+}
+
+struct RowKind {
+    const char* name;
+    float (*value)(Generator&);
+};
+
+constexpr RowKind kRowKinds[] = {
+    {"random", Uniform},
+    {"every exponent", AnyExponent},
+    {"sparse", [](Generator& random) { return random() % 37 == 0 ? Uniform(random) : 0.0F; }},
+    {"denormal", Denormal},
+    {"small integers of both signs", [](Generator& random) { return static_cast<float>(random() % 3) - 1.0F; }},
+    {"zeros of both signs", [](Generator& random) { return random() % 2 == 0 ? 0.0F : -0.0F; }},
+    {"mostly zeros of both signs",
+     [](Generator& random) { return random() % 11 == 0 ? Denormal(random) : (random() % 2 == 0 ? 0.0F : -0.0F); }},
+};
+
+Row MakeRow(const RowKind& kind, std::size_t n, unsigned seed)
+{
+    Generator random(seed);
+    Row row(n);
+    std::ranges::generate(row.re, [&] { return kind.value(random); });
+    std::ranges::generate(row.im, [&] { return kind.value(random); });
+    return row;
+}
+
+std::vector<FFT_Path> AvailablePaths()
+{
+    std::vector<FFT_Path> paths;
+    for (const FFT_Path path : {FFT_Path::plain, FFT_Path::avx2, FFT_Path::avx512})
+        if (FFT_Path_Available(path)) paths.push_back(path);
+    return paths;
+}
+
+TEST(Fft, EveryPathGivesTheBitsOfThePlainLoopsAtEveryLength)
+{
+    for (std::size_t n = 1; n <= kSineTableSize; n *= 2) {
+        for (const RowKind& kind : kRowKinds) {
+            const Row input = MakeRow(kind, n, static_cast<unsigned>(n) + 7);
+            Row expected = input;
+            test::ReferenceTransform(expected.re, expected.im, SineTable());
+            for (const FFT_Path path : AvailablePaths()) {
+                SCOPED_TRACE(std::string(FFT_Path_Name(path)) + ", " + kind.name + ", n = " + std::to_string(n));
+                Row row = input;
+                FFT_Transform_By(path, row.re, row.im, SineTable());
+                ASSERT_TRUE(SameBits(row.re, expected.re));
+                ASSERT_TRUE(SameBits(row.im, expected.im));
+            }
+        }
+    }
+}
+
+TEST(Fft, SineTableHoldsTheSineOfEachProduct)
+{
+    const auto& table = SineTable();
+    ASSERT_EQ(table.size(), 1'310'721U);
+    for (std::size_t i = 0; i < table.size(); ++i)
+        ASSERT_EQ(table[i], std::sin(static_cast<double>(i) * (2 * 3.14159265358979 / 1048576.0))) << i;
+}
+
+TEST(Fft, ImpulseGivesAFlatSpectrum)
+{
+    for (const std::size_t n : {1U, 2U, 16U, 4096U}) {
+        Row row(n);
+        row.re[0] = 1.0F;
+        FFT_Transform(row.re, row.im, SineTable());
+        FFT_Rotate_And_Swap(row.re, row.im);
+        EXPECT_TRUE(std::ranges::all_of(row.re, [](float x) { return x == 1.0F; })) << n;
+        EXPECT_TRUE(std::ranges::all_of(row.im, [](float x) { return x == 0.0F; })) << n;
+    }
+}
+
+double Energy(const Row& row)
+{
+    double sum = 0.0;
+    for (std::size_t i = 0; i < row.re.size(); ++i)
+        sum += static_cast<double>(row.re[i]) * row.re[i] + static_cast<double>(row.im[i]) * row.im[i];
+    return sum;
+}
+
+TEST(Fft, EnergyIsKept)
+{
+    for (const std::size_t n : {8U, 1024U, 65536U, 1048576U}) {
+        Row row = MakeRow(kRowKinds[0], n, 3);
+        const double before = Energy(row);
+        FFT_Transform(row.re, row.im, SineTable());
+        EXPECT_NEAR(Energy(row) / (before * static_cast<double>(n)), 1.0, 1e-6) << n;
+    }
+}
+
+/// exp(2 pi i k t / n), t = 0 .. n-1.
+Row Exponential(std::size_t n, std::size_t bin)
+{
+    Row row(n);
+    for (std::size_t t = 0; t < n; ++t) {
+        const double angle = 2 * kPi * static_cast<double>(bin * t % n) / static_cast<double>(n);
+        row.re[t] = static_cast<float>(std::cos(angle));
+        row.im[t] = static_cast<float>(std::sin(angle));
+    }
+    return row;
+}
+
+TEST(Fft, AnExponentialStandsAloneAtItsPlace)
+{
+    struct Case {
+        const char* name;
+        std::size_t n, bin, index;
+    };
+    constexpr Case cases[] = {
+        {"zero frequency stands one below the middle", 1024, 0, 511},
+        {"one step up", 1024, 1, 512},
+        {"one step down", 1024, 1023, 510},
+        {"highest", 1024, 512, 1023},
+        {"lowest", 1024, 513, 0},
+        {"two points", 2, 1, 1},
+        {"longest row", 1048576, 300000, 824287},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Row row = Exponential(c.n, c.bin);
+        FFT_Transform(row.re, row.im, SineTable());
+        FFT_Rotate_And_Swap(row.re, row.im);
+        const auto size = static_cast<float>(c.n);
+        EXPECT_NEAR(row.re[c.index] / size, 1.0F, 1e-6F);
+        row.re[c.index] = 0.0F;
+        const auto far = [&](float x) { return std::abs(x) / size > 1e-6F; };
+        EXPECT_TRUE(std::ranges::none_of(row.re, far));
+        EXPECT_TRUE(std::ranges::none_of(row.im, far));
+    }
+}
+
+TEST(Fft, RotationAndSwapMoveEveryPointToItsIndex)
+{
+    for (std::size_t n = 1; n <= 256; n *= 2) {
+        Row row(n);
+        for (std::size_t i = 0; i < n; ++i) row.re[i] = row.im[n - 1 - i] = static_cast<float>(i);
+        const Row before = row;
+        FFT_Rotate_And_Swap(row.re, row.im);
+        for (std::size_t i = 0; i < n; ++i) {
+            ASSERT_EQ(row.re[i], before.re[(i + n / 2 + 1) % n]) << n << " " << i;
+            ASSERT_EQ(row.im[i], before.im[(i + n / 2 + 1) % n]) << n << " " << i;
+        }
+    }
+}
+
+TEST(Fft, BlockTransformsTheFirstPointsOfEveryRowAndDividesByTheirNumber)
+{
+    constexpr std::size_t rows = 3;
+    constexpr std::size_t columns = 80;
+    constexpr std::size_t n = 64;
+    for (const Conjugate conjugate : {Conjugate::no, Conjugate::yes}) {
+        RowArray<float> re, im;
+        re.Resize(rows, columns);
+        im.Resize(rows, columns);
+        for (std::size_t r = 0; r < rows; ++r) {
+            const Row line = Exponential(columns, 0);
+            std::ranges::copy(line.re, re[r].begin());
+            const Row wave = Exponential(n, r + 5);
+            std::ranges::copy(wave.re, re[r].begin());
+            std::ranges::copy(wave.im, im[r].begin());
+        }
+        FFT_Block(re, im, n, conjugate, SineTable());
+        for (std::size_t r = 0; r < rows; ++r) {
+            // The conjugate runs backwards, so it stands at the mirrored bin.
+            const std::size_t line = conjugate == Conjugate::yes ? n - (r + 5) : r + 5;
+            for (std::size_t i = 0; i < n; ++i) {
+                EXPECT_NEAR(re[r][i], i == line ? 1.0F : 0.0F, 1e-6F) << r << " " << i;
+                EXPECT_NEAR(im[r][i], 0.0F, 1e-6F) << r << " " << i;
+            }
+            EXPECT_EQ(re[r][n], 1.0F) << "points behind the transform stay";
+        }
+    }
+}
+
+} // namespace
+} // namespace nmr
