@@ -6,6 +6,8 @@
 #include "support/files.h"
 #include "support/scripted_asker.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <filesystem>

@@ -151,7 +151,7 @@ const FidCase kFids[] = {
      "acqus",
      "fid",
      kFolderFid,
-     "25Mg",
+     "25MG",
      48.981038,
      250000,
      102400,
@@ -190,7 +190,7 @@ const FidCase kFids[] = {
      "001001.AQS",
      "001001.FID",
      kFlatFid,
-     "23Na",
+     "23NA",
      79.3892260292969,
      100000,
      1024,
@@ -225,8 +225,9 @@ TEST_F(RealBruker, FidsAreDecodedAsStored)
         ASSERT_EQ(values.size(), td);
         EXPECT_EQ(damaged, 0U);
         for (std::size_t i = 0; i < 8; ++i) EXPECT_NEAR(values[i], c.first[i], 5e-8 * std::fabs(c.first[i])) << i;
-        // What the instrument noted itself; 0 in the files of old programs.
-        if (const auto noted = acqus->Number("YMAX_a"); noted && *noted > 0) {
+        // What the instrument noted itself; 0 in the files of old programs, and no more true of converted ones.
+        const auto noted = acqus->Number("YMAX_a");
+        if (family == BrukerFamily::directory && noted && *noted > 0) {
             const double largest = *std::ranges::max_element(values);
             EXPECT_NEAR(largest, *noted, c.number == kI32 ? 0 : 1e-6 * largest);
         }
@@ -252,7 +253,7 @@ TEST_F(RealBruker, FidsAreRead)
         const auto re = read.set().spec.DataRe[0], im = read.set().spec.DataIm[0];
         float largest = 0;
         for (std::size_t i = 0; i < re.size(); ++i) largest = std::max({largest, std::fabs(re[i]), std::fabs(im[i])});
-        EXPECT_NEAR(largest, 1, 0.05) << "divided by the largest value, which the mean hardly moves";
+        EXPECT_NEAR(largest, 1, 0.15) << "divided by the largest value before the mean went";
     }
 }
 
