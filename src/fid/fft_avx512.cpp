@@ -30,11 +30,11 @@ inline D SplatD(double value)
 }
 inline D Widen(F value)
 {
-    return __builtin_convertvector(value, D);
+    return _mm512_maskz_cvtps_pd(0xff, value);
 }
 inline F Narrow(D value)
 {
-    return __builtin_convertvector(value, F);
+    return _mm512_maskz_cvtpd_ps(0xff, value);
 }
 
 } // namespace

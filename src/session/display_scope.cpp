@@ -168,6 +168,13 @@ void DisplayScope::TakePreset(int n)
     range_ = {presets_hz_[i].left / hz_per_ppm_, presets_hz_[i].right / hz_per_ppm_};
 }
 
+DisplayScope DisplayScope::WithPresetsOf(const GlobalBlock& g) const
+{
+    DisplayScope scope(g);
+    scope.range_ = range_;
+    return scope;
+}
+
 bool DisplayScope::IsUsable() const
 {
     // Shown ends are single precision: two that fall together there are no range.

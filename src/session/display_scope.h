@@ -40,6 +40,9 @@ public:
     /// presets are taken while the display is in Hz or kHz.
     void TakePreset(int n);
 
+    /// The same range with the presets as the settings now have them.
+    DisplayScope WithPresetsOf(const GlobalBlock& g) const;
+
     XUnit unit() const { return unit_; }
     bool IsUsable() const; ///< two different finite ends
     /// Into ViewLeft and ViewRight, the larger end left, and a changed preset 1 into the settings.

@@ -79,7 +79,10 @@ inline constexpr char kDescending[] = "DESCENDING";
 // NMR1D_Form31, NMR1D_Form34, NMR1D_Form33: display scope, its default areas, grid. In and out: the
 // values that DisplayScope, DefaultAreas and GridChoice (session/display_scope.h) write and read; the
 // form makes one of them from what it is handed, works on it, and hands its values back with "OK".
+// NMR1D_Form31 may also end with kEditAreas and its values: the default areas are then edited, and it
+// shows again with them.
 inline constexpr char kDisplayScope[] = "NMR1D_Form31";
+inline constexpr char kEditAreas[] = "AREAS";
 inline constexpr char kDefaultAreas[] = "NMR1D_Form34";
 inline constexpr char kGrid[] = "NMR1D_Form33";
 
