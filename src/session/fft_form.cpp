@@ -19,13 +19,6 @@ float Tenths(double deg, double limit)
     return static_cast<float>(RoundHalfEven(std::clamp(deg, -limit, limit) * 10.0) / 10.0);
 }
 
-std::int32_t ScaledMark(std::int32_t mark, std::int32_t old_points, std::int32_t points)
-{
-    if (mark < 0 || old_points < 1) return mark;
-    const auto scaled = std::int64_t{mark} * points / old_points;
-    return static_cast<std::int32_t>(std::min<std::int64_t>(scaled, std::max(points - 1, 0)));
-}
-
 void CopyRows(const RowArray<float>& from, RowArray<float>& to, std::int32_t points)
 {
     const std::size_t rows = std::min(from.rows(), to.rows());
@@ -40,7 +33,7 @@ Status FftForm::Open()
 {
     ParamBlock& par = g_.Slots[0].par;
     Auto_ZeroFill(g_, 0);
-    if (Status loaded = LoadFid(); !loaded) return loaded;
+    if (Status loaded = Load_FID_Work(g_); !loaded) return loaded;
     // A new FID owes nothing to the phases of the one before: it starts flat, turned about zero
     // frequency, where the group delay has no effect.
     g_.Phase0Deg = g_.Phase1Deg = 0.0F;
@@ -51,17 +44,6 @@ Status FftForm::Open()
     delay_shift_ = par.FIDShift;
     if (const Status window = Make_Window_Function(g_, 0); !window) ErrorReport(asker_, window.error());
     Command2_Click();
-    return {};
-}
-
-/// The FID into WorkRe/WorkIm. Without a kept copy the slot itself still holds it, and nothing has
-/// changed its length.
-Status FftForm::LoadFid()
-{
-    if (!g_.NoFIDFile) return Load_FID_Work(g_);
-    const DataSet& set = g_.Slots[0];
-    CopyRows(set.spec.DataRe, g_.WorkRe, set.par.POINT);
-    CopyRows(set.spec.DataIm, g_.WorkIm, set.par.POINT);
     return {};
 }
 
@@ -90,19 +72,10 @@ void FftForm::RunAutoPhase(PhaseMode mode)
     RotateShownRow();
 }
 
-/// After another fill: the marks keep their place in the spectrum, window and preview follow.
-Status FftForm::LengthChanged(std::int32_t old_points)
-{
-    g_.PivotPoint = ScaledMark(g_.PivotPoint, old_points, points());
-    g_.P2Point = ScaledMark(g_.P2Point, old_points, points());
-    return WindowChanged();
-}
-
 Status FftForm::Command1()
 {
-    const std::int32_t old_points = points();
     if (g_.NoFIDFile || !Zero_Fill_Double(g_, 0)) return {};
-    return LengthChanged(old_points);
+    return WindowChanged();
 }
 
 Status FftForm::Command4()
@@ -117,9 +90,8 @@ Status FftForm::SetZeroFill(std::int32_t factor)
         if (factor == 1) return WindowChanged();
         return Error{ErrorCode::unreadable, "Command1/F11", "The FID could not be kept, so it can't be filled"};
     }
-    const std::int32_t old_points = points();
     if (Status set = Set_Zero_Fill(g_, 0, factor); !set) return set;
-    return LengthChanged(old_points);
+    return WindowChanged();
 }
 
 Status FftForm::SetWindowKind(WindowKind kind)

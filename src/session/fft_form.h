@@ -53,10 +53,8 @@ public:
     Asker& asker() { return asker_; }
 
 private:
-    Status LoadFid();
     void RunAutoPhase(PhaseMode mode);
     void RotateShownRow();
-    Status LengthChanged(std::int32_t old_points);
 
     GlobalBlock& g_;
     Asker& asker_;

@@ -24,6 +24,7 @@ namespace {
 constexpr char kWhere[] = "NMR1D_m11_Click/1DF1";
 constexpr int kFileNotFound = 53; // run-time error number
 constexpr float kReadYFill = 0.95F;
+constexpr int kBrukerDirectory = 4;
 // The two native families carry their own display range.
 constexpr int kNativeVer3 = 11;
 constexpr int kNativeVer4 = 12;
@@ -270,7 +271,7 @@ void RememberFile(Session& s, const Candidate& found)
     g.settings.access_read_dir = g.LastDirs[0];
     ClaimFile(g, found.file);
     AddRecentFile(g, found.file);
-    if (s.may_leave_dummy_files && found.type.tag.starts_with("BRU")) LeaveBrukerDummy(found.type);
+    if (s.may_leave_dummy_files && g.FormatIndex == kBrukerDirectory) LeaveBrukerDummy(found.type);
     ShowTitle(s, found.file);
 }
 
