@@ -12,6 +12,7 @@ namespace {
 
 using namespace test;
 
+constexpr double kAtCarrier = 1e9;
 struct FidCase {
     const char* folder;
     const char* acqus;
@@ -24,6 +25,7 @@ struct FidCase {
     bool big_endian;
     double group_delay;
     double reference_mhz;
+    double line_ppm; ///< of the tallest line; kAtCarrier: the base line correction takes it away
     double first[8]; ///< four complex points as stored
 };
 
@@ -31,32 +33,32 @@ constexpr BrukerNumber kI32 = BrukerNumber::int32, kF32 = BrukerNumber::float32,
 // clang-format off
 const FidCase kFids[] = {
     {"bruker-1h-fid-aspirin-300", "acqus", "fid", kFolderFid, "1H", 300.132251, 4789.272, 16384, kI32, true, 2929.0 / 48,
-     300.13, {}},
+     300.13, 2.2942, {}},
     {"bruker-1h-fid-coffee-400", "acqus", "fid", kFolderFid, "1H", 400.131882, 8223.684, 65536, kI32, false, 76,
-     400.13, {-1, -1, 0, 0, -1, -1, 0, 0}},
+     400.13, 3.369, {-1, -1, 0, 0, -1, -1, 0, 0}},
     {"bruker-1h-noesy-coffee-400", "acqus", "fid", kFolderFid, "1H", 400.131882, 8223.684, 65536, kI32, false, 76,
-     400.130005448358, {1, 1, -10, -3, 5, 5, -12, -4}},
+     400.130005448358, 3.1769, {1, 1, -10, -3, 5, 5, -12, -4}},
     {"bruker-13c-fid-gaba-500", "acqus", "fid", kFolderFid, "13C", 125.776651, 27573.529, 32768, kI32, false, 76,
-     125.764971327016, {-2, 0, 16, -12, -15, 6, 21, -13}},
+     125.764971327016, 37.18, {-2, 0, 16, -12, -15, 6, 21, -13}},
     {"bruker-31p-fid-600", "acqus", "fid", kFolderFid, "31P", 242.937185, 14619.883, 17542, kI32, true, 60.375,
-     242.936849672479, {}},
+     242.936849672479, 2.7724, {}},
     {"bruker-13c-fid-600", "acqus", "fid", kFolderFid, "13C", 150.917839, 30303.030, 36360, kI32, true, 709.0 / 12,
-     150.902727693172, {0, 0, 0, 0, 0, 0, 1, 100}},
+     150.902727693172, 76.6361, {0, 0, 0, 0, 0, 0, 1, 100}},
     {"bruker-1h-fid-strychnine-400", "acqus", "fid", kFolderFid, "1H", 400.132471, 9615.385, 80126, kI32, false,
-     67.9842071533203, 400.129997502627, {}},
+     67.9842071533203, 400.129997502627, -0.0002, {}},
     // Analogue (DIGMOD 0): the FID starts at full height, whatever GRPDLY says.
     {"bruker-13c-fid-dspfvs-minus1-600", "acqus", "fid", kFolderFid, "13C", 150.919408, 36057.692, 107988, kI32,
-     false, 0, 150.902807940278, {213267, 28831, 63373, 6597, -79047, -148137, -27137, -138961}},
+     false, 0, 150.902807940278, 180.9825, {213267, 28831, 63373, 6597, -79047, -148137, -27137, -138961}},
     {"bruker-1h-noesy-urine-700-be", "acqus", "fid", kFolderFid, "1H", 699.873291, 14005.602, 65536, kI32, true,
-     69.5, 699.869954580685, {}},
+     69.5, 699.869954580685, -0.0001, {}},
     {"bruker-25mg-fid-float64", "acqus", "fid", kFolderFid, "25MG", 48.981038, 250000, 102400, kF64, false, 68,
-     48.981038, {}},
+     48.981038, 4.8676, {}},
     {"bruker-1h-fid-odnp-labelled-15n", "acqus", "fid", kFolderFid, "15N", 14.831413, 75187.970, 16384, kI32, true,
-     44.75, 14.83141327, {}},
+     44.75, 14.83141327, kAtCarrier, {}},
     {"bruker-1h-fid-pulsecal", "acqus", "fid", kFolderFid, "1H", 400.131348, 5000, 4096, kI32, false, 0,
-     400.131348157959, {-71, -1792, 148, -2497, 395, -1808, 439, -312}},
+     400.131348157959, kAtCarrier, {-71, -1792, 148, -2497, 395, -1808, 439, -312}},
     {"bruker-flat-23na", "001001.AQS", "001001.FID", kFlatFid, "23NA", 79.3892260292969, 100000, 1024, kF32, false,
-     0, 79.389247, {941.03906, -5514.8672, -2124.9609, -13806.867, -4632.9609, -12576.867, -6317.9609, -10954.867}},
+     0, 79.389247, -23.6337, {941.03906, -5514.8672, -2124.9609, -13806.867, -4632.9609, -12576.867, -6317.9609, -10954.867}},
 };
 // clang-format on
 
@@ -93,6 +95,15 @@ TEST_F(RealBruker, FidsAreDecodedAsStored)
     }
 }
 
+double TallestNear(const DataSet& set, double offset_hz)
+{
+    double tallest = 0;
+    for (int step = -4; step <= 4; ++step)
+        tallest =
+            std::max(tallest, std::abs(Amplitude(set, offset_hz + 0.5 * step * set.par.FREQU / set.par.FIDPoints, 0)));
+    return tallest;
+}
+
 TEST_F(RealBruker, FidsAreRead)
 {
     for (const FidCase& c : kFids) {
@@ -113,6 +124,10 @@ TEST_F(RealBruker, FidsAreRead)
         float largest = 0;
         for (std::size_t i = 0; i < re.size(); ++i) largest = std::max({largest, std::fabs(re[i]), std::fabs(im[i])});
         EXPECT_NEAR(largest, 1, 0.15) << "divided by the largest value before the mean went";
+        if (c.line_ppm == kAtCarrier) continue;
+        const double centre_ppm = (par.ObsCenter - par.FileRefMHz) * 1e6 / par.FileRefMHz;
+        const double hz = (c.line_ppm - centre_ppm) * par.FileRefMHz;
+        EXPECT_GT(TallestNear(read.set(), hz), 1.5 * TallestNear(read.set(), -hz)) << "not mirrored";
     }
 }
 
