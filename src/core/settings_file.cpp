@@ -82,6 +82,7 @@ constexpr std::array kCentres = {
     std::pair{&Settings::ccentre_ref_freq, &Settings::ccentre_ref},
     std::pair{&Settings::xcentre_ref_freq, &Settings::xcentre_ref},
 };
+
 void SettingsToGlobals(GlobalBlock& g)
 {
     const auto targets = GlobalCentres(g);
