@@ -86,7 +86,7 @@ TEST(SettingsFile, WriteReadWriteGivesTheSameBytes)
     EXPECT_EQ(again->FileTypeSlots[1], "");
     EXPECT_EQ(again->LastCentre, 4.7);
     EXPECT_EQ(again->GroupCentre[1], 99);
-    EXPECT_EQ(again->LastDirs[0], "C:\\data\\a;b");
+    EXPECT_EQ(again->settings.access_read_dir, "C:\\data\\a;b");
 }
 
 TEST(SettingsFile, WrittenForm)
