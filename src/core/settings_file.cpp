@@ -257,7 +257,8 @@ void InitGlobals(GlobalBlock& g)
     ClearLists(g);
     // Rows 1, 2, 3 and 16 of the table of file types; the fifth slot is the user's own.
     g.FileTypeSlots = {"", "*.als", "*.jdf", "*.gxd*", "*.jdx;*.dx", ""};
-    g.FileTypeNames = {"", "JEOL Alice2(Excalibur)", "JEOL Delta(ECA/ECP)", "JEOL GX/GSX/EX", "JCAMP", ""};
+    g.FileTypeNames = {
+        "", "JEOL Alice2(Excalibur) File", "JEOL Delta(ECA/ECP) File", "JEOL GX/GSX/EX File", "JCAMP File", ""};
     g.DigitalFilterPoints = 1;
     SettingsToGlobals(g);
 }
