@@ -51,7 +51,8 @@ TEST(Axis, ComesFromTheFirstSourceThatKnowsTheReference)
              g.Slots[0].par.OBFRQ0PPM = 0.0;
          },
          400.0, 0.0, 5.0, 0},
-        {"the file's own", [](GlobalBlock& g) { g.Slots[0].par.FileRefMHz = 400.0; }, 400.0, 0.0, 5.0, 500},
+        // The carrier's bin is the one below the middle: (400.002 - 400) / 400 = 5 ppm at point 499.
+        {"the file's own", [](GlobalBlock& g) { g.Slots[0].par.FileRefMHz = 400.0; }, 400.0, 0.01, 5.01, 499},
         {"the table before the file's own",
          [](GlobalBlock& g) {
              UseInstrument(g, 400.0);
@@ -72,7 +73,7 @@ TEST(Axis, ComesFromTheFirstSourceThatKnowsTheReference)
              g.LastObsCenter = 400.0;
              g.LastCentre = 77.0;
          },
-         400.0, 0.0, 5.0, 500},
+         400.0, 0.01, 5.01, 499},
         {"the last transform when the file's own is switched off",
          [](GlobalBlock& g) {
              g.Slots[0].par.FileRefMHz = 399.0;
