@@ -57,6 +57,7 @@ void ShootFft(const std::string& path, const QString& name)
         Session session{*g, asker, {}, {}, {}, {}};
         session.run_fft_form = [&](FftForm& form) {
             FftDialog dialog(form);
+            dialog.resize(1180, 780);
             Shoot(dialog, "fft-" + name + "-" + look.name);
             Drag(dialog.preview(), {300, 100}, {380, 100});
             Find<QAbstractButton>(dialog, "ShowImaginary").setChecked(true);
