@@ -4,6 +4,7 @@
 
 #include "formats/family_samples.h"
 #include "formats/probes.h"
+#include "formats/steady_asker.h"
 #include "support/files.h"
 #include "support/scripted_asker.h"
 
@@ -602,16 +603,6 @@ TEST(Detect, TwoNamesThatDifferInCaseAreToldApart)
     EXPECT_EQ(ReadFileType(folder / "x.dx", asker, Nuclides()).code, 4365);
 }
 
-/// Answers every question with the same button.
-class StubbornAsker : public Asker {
-public:
-    Button Message(const MessageBox& box) override { return box.buttons.front(); }
-    std::optional<FileChoice> File(const FileDialog&) override { return std::nullopt; }
-    FormAnswer Form(const FormRequest&) override { return {}; }
-    void Beep() override {}
-    void Notice(const std::string&) override {}
-};
-
 std::vector<std::string> AllSamples()
 {
     return {AliceFile().str(),
@@ -640,7 +631,7 @@ std::vector<std::string> AllSamples()
 /// end (the sanitizers see to that).
 TEST(Detect, EveryProbeBearsEveryCutOfEverySample)
 {
-    StubbornAsker asker;
+    SteadyAsker asker(Button::yes);
     const ProbeContext context{asker, Nuclides()};
     for (const std::string& sample : AllSamples()) {
         const std::size_t step = std::max<std::size_t>(sample.size() / 200, 1);
@@ -673,7 +664,7 @@ TEST(Detect, NoProbeTakesTheFileOfAnotherBinaryFamily)
         {"ReadModeJCAMP", Jcamp()},           {"ReadModeBruker", Acqus()},
         {"ReadModeVarian", Procpar()},
     };
-    StubbornAsker asker;
+    SteadyAsker asker(Button::yes);
     const ProbeContext context{asker, Nuclides()};
     for (const Owner& owner : owners) {
         for (const ProbeRow& row : Probes()) {
