@@ -133,15 +133,12 @@ void TakeWord(std::string_view word, DateParts& parts)
         return;
     }
     if (std::ranges::any_of(kWeekdays, is_start) || EqualsNoCase(word, "T")) return;
-    if (parts.second < 0) {
-        parts.failed = true;
-    } else if (EqualsNoCase(word, "PM")) {
-        if (parts.second < 12 * 3600) parts.second += 12 * 3600;
-    } else if (EqualsNoCase(word, "AM")) {
-        if (parts.second >= 12 * 3600) parts.second -= 12 * 3600;
-    } else if (word.size() > 5 || word != ToUpper(word)) {
-        parts.failed = true;
-    }
+    constexpr double kNoon = kSecondsPerDay / 2;
+    const bool morning = EqualsNoCase(word, "AM"), afternoon = EqualsNoCase(word, "PM");
+    const bool zone = word.size() <= 5 && word == ToUpper(word);
+    if (parts.second < 0 || !(morning || afternoon || zone)) parts.failed = true;
+    if (morning && parts.second >= kNoon) parts.second -= kNoon;
+    if (afternoon && parts.second >= 0 && parts.second < kNoon) parts.second += kNoon;
 }
 
 DateParts Gather(std::string_view rest)

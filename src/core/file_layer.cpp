@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace nmr {
 
@@ -122,12 +123,21 @@ int OpenRegular(const fs::path& path, struct stat& info, std::string& reason, Er
     return -1;
 }
 
+/// A file that can't be found may only be hidden in a folder that this user may not enter.
+Error MissingError(std::string_view name, const char* where)
+{
+    struct stat info {};
+    const bool hidden = ::stat(WithSlashes(name).c_str(), &info) != 0 && errno == EACCES;
+    if (hidden) return FileError(ErrorCode::unreadable, where, name, std::strerror(EACCES));
+    return FileError(ErrorCode::not_found, where, name, "is not found");
+}
+
 enum class Beyond { refuse, cut };
 
 Result<Bytes> ReadFile(std::string_view name, std::uint64_t most, Beyond beyond, const char* where)
 {
     const auto path = ResolvePath(name);
-    if (!path) return FileError(ErrorCode::not_found, where, name, "is not found");
+    if (!path) return MissingError(name, where);
     struct stat info {};
     std::string reason;
     ErrorCode code = ErrorCode::unreadable;

@@ -67,7 +67,7 @@ bool SameFloat(double low, double high)
            std::bit_cast<std::uint32_t>(static_cast<float>(high));
 }
 
-/// Rotates a block by products of turns, ten times as fast as a sine and cosine for each point. Where
+/// Rotates a block by products of turns, four times as fast as by a sine and cosine for each point. Where
 /// the error bound leaves the rounding to float open, the point is done again by its own angle, so
 /// that the result is that of the plain formula to the bit.
 void RotateBlock(const Rows& rows, std::size_t begin, std::size_t count, Turn start, const Steps& steps, double error,

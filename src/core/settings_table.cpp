@@ -135,7 +135,7 @@ bool Inside(const SettingRow& row, double value)
 
 double Mended(const SettingRow& row, double value, double standard)
 {
-    if (Inside(row, value)) return value;
+    if (std::isfinite(value) && Inside(row, value)) return value;
     switch (row.mend) {
     case Mend::nearest:
         return std::clamp(std::isnan(value) ? row.min : value, row.min, row.max);

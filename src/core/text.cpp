@@ -162,7 +162,8 @@ bool EqualsNoCase(std::string_view a, std::string_view b)
 
 bool ContainsNoCase(std::string_view text, std::string_view part)
 {
-    return part.empty() || !std::ranges::search(text, part, {}, Upper, Upper).empty();
+    const auto same = [](char a, char b) { return Upper(a) == Upper(b); };
+    return part.empty() || std::search(text.begin(), text.end(), part.begin(), part.end(), same) != text.end();
 }
 
 std::string_view Left(std::string_view text, std::size_t count)

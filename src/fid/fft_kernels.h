@@ -79,100 +79,82 @@ constexpr std::size_t VectorsOfPass()
         return R / 2 + R / 4 + VectorsOfPass<R / 2>();
 }
 
-/// Where the block of the work row that begins with point j stands.
-inline std::size_t WorkIndex(std::size_t j)
-{
-    return 2 * j;
-}
-
-/// One pass over `count` neighbouring parts of the work row.
+/// One pass over part of the work row: R runs of `points`, `stride` floats from one to the next.
 template <std::size_t R>
-void WorkPass(float* work, std::size_t size, std::size_t count, const double* all_twiddles)
+void WorkPass(float* work, std::size_t points, std::size_t stride, const double* twiddles)
 {
-    const std::size_t stride = size / R * 2;
-    for (; count > 0; --count, work += 2 * size) {
-        const double* twiddles = all_twiddles;
-        for (std::size_t j = 0; j < size / R; j += kFftBlock) {
-            float* const first = work + WorkIndex(j);
-            Point x[R];
-            for (std::size_t i = 0; i < R; ++i)
-                x[i] = {LoadF(first + i * stride), LoadF(first + i * stride + kFftBlock)};
-            Stages<R>(x, twiddles);
-            for (std::size_t i = 0; i < R; ++i) {
-                StoreF(first + i * stride, x[i].re);
-                StoreF(first + i * stride + kFftBlock, x[i].im);
-            }
-            twiddles += VectorsOfPass<R>() * kFftBlock;
-        }
-    }
-}
-
-/// The first pass, which brings the row into the work row.
-template <std::size_t R>
-void FirstPass(const float* re, const float* im, float* work, std::size_t size, const double* twiddles)
-{
-    const std::size_t stride = size / R;
-    for (std::size_t j = 0; j < stride; j += kFftBlock) {
+    for (float* const end = work + 2 * points; work != end; work += 2 * kFftBlock) {
         Point x[R];
-        for (std::size_t i = 0; i < R; ++i) x[i] = {LoadF(re + i * stride + j), LoadF(im + i * stride + j)};
+        for (std::size_t i = 0; i < R; ++i) x[i] = {LoadF(work + i * stride), LoadF(work + i * stride + kFftBlock)};
         Stages<R>(x, twiddles);
-        float* const first = work + WorkIndex(j);
         for (std::size_t i = 0; i < R; ++i) {
-            StoreF(first + 2 * i * stride, x[i].re);
-            StoreF(first + 2 * i * stride + kFftBlock, x[i].im);
+            StoreF(work + i * stride, x[i].re);
+            StoreF(work + i * stride + kFftBlock, x[i].im);
         }
         twiddles += VectorsOfPass<R>() * kFftBlock;
     }
 }
 
-inline void RunWorkPass(const FFT_Pass& pass, float* work, std::size_t count)
+/// The first pass, of radix 4, which brings the row into the work row.
+void FirstPass(const FFT_Plan& plan, const float* re, const float* im)
 {
-    switch (pass.radix) {
-    case 2:
-        return WorkPass<2>(work, pass.size, count, pass.twiddles);
-    case 4:
-        return WorkPass<4>(work, pass.size, count, pass.twiddles);
-    case 8:
-        return WorkPass<8>(work, pass.size, count, pass.twiddles);
-    default:
-        return WorkPass<16>(work, pass.size, count, pass.twiddles);
+    const std::size_t run = plan.n() / 4;
+    const std::size_t stride = kFftParts / 4 * plan.part_stride();
+    const double* twiddles = plan.passes()[0].twiddles;
+    for (std::size_t j = 0; j < run; j += kFftBlock) {
+        Point x[4];
+        for (std::size_t i = 0; i < 4; ++i) x[i] = {LoadF(re + i * run + j), LoadF(im + i * run + j)};
+        Stages<4>(x, twiddles);
+        float* const first = plan.work() + 2 * j + j / plan.part_points() * kFftGap;
+        for (std::size_t i = 0; i < 4; ++i) {
+            StoreF(first + i * stride, x[i].re);
+            StoreF(first + i * stride + kFftBlock, x[i].im);
+        }
+        twiddles += VectorsOfPass<4>() * kFftBlock;
     }
 }
 
-inline void RunFirstPass(const FFT_Pass& pass, const float* re, const float* im, float* work)
+inline void RunInnerPass(const FFT_Pass& pass, float* work, std::size_t count)
 {
-    switch (pass.radix) {
-    case 2:
-        return FirstPass<2>(re, im, work, pass.size, pass.twiddles);
-    case 4:
-        return FirstPass<4>(re, im, work, pass.size, pass.twiddles);
-    case 8:
-        return FirstPass<8>(re, im, work, pass.size, pass.twiddles);
-    default:
-        return FirstPass<16>(re, im, work, pass.size, pass.twiddles);
+    const std::size_t points = pass.size / pass.radix;
+    for (; count > 0; --count, work += 2 * pass.size) {
+        switch (pass.radix) {
+        case 2:
+            WorkPass<2>(work, points, 2 * points, pass.twiddles);
+            break;
+        case 4:
+            WorkPass<4>(work, points, 2 * points, pass.twiddles);
+            break;
+        default:
+            WorkPass<8>(work, points, 2 * points, pass.twiddles);
+        }
     }
 }
 
 constexpr std::size_t kInnerPoints = 2048; // 16 kB: stays in the first-level cache beside its twiddles
 
-/// Depth first, so that a part is finished while it is in the cache.
-void RunParts(const FFT_Pass* pass, const FFT_Pass* end, float* work, std::size_t parts)
+/// The passes within a part; depth first, so that what a pass leaves is taken up while in the cache.
+void RunInnerPasses(const FFT_Pass* pass, const FFT_Pass* end, float* work, std::size_t size)
 {
-    if (pass == end) return;
-    if (pass->size <= kInnerPoints) {
-        for (std::size_t part = 0; part < parts;) {
-            const std::size_t together = std::min(parts - part, kInnerPoints / pass->size);
-            const std::size_t points = together * pass->size;
-            for (const FFT_Pass* p = pass; p != end; ++p)
-                RunWorkPass(*p, work + 2 * part * pass->size, points / p->size);
-            part += together;
-        }
+    if (size <= kInnerPoints) {
+        for (; pass != end; ++pass) RunInnerPass(*pass, work, size / pass->size);
         return;
     }
-    for (std::size_t part = 0; part < parts; ++part) {
-        float* const here = work + 2 * part * pass->size;
-        RunWorkPass(*pass, here, 1);
-        RunParts(pass + 1, end, here, pass->radix);
+    RunInnerPass(*pass, work, 1);
+    const std::size_t next = size / pass->radix;
+    for (std::size_t i = 0; i < pass->radix; ++i) RunInnerPasses(pass + 1, end, work + 2 * i * next, next);
+}
+
+void RunMiddlePasses(const FFT_Plan& plan)
+{
+    const FFT_Pass* const second = plan.passes().data() + 1;
+    const FFT_Pass* const end = plan.passes().data() + plan.passes().size();
+    const std::size_t points = plan.part_points();
+    float* work = plan.work();
+    for (std::size_t quarter = 0; quarter < 4; ++quarter) {
+        WorkPass<8>(work, points, plan.part_stride(), second->twiddles);
+        for (std::size_t part = 0; part < 8; ++part, work += plan.part_stride())
+            RunInnerPasses(second + 1, end, work, points);
     }
 }
 
@@ -202,36 +184,60 @@ inline void LastStages(Point* x, const std::array<FFT_Twiddle, 3>& twiddles)
 
 constexpr std::size_t kReversed[kFftBlock] = {0, 4, 2, 6, 1, 5, 3, 7};
 
-/// The last stages and the bit reversal of the 8 blocks that share the middle bits of their index:
-/// those bits reversed are `target`, and the 8 by 8 points go out as 8 runs of 8.
-inline void LastTile(const float* blocks, std::size_t stride, float* re, float* im, std::size_t run,
+constexpr std::size_t kTiles = kFftParts / kFftBlock;
+
+struct TileRows {
+    alignas(64) float re[kFftBlock][kTiles * kFftBlock];
+    alignas(64) float im[kFftBlock][kTiles * kFftBlock];
+};
+
+/// The last three stages of 8 blocks, one from every fourth part, turned so that each vector has
+/// the points of one place in all of them, in reversed order of the parts.
+inline void LastTile(const float* blocks, std::size_t stride, TileRows& rows, std::size_t tile,
                      const std::array<FFT_Twiddle, 3>& twiddles)
 {
-    F rows_re[kFftBlock], rows_im[kFftBlock];
+    F re[kFftBlock], im[kFftBlock];
     for (std::size_t i = 0; i < kFftBlock; ++i) {
-        rows_re[i] = LoadF(blocks + kReversed[i] * stride);
-        rows_im[i] = LoadF(blocks + kReversed[i] * stride + kFftBlock);
+        re[i] = LoadF(blocks + kReversed[i] * stride);
+        im[i] = LoadF(blocks + kReversed[i] * stride + kFftBlock);
     }
-    Transpose(rows_re);
-    Transpose(rows_im);
+    Transpose(re);
+    Transpose(im);
     Point x[kFftBlock];
-    for (std::size_t i = 0; i < kFftBlock; ++i) x[i] = {rows_re[i], rows_im[i]};
+    for (std::size_t i = 0; i < kFftBlock; ++i) x[i] = {re[i], im[i]};
     LastStages(x, twiddles);
     for (std::size_t i = 0; i < kFftBlock; ++i) {
-        StoreF(re + kReversed[i] * run, x[i].re);
-        StoreF(im + kReversed[i] * run, x[i].im);
+        StoreF(rows.re[i] + tile * kFftBlock, x[i].re);
+        StoreF(rows.im[i] + tile * kFftBlock, x[i].im);
     }
 }
 
+inline void CopyRun(float* to, const float* from)
+{
+    F run[kTiles];
+    for (std::size_t i = 0; i < kTiles; ++i) run[i] = LoadF(from + i * kFftBlock);
+    for (std::size_t i = 0; i < kTiles; ++i) StoreF(to + i * kFftBlock, run[i]);
+}
+
+/// The last three stages and the bit reversal: the 32 blocks that stand at one place of their parts
+/// become 8 runs of 32 points of the row. They are gathered first: runs written in pieces would be
+/// thrown out of the cache between two pieces, their distances being powers of two.
 void LastPass(const FFT_Plan& plan, float* re, float* im)
 {
-    const std::size_t middles = plan.n() / kFftShortest;
+    const std::size_t blocks = plan.part_points() / kFftBlock;
     const std::size_t run = plan.n() / kFftBlock;
+    const std::size_t stride = plan.part_stride();
+    constexpr std::size_t reversed_tile[kTiles] = {0, 2, 1, 3};
     std::size_t reversed = 0;
-    for (std::size_t middle = 0; middle < middles; ++middle) {
-        LastTile(plan.work() + middle * 2 * kFftBlock, middles * 2 * kFftBlock, re + reversed * kFftBlock,
-                 im + reversed * kFftBlock, run, plan.last());
-        std::size_t bit = middles / 2;
+    for (std::size_t block = 0; block < blocks; ++block) {
+        const float* const first = plan.work() + block * 2 * kFftBlock;
+        TileRows rows;
+        for (std::size_t tile = 0; tile < kTiles; ++tile)
+            LastTile(first + reversed_tile[tile] * stride, kTiles * stride, rows, tile, plan.last());
+        const std::size_t place = reversed * kFftParts;
+        for (std::size_t i = 0; i < kFftBlock; ++i) CopyRun(re + kReversed[i] * run + place, rows.re[i]);
+        for (std::size_t i = 0; i < kFftBlock; ++i) CopyRun(im + kReversed[i] * run + place, rows.im[i]);
+        std::size_t bit = blocks / 2;
         for (; (reversed & bit) != 0; bit /= 2) reversed ^= bit;
         reversed ^= bit;
     }
@@ -239,9 +245,8 @@ void LastPass(const FFT_Plan& plan, float* re, float* im)
 
 void Run(const FFT_Plan& plan, float* re, float* im)
 {
-    const auto passes = plan.passes();
-    RunFirstPass(passes[0], re, im, plan.work());
-    RunParts(passes.data() + 1, passes.data() + passes.size(), plan.work(), passes[0].radix);
+    FirstPass(plan, re, im);
+    RunMiddlePasses(plan);
     LastPass(plan, re, im);
 }
 

@@ -62,8 +62,8 @@ void FFT_Plan::Free::operator()(void* memory) const
     std::free(memory);
 }
 
-FFT_Plan::FFT_Plan(std::size_t n, std::size_t radix, std::span<const double> sine_table) :
-    n_(n), radix_(radix), source_(sine_table.data()), work_(AllocateLines<float>(2 * n))
+FFT_Plan::FFT_Plan(std::size_t n, std::span<const double> sine_table) :
+    n_(n), source_(sine_table.data()), work_(AllocateLines<float>(2 * n + kFftParts * kFftGap))
 {
     ChoosePasses();
     FillTwiddles(sine_table);
@@ -73,16 +73,19 @@ FFT_Plan::FFT_Plan(std::size_t n, std::size_t radix, std::span<const double> sin
     }
 }
 
-/// The odd stages come first, in a pass of a smaller radix.
 void FFT_Plan::ChoosePasses()
 {
-    const int largest = std::countr_zero(radix_);
-    int stages = std::countr_zero(n_ / kFftBlock);
-    for (std::size_t size = n_; stages > 0;) {
-        const int now = stages % largest == 0 ? largest : stages % largest;
-        passes_.push_back({.size = size, .radix = std::size_t{1} << now});
-        size >>= now;
-        stages -= now;
+    std::size_t size = n_;
+    const auto add = [&](std::size_t radix) {
+        passes_.push_back({.size = size, .radix = radix});
+        size /= radix;
+    };
+    add(4);
+    add(8);
+    while (size > kFftBlock) {
+        const std::size_t rest = size / kFftBlock;
+        // Two passes of radix 4 rather than one of 8 and one of 2, which does little for its loads.
+        add(rest == 2 ? 2 : rest == 4 || rest == 16 ? 4 : 8);
     }
 }
 
@@ -98,13 +101,13 @@ void FFT_Plan::FillTwiddles(std::span<const double> sine_table)
     }
 }
 
-const FFT_Plan& FFT_Plan_For(std::size_t n, std::size_t radix, std::span<const double> sine_table)
+const FFT_Plan& FFT_Plan_For(std::size_t n, std::span<const double> sine_table)
 {
     // One plan is enough: a session keeps to one length, and at the longest row a plan takes 20 MB.
     thread_local std::unique_ptr<const FFT_Plan> plan;
-    if (!plan || !plan->Fits(n, radix, sine_table)) {
+    if (!plan || !plan->Fits(n, sine_table)) {
         plan.reset();
-        plan = std::make_unique<const FFT_Plan>(n, radix, sine_table);
+        plan = std::make_unique<const FFT_Plan>(n, sine_table);
     }
     return *plan;
 }

@@ -12,8 +12,12 @@ namespace nmr {
 
 /// Points of one block of the work row: 8 real parts, then their 8 imaginary parts, one cache line.
 inline constexpr std::size_t kFftBlock = 8;
-/// The last three stages and the bit reversal work on tiles of 8 by 8 points, so no row is shorter.
-inline constexpr std::size_t kFftShortest = kFftBlock * kFftBlock;
+/// The work row lies in 32 parts with a cache line between them: the last pass reads all of them at
+/// once, and at distances of a power of two they would push each other out of the cache.
+inline constexpr std::size_t kFftParts = 32;
+inline constexpr std::size_t kFftGap = 2 * kFftBlock;
+/// One block in each part; shorter rows go by the plain loops.
+inline constexpr std::size_t kFftShortest = kFftParts * kFftBlock;
 
 /// Several stages done in one go: `radix` points `size / radix` apart stay in registers.
 struct FFT_Pass {
@@ -30,15 +34,18 @@ struct FFT_Twiddle {
 
 class FFT_Plan {
 public:
-    /// @param n      points of the row, a power of two from kFftShortest to kSineTableSize
-    /// @param radix  largest radix of a pass, 4, 8 or 16: what suits the registers of the machine
-    FFT_Plan(std::size_t n, std::size_t radix, std::span<const double> sine_table);
+    /// @param n  points of the row, a power of two from kFftShortest to kSineTableSize
+    FFT_Plan(std::size_t n, std::span<const double> sine_table);
 
-    bool Fits(std::size_t n, std::size_t radix, std::span<const double> sine_table) const
+    bool Fits(std::size_t n, std::span<const double> sine_table) const
     {
-        return n == n_ && radix == radix_ && sine_table.data() == source_;
+        return n == n_ && sine_table.data() == source_;
     }
     std::size_t n() const { return n_; }
+    std::size_t part_points() const { return n_ / kFftParts; }
+    /// Floats from one part of the work row to the next.
+    std::size_t part_stride() const { return 2 * part_points() + kFftGap; }
+    /// The first of radix 4 and the second of radix 8 end with the 32 parts, the others lie within one.
     std::span<const FFT_Pass> passes() const { return passes_; }
     float* work() const { return work_.get(); }
     /// Of legs 4 points apart: 1/8, 2/8 and 3/8 of a turn; the second also serves legs 2 points apart.
@@ -53,7 +60,6 @@ private:
     void FillTwiddles(std::span<const double> sine_table);
 
     std::size_t n_;
-    std::size_t radix_;
     const double* source_;
     std::vector<FFT_Pass> passes_;
     std::unique_ptr<double[], Free> twiddles_;
@@ -61,8 +67,8 @@ private:
     std::array<FFT_Twiddle, 3> last_;
 };
 
-/// The plan of the calling thread, made anew when length, radix or table differ from the last call's.
-const FFT_Plan& FFT_Plan_For(std::size_t n, std::size_t radix, std::span<const double> sine_table);
+/// The plan of the calling thread, made anew when length or table differ from the last call's.
+const FFT_Plan& FFT_Plan_For(std::size_t n, std::span<const double> sine_table);
 
 void FFT_Run_Avx2(const FFT_Plan& plan, float* re, float* im);
 void FFT_Run_Avx512(const FFT_Plan& plan, float* re, float* im);

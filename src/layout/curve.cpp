@@ -77,6 +77,13 @@ Values Covered(const Trace& trace, double from, double to)
     return values;
 }
 
+/// Heights far outside would only overflow the number formats of paper and pictures.
+double LimitedY(const PlotFrame& frame, double value)
+{
+    const double margin = 10 * frame.rect.height;
+    return std::clamp(frame.Y(value), frame.rect.y - margin, frame.rect.bottom() + margin);
+}
+
 /// Grows every stripe by a round pen: a neighbour d away reaches in by the pen's half chord there.
 std::vector<Stripe> Thicken(const std::vector<Stripe>& thin, double stripe_width, double pen_width)
 {
@@ -112,7 +119,8 @@ void DrawStripes(Canvas& canvas, const Trace& trace, double pen_width)
         const double to = trace.Index(left + static_cast<double>(i + 1) * width);
         const Values values = Covered(trace, from, to);
         if (!values.empty())
-            thin[i] = {static_cast<float>(trace.frame.Y(values.high)), static_cast<float>(trace.frame.Y(values.low))};
+            thin[i] = {static_cast<float>(LimitedY(trace.frame, values.high)),
+                       static_cast<float>(LimitedY(trace.frame, values.low))};
         from = to;
     }
     auto stripes = Thicken(thin, width, std::max(pen_width, 1 / pixels));
@@ -123,11 +131,50 @@ void DrawStripes(Canvas& canvas, const Trace& trace, double pen_width)
     canvas.Stripes(left, width, stripes);
 }
 
-/// Heights far outside would only overflow the number formats of paper and pictures.
-double LimitedY(const PlotFrame& frame, double value)
+/// The part of a segment inside a rectangle; false when there is none. (Liang and Barsky's way.)
+bool ClipSegment(const RectD& rect, PointD& a, PointD& b)
 {
-    const double margin = 10 * frame.rect.height;
-    return std::clamp(frame.Y(value), frame.rect.y - margin, frame.rect.bottom() + margin);
+    const double dx = b.x - a.x, dy = b.y - a.y;
+    const double steps[] = {-dx, dx, -dy, dy};
+    const double rooms[] = {a.x - rect.x, rect.right() - a.x, a.y - rect.y, rect.bottom() - a.y};
+    double enter = 0, leave = 1;
+    for (int side = 0; side < 4; ++side) {
+        if (steps[side] == 0 && rooms[side] < 0) return false;
+        if (steps[side] == 0) continue;
+        const double at = rooms[side] / steps[side];
+        if (steps[side] < 0)
+            enter = std::max(enter, at);
+        else
+            leave = std::min(leave, at);
+    }
+    if (enter > leave) return false;
+    const PointD start = a;
+    a = enter > 0 ? PointD{start.x + enter * dx, start.y + enter * dy} : start;
+    b = leave < 1 ? PointD{start.x + leave * dx, start.y + leave * dy} : b;
+    return true;
+}
+
+/// Cut by geometry: not every picture format knows clipping.
+void DrawClipped(Canvas& canvas, const RectD& rect, std::span<const PointD> points)
+{
+    std::vector<PointD> run;
+    const auto flush = [&] {
+        if (run.size() > 1) canvas.Polyline(run);
+        run.clear();
+    };
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        PointD a = points[i - 1], b = points[i];
+        if (!ClipSegment(rect, a, b)) {
+            flush();
+            continue;
+        }
+        if (run.empty() || run.back().x != a.x || run.back().y != a.y) {
+            flush();
+            run.push_back(a);
+        }
+        run.push_back(b);
+    }
+    flush();
 }
 
 /// The points themselves, with one more at each side so that the line leaves the frame.
@@ -140,7 +187,7 @@ void DrawPoints(Canvas& canvas, const Trace& trace)
     const auto last = static_cast<std::size_t>(std::min(trace.last(), std::ceil(to)));
     std::vector<PointD> points;
     const auto flush = [&] {
-        if (points.size() > 1) canvas.Polyline(points);
+        DrawClipped(canvas, trace.frame.rect, points);
         points.clear();
     };
     for (std::size_t i = first; i <= last; ++i) {
@@ -171,7 +218,7 @@ void DrawZigzag(Canvas& canvas, const Trace& trace)
         points.push_back({x + width / 2, near});
         if (std::abs(far - near) > width / 4) points.push_back({x + width / 2, far});
     }
-    if (points.size() > 1) canvas.Polyline(points);
+    DrawClipped(canvas, rect, points);
 }
 
 } // namespace
@@ -186,13 +233,11 @@ void DrawCurve(Canvas& canvas, const PlotFrame& frame, const MinMaxPyramid& pyra
         DrawStripes(canvas, *trace, pen.width);
         return;
     }
-    canvas.PushClip(frame.rect);
     const double per_column = std::abs(trace->per_unit) / canvas.Resolution();
     if (per_column > 2)
         DrawZigzag(canvas, *trace);
     else
         DrawPoints(canvas, *trace);
-    canvas.PopClip();
 }
 
 } // namespace nmr

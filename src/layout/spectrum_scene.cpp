@@ -21,9 +21,9 @@ std::uint8_t Byte(double share)
     return static_cast<std::uint8_t>(std::lround(std::clamp(share, 0.0, 1.0) * 255));
 }
 
-double PenWidth(std::int32_t setting)
+double PenWidth(double setting)
 {
-    return std::clamp(setting, 1, 20);
+    return std::clamp(setting, 1.0, 20.0);
 }
 
 FontSpecD AxisFont(const Settings& settings)
@@ -129,8 +129,8 @@ AxisStyle AxisStyleOf(const Settings& settings, const DataSet& set, const PlotCo
     style.individual = settings.axis_tic_mode != 0;
     style.step_ppm = settings.axis_tic_step;
     style.step_hz = settings.axis_tic_step_2;
-    const double divisions = style.unit == XUnit::ppm ? settings.axis_tic_div : settings.axis_tic_div_2;
-    style.divisions = static_cast<int>(std::clamp(divisions, 1.0, 100.0));
+    const int divisions = style.unit == XUnit::ppm ? settings.axis_tic_div : settings.axis_tic_div_2;
+    style.divisions = std::clamp(divisions, 1, 100);
     style.title = UnitName(style.unit);
     style.pen = {colors.axis, PenWidth(settings.disp_axis_width), PenStyle::solid};
     style.text = colors.text;
@@ -185,7 +185,12 @@ PlotFrame SceneFrame(Canvas& canvas, const RectD& rect, const SpectrumScene& sce
     if (!scene.show_axis) return frame;
     const double right = XAxisOverhang(canvas, scene.axis), below = XAxisHeight(canvas, scene.axis);
     const double letter = canvas.Measure("X").height();
-    const double left = 1.5 * letter, above = 0.6 * letter;
+    const double left = right - canvas.Measure(scene.axis.title).width;
+    double above = 0.6 * letter;
+    if (!scene.title.empty()) {
+        canvas.SetFont(scene.title_font);
+        above += canvas.Measure("X").height();
+    }
     // Whole units, so that the axis lies on pixels.
     frame.rect.x = std::round(rect.x + left);
     frame.rect.y = std::round(rect.y + above);
@@ -213,7 +218,7 @@ void DrawSpectrumScene(Canvas& canvas, const RectD& rect, const SpectrumScene& s
     if (scene.title.empty()) return;
     canvas.SetFont(scene.title_font);
     canvas.SetPen({scene.text, 1, PenStyle::solid});
-    canvas.Text({frame.rect.x, frame.rect.y + canvas.Measure(scene.title).ascent}, scene.title);
+    canvas.Text({frame.rect.x, frame.rect.y - 0.4 * canvas.Measure("X").height()}, scene.title);
 }
 
 } // namespace nmr

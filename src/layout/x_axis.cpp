@@ -187,7 +187,7 @@ double XAxisHeight(Canvas& canvas, const AxisStyle& style)
 double XAxisOverhang(Canvas& canvas, const AxisStyle& style)
 {
     canvas.SetFont(style.font);
-    const double half_number = canvas.Measure("-0.00").width / 2;
+    const double half_number = canvas.Measure("-0.0000").width / 2;
     return half_number + 3 * kGap * canvas.Measure("X").height() + canvas.Measure(style.title).width;
 }
 

@@ -140,6 +140,14 @@ TEST(FileLayer, RefusesWhatIsNoOrdinaryFileWithoutWaiting)
         EXPECT_EQ(head.error().code, c.code);
         EXPECT_FALSE(head.error().text.empty());
     }
+    if (geteuid() != 0) { // no folder is closed to root
+        WriteText(folder / "folder/hidden", "x");
+        ASSERT_EQ(chmod((folder / "folder").c_str(), 0), 0);
+        const auto hidden = ReadWholeFile(folder / "folder/hidden");
+        ASSERT_FALSE(hidden);
+        EXPECT_EQ(hidden.error().code, ErrorCode::unreadable);
+        ASSERT_EQ(chmod((folder / "folder").c_str(), 0700), 0);
+    }
     const auto limited = ReadWholeFile(folder / "file", 2);
     ASSERT_FALSE(limited);
     EXPECT_EQ(limited.error().code, ErrorCode::too_large);
