@@ -57,9 +57,11 @@ double LargestDifference(const std::vector<float>& a, const std::vector<float>& 
 TEST(FftForm, OpensOnAPhasedPreview)
 {
     Rig rig;
-    WithForm(rig, {}, [&](FftForm& form) {
+    BrukerSpec spec;
+    spec.decay_hz = 30.0; // a line of several points
+    WithForm(rig, spec, [&](FftForm& form) {
         EXPECT_EQ(form.points(), 1024);
-        EXPECT_NEAR(Degrees(At(rig.g.Slots[0], rig.g.PivotPoint)), 0.0, 10.0) << "the line had 20 degrees";
+        EXPECT_NEAR(Degrees(At(rig.g.Slots[0], rig.g.PivotPoint)), 0.0, 3.0) << "the line had 20 degrees";
         EXPECT_GT(rig.g.Slots[0].par.DispLeft, 0.0F);
         EXPECT_EQ(rig.g.Slots[0].par.SMODE, 0);
         EXPECT_TRUE(rig.g.NoSpectrumYet);
@@ -156,7 +158,8 @@ TEST(FftForm, TheFractionOfTheGroupDelayStaysWhereOneLineTellsNoFirstOrder)
     spec.group_delay = 30.4;
     spec.points = 4096;
     // The second line is too weak for the automatic phase, and shows whether the slope is right.
-    spec.tones = {{1000.0, 1.0, 40.0}, {-1800.0, 0.004, 40.0}};
+    spec.tones = {{1000.0, 1.0, 40.0}, {-1800.0, 0.02, 40.0}};
+    spec.decay_hz = 10.0;
     WithForm(rig, spec, [&](FftForm& form) {
         EXPECT_EQ(rig.g.Slots[0].par.FIDShift, 30);
         EXPECT_NEAR(rig.g.Phase1Deg, 0.4F * 360.0F, 0.01F);
@@ -165,7 +168,7 @@ TEST(FftForm, TheFractionOfTheGroupDelayStaysWhereOneLineTellsNoFirstOrder)
         std::int32_t best = weak;
         for (std::int32_t i = weak - 4; i <= weak + 4; ++i)
             if (std::abs(At(rig.g.Slots[0], i)) > std::abs(At(rig.g.Slots[0], best))) best = i;
-        EXPECT_NEAR(Degrees(At(rig.g.Slots[0], best)), 0.0, 35.0) << "50 degrees off without the slope";
+        EXPECT_NEAR(Degrees(At(rig.g.Slots[0], best)), 0.0, 25.0) << "50 degrees off without the slope";
         form.SetShift(31);
         EXPECT_FLOAT_EQ(rig.g.Phase1Deg, 0.0F) << "another shift leaves another rest";
     });

@@ -22,8 +22,8 @@ TEST(MenuRows, FormATreeInWhichEveryEntryDoesSomething)
         SCOPED_TRACE(row.control);
         EXPECT_TRUE(controls.insert(row.control).second) << "twice";
         EXPECT_TRUE(state.contains(row.control)) << "nothing says when it may be chosen";
-        if (!row.parent.empty()) EXPECT_TRUE(controls.contains(row.parent)) << "its menu comes later or never";
-        if (!row.shortcut.empty()) EXPECT_TRUE(shortcuts.insert(row.shortcut).second);
+        EXPECT_TRUE(row.parent.empty() || controls.contains(row.parent)) << "its menu comes later or never";
+        EXPECT_TRUE(row.shortcut.empty() || shortcuts.insert(row.shortcut).second);
         const bool is_menu = std::any_of(MenuRows().begin(), MenuRows().end(),
                                          [&](const MenuRow& other) { return other.parent == row.control; });
         const bool windows_own = row.control == kExitControl || row.control == kRecentControl;

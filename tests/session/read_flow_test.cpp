@@ -1,5 +1,6 @@
 #include "session/read_flow.h"
 
+#include "core/text.h"
 #include "session/display_scope.h"
 #include "session/fid_intake.h"
 #include "session/rig.h"
@@ -356,7 +357,9 @@ TEST(ReadFlow, MultiSpectraGoOrStayAsTheUserSays)
         EXPECT_EQ(rig.asker.forms.at(0).form, "NMR1D_Form23");
         EXPECT_EQ(rig.g.Slots[20].par.POINT, c.kept_points);
         EXPECT_EQ(rig.g.Slots[0].par.SMODE, c.reads ? 1 : 0);
-        if (!c.reads) EXPECT_EQ(rig.g.Slots[0].par.SubKind, 5);
+        if (!c.reads) {
+            EXPECT_EQ(rig.g.Slots[0].par.SubKind, 5);
+        }
     }
     Rig rig;
     BootPlain(rig);
