@@ -222,24 +222,34 @@ inline void CopyRun(float* to, const float* from)
 /// The last three stages and the bit reversal: the 32 blocks that stand at one place of their parts
 /// become 8 runs of 32 points of the row. They are gathered first: runs written in pieces would be
 /// thrown out of the cache between two pieces, their distances being powers of two.
-void LastPass(const FFT_Plan& plan, float* re, float* im)
+inline void LastGroup(const FFT_Plan& plan, float* re, float* im, const FFT_Group& group)
 {
-    const std::size_t blocks = plan.part_points() / kFftBlock;
     const std::size_t run = plan.n() / kFftBlock;
     const std::size_t stride = plan.part_stride();
     constexpr std::size_t reversed_tile[kTiles] = {0, 2, 1, 3};
-    std::size_t reversed = 0;
-    for (std::size_t block = 0; block < blocks; ++block) {
-        const float* const first = plan.work() + block * 2 * kFftBlock;
-        TileRows rows;
-        for (std::size_t tile = 0; tile < kTiles; ++tile)
-            LastTile(first + reversed_tile[tile] * stride, kTiles * stride, rows, tile, plan.last());
-        const std::size_t place = reversed * kFftParts;
-        for (std::size_t i = 0; i < kFftBlock; ++i) CopyRun(re + kReversed[i] * run + place, rows.re[i]);
-        for (std::size_t i = 0; i < kFftBlock; ++i) CopyRun(im + kReversed[i] * run + place, rows.im[i]);
-        std::size_t bit = blocks / 2;
-        for (; (reversed & bit) != 0; bit /= 2) reversed ^= bit;
-        reversed ^= bit;
+    const float* const first = plan.work() + group.block * 2 * kFftBlock;
+    TileRows rows;
+    for (std::size_t tile = 0; tile < kTiles; ++tile)
+        LastTile(first + reversed_tile[tile] * stride, kTiles * stride, rows, tile, plan.last());
+    const std::size_t place = group.reversed * kFftParts;
+    for (std::size_t i = 0; i < kFftBlock; ++i) CopyRun(re + kReversed[i] * run + place, rows.re[i]);
+    for (std::size_t i = 0; i < kFftBlock; ++i) CopyRun(im + kReversed[i] * run + place, rows.im[i]);
+}
+
+/// The next group's lines are fetched ahead: 32 places at once are more than the machine foresees.
+inline void FetchGroup(const FFT_Plan& plan, const FFT_Group& group)
+{
+    const float* line = plan.work() + group.block * 2 * kFftBlock;
+    for (std::size_t part = 0; part < kFftParts; ++part, line += plan.part_stride())
+        _mm_prefetch(reinterpret_cast<const char*>(line), _MM_HINT_T0);
+}
+
+void LastPass(const FFT_Plan& plan, float* re, float* im)
+{
+    const auto groups = plan.groups();
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        if (i + 1 < groups.size()) FetchGroup(plan, groups[i + 1]);
+        LastGroup(plan, re, im, groups[i]);
     }
 }
 
