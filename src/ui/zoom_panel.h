@@ -18,6 +18,7 @@ public:
     explicit ZoomPanel(QWidget* parent = nullptr);
 
     const ZoomView& view() const { return view_; }
+    double magnification() const { return view_.magnification(); }
     void ShowAll();
     void ZoomBack();
     void ScaleHeight(double factor);
