@@ -2,7 +2,8 @@
 add_library(nmr1d_flags INTERFACE)
 target_compile_options(nmr1d_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
-  -ffp-contract=off)  # a fused multiply-add would change the last bit of results from machine to machine
+  -ffp-contract=off  # a fused multiply-add would change the last bit of results from machine to machine
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)  # g++ 12 warns falsely of text + text at -O3
 if(NMR1D_SANITIZE)
   target_compile_options(nmr1d_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(nmr1d_flags INTERFACE -fsanitize=address,undefined)

@@ -31,6 +31,7 @@ struct ExpShiftRow {
     double ref_center_frq = 0; ///< MHz
     double ref_center = 0;     ///< ppm at the centre
     std::string instrument_id;
+    double group_delay = -1; ///< of the data that FIDShift came from, points; negative: not known
 };
 
 struct ParamTableEntry {
@@ -135,6 +136,9 @@ Status AllocateSpecBuffer(GlobalBlock& g, std::int32_t points, std::int16_t slot
 void ClearDataSet(GlobalBlock& g, std::int16_t slot);
 /// The same for a set outside the table.
 void ClearDataSet(DataSet& set, const Settings& settings);
+
+/// Gives every slot its own index and ScratchSet its number; once, before the first use of the store.
+void NumberSlots(GlobalBlock& g);
 
 /// A set is empty when it has no points or no arrays.
 inline bool IsEmpty(const DataSet& set)

@@ -26,6 +26,10 @@ std::int32_t RoundHalfEven(double value);
 /// "#" alone gives no digit for 0.
 std::string FormatNumber(std::string_view pattern, double value);
 
+/// The double nearest to the shortest decimal text of a float (0.1F gives 0.1): what a pattern with
+/// many digits is to be given, or it prints the float's binary tail.
+double ShortestDouble(float value);
+
 /// The ordinary text-to-number conversion: blanks around are allowed, the point is the decimal sign
 /// whatever the locale, "D" exponents are not. Nothing when the text is not one number.
 std::optional<double> ParseNumber(std::string_view text);

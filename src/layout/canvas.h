@@ -47,6 +47,11 @@ struct TextExtent {
 };
 enum class TextAlign { left, centre, right };
 
+/// What a curve covers of one narrow column: from top down to bottom; nothing when top is not above bottom.
+struct Stripe {
+    float top = 0, bottom = -1;
+};
+
 class Canvas {
 public:
     virtual ~Canvas() = default;
@@ -56,6 +61,11 @@ public:
     virtual void Polyline(std::span<const PointD> points) = 0;
     virtual void Polygon(std::span<const PointD> points) = 0;
     virtual void Lines(std::span<const Segment> segments) = 0; ///< unconnected, one call for many
+    /// Columns of equal width from x to the right, filled in the pen's colour: curves of any density come
+    /// down to this on a raster. The columns should lie within device pixels; edges are antialiased.
+    virtual void Stripes(double x, double stripe_width, std::span<const Stripe> stripes);
+    /// Whether curves should come as Stripes (a raster) or as polylines (paper, SVG).
+    virtual bool PrefersStripes() const { return false; }
     virtual void Rectangle(const RectD& rect) = 0;
     virtual void Ellipse(const RectD& rect) = 0;
     /// Text in the pen's colour; `at` lies on the base line, at the side that `align` names.

@@ -2,6 +2,7 @@
 // What NMR1D_Form11 ("FFT & Phase") knows and may do, without the form. Every change of a control
 // re-runs the preview; the form repaints from slot 0 and WindowCurve afterwards.
 
+#include "analysis/phase.h"
 #include "core/asker.h"
 #include "core/global_block.h"
 #include "fid/window.h"
@@ -15,7 +16,8 @@ class FftForm {
 public:
     FftForm(GlobalBlock& g, Asker& asker) : g_(g), asker_(asker) {}
 
-    /// Initial zero fill, shift, window and one preview; called once before the form shows.
+    /// Initial zero fill, shift, window and one preview; called once before the form shows. A window that
+    /// the data's own parameters make impossible is reported and leaves the form usable.
     Status Open();
 
     void Command2_Click(); ///< preview, then the automatic phase or the present phases
@@ -51,8 +53,14 @@ public:
     Asker& asker() { return asker_; }
 
 private:
+    void RunAutoPhase(PhaseMode mode);
+    void RotateShownRow();
+
     GlobalBlock& g_;
     Asker& asker_;
+    // The first-order phase that the group delay leaves behind, and the shift it belongs to.
+    float delay_phase1_deg_ = 0.0F;
+    std::int32_t delay_shift_ = 0;
 };
 
 } // namespace nmr

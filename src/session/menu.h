@@ -19,8 +19,26 @@ struct MenuRow {
     bool checkable = false;
     void (*handler)(Session&) = nullptr; ///< nullptr: a menu, or one that the window itself carries out
 };
-/// Rows in the order of the bar. Only entries whose function exists stand here.
+/// Rows in the order of the bar, a menu before its entries. Only entries whose function exists stand
+/// here. Two are the window's own: kExitControl closes it (the closing runs m19_Click), and
+/// kRecentControl is the place of the recent files, one entry each with the text of RecentCaption,
+/// carried out by RecentFile_Click.
 std::span<const MenuRow> MenuRows();
+inline constexpr char kExitControl[] = "m19";
+inline constexpr char kRecentControl[] = "RecentFile";
+
+// Commands.
+void NMR1D_m11_Command(Session& s); ///< Read
+void m121_Click(Session& s);        ///< File Type definition
+void m47_Click(Session& s);         ///< About Processable Files
+void m102_Click(Session& s);        ///< Delete History
+void m31_Click(Session& s);         ///< Display Area
+void m30_Click(Session& s);         ///< Set Grid
+void m35_Click(Session& s);         ///< Show All Data
+void m367_Click(Session& s);        ///< Grid
+void m41_Click(Session& s);         ///< Version
+/// Reads the recent file of an index; nothing for an index beyond the list.
+void RecentFile_Click(Session& s, std::size_t index);
 
 struct MenuItemState {
     bool visible = true;
@@ -30,7 +48,11 @@ struct MenuItemState {
 };
 using MenuState = std::map<std::string, MenuItemState, std::less<>>;
 
-/// State of every control of the full tree, also of those that have no entry yet. Pure.
+/// Name of one item of a numbered list: "m185(2)".
+std::string NumberedItem(std::string_view control, int number);
+/// State of every control of the full tree, also of those that have no entry yet, and of the row
+/// selector "DataCombo" with its label "Label6". Entries of numbered spectra and the rows of the
+/// selector are items of their own: NumberedItem("m185", 2) is "Spectrum 2". Pure.
 MenuState SetMenuActivateForm1(const GlobalBlock& g);
 
 } // namespace nmr

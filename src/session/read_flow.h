@@ -12,17 +12,26 @@ namespace nmr {
 /// for a FID the transform form. What the user had is brought back when the read fails.
 Status NMR1D_m11_Click(Session& s);
 
-/// The part behind the dialog, for a path at hand: detection to display. Used by NMR1D_m11_Click,
-/// by drag and drop, and by nmr1d-cli.
+/// The same for a path at hand, without the file dialog: drag and drop, recent files, nmr1d-cli.
+///
+/// @return not_found, not_nmr, two_dimensional, unsupported or in_use before anything is touched;
+///         what the reader said (too_large, bad_value, truncated ...); cancelled when a question or
+///         the transform form was answered so. The user has been told of each but cancelled. Unsaved
+///         data that were replaced are back after every failure, with DataChanged 1; without unsaved
+///         data a read that failed behind its first questions leaves slot 0 empty.
 Status Read_Path(Session& s, const std::string& path);
 
 enum class MultiState : std::int16_t { normal = 0, keep = 3 };
 /// Asks what becomes of the multi spectra when slots 1 to 20 hold some; false when the read is to end.
 bool ConfirmDeleteMulti(Session& s, MultiState state);
 
-/// Another run has the file open (its work file names it).
+/// Work files of all runs in a data folder.
+inline constexpr char kWorkFilePattern[] = "Work_File_1D*.wkf";
+/// The real path of a name, absolute and without "." and ".."; of a name that does not exist too.
+std::string AbsolutePath(const std::string& path);
+/// Another run has the file open (its work file names it). Never true without a data folder.
 bool IsFileInUse(const GlobalBlock& g, const std::string& path);
-/// Writes the path of the open data file as the only line of WorkFile.
+/// Writes the path of the open data file as the only line of WorkFile; an empty one gives the file up.
 void ClaimFile(const GlobalBlock& g, const std::string& path);
 
 /// Shown range after a read: the preset group of the nucleus.

@@ -26,6 +26,9 @@ struct Session {
     std::function<bool(const std::string& program, const std::string& argument)> start_program;
     /// Whether dummy files may be left beside instrument data (the window), or nothing may be written (batch).
     bool may_leave_dummy_files = false;
+    /// Whether another run of the program is there whose files must be left alone at exit; empty: ask
+    /// the machine (AnotherRunPresent).
+    std::function<bool()> another_run_present{};
 };
 
 } // namespace nmr

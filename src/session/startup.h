@@ -23,12 +23,17 @@ struct StartOptions {
     std::string command_line;
     std::filesystem::path app_path; ///< data folder of this run, without a closing separator
     std::filesystem::path sibling;  ///< program for two-dimensional data
-    bool individual_t1 = false;
-    std::function<void()> show_splash, hide_splash;
+    std::function<void()> show_splash{}, hide_splash{};
 };
+inline constexpr char kSplashName[] = "1D NMR Data Processing";
+inline constexpr char kSplashWait[] = "Wait a moment";
+
 /// All of start-up up to the showing of the main form. `ended`: the run is over (file in use, handed
 /// to the sibling, "Quit" in the user form).
 StartResult Start(Session& s, const StartOptions& options);
+
+/// The file of the command line, once the main form shows; nothing without one.
+void Read_Command_Line_File(Session& s);
 
 /// The store for a run without a window: defaults, tables, sine table, no claim.
 void Start_Batch(GlobalBlock& g, const std::filesystem::path& app_path = {});
@@ -36,7 +41,8 @@ void Start_Batch(GlobalBlock& g, const std::filesystem::path& app_path = {});
 /// The smallest free number and the files that carry it; creates WorkFile.
 void Claim_Work_File(GlobalBlock& g);
 
-/// Exit: questions, settings, removal of this run's files. True when the window may close.
+/// Exit: questions, settings, removal of this run's files. True when the window may close; the
+/// window's size and state must stand in the settings before. DialogResult is "END" or "CANCEL".
 bool m19_Click(Session& s);
 
 } // namespace nmr

@@ -1,0 +1,49 @@
+#include "cli/cli_asker.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace nmr {
+namespace {
+
+// From what loses nothing to what would: the first that a box offers is taken. "No" stands before
+// "Yes" because questions ask whether to go on with something; array data are read as one-dimensional.
+constexpr std::array kSafestFirst{Button::cancel, Button::no,    Button::ok, Button::abort,
+                                  Button::ignore, Button::retry, Button::yes};
+
+std::string OneLine(std::string text)
+{
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
+} // namespace
+
+Button CliAsker::Message(const MessageBox& box)
+{
+    warnings_.push_back(OneLine(box.title.empty() ? box.text : box.title + ": " + box.text));
+    for (Button button : kSafestFirst)
+        if (std::find(box.buttons.begin(), box.buttons.end(), button) != box.buttons.end()) return button;
+    return Button::cancel;
+}
+
+std::optional<FileChoice> CliAsker::File(const FileDialog& dialog)
+{
+    warnings_.push_back("a file was asked for: " + dialog.title);
+    return std::nullopt;
+}
+
+FormAnswer CliAsker::Form(const FormRequest& request)
+{
+    warnings_.push_back("the form " + request.form + " was answered with Cancel");
+    return {"CANCEL", {}};
+}
+
+void CliAsker::Notice(const std::string& text)
+{
+    fmt::print(stderr, "nmr1d-cli: {}\n", OneLine(text));
+}
+
+} // namespace nmr

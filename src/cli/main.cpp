@@ -1,0 +1,91 @@
+// nmr1d-cli: the same commands as the window, without one.
+
+#include "cli/process.h"
+#include "cli/report.h"
+#include "session/startup.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <exception>
+#include <functional>
+
+namespace {
+
+using namespace nmr;
+
+// Parses one text option into its place; a text that can't be read is a usage error.
+template <class T, class Parser>
+void AddParsed(CLI::App& app, const std::string& name, Parser parse, T& target, const std::string& help)
+{
+    app.add_option_function<std::string>(
+           name,
+           [parse, &target](const std::string& text) {
+               auto value = parse(text);
+               if (!value) throw CLI::ValidationError(value.error().text);
+               target = *value;
+           },
+           help)
+        ->type_name("TEXT");
+}
+
+void AddProcess(CLI::App& app, ProcessOptions& options)
+{
+    app.add_option("path", options.path, "data file or folder")->required();
+    AddParsed(app, "--zero-fill", ParseZeroFill, options.zero_fill, "N points, xK times, or off");
+    AddParsed(
+        app, "--window", ParseWindow, options.window,
+        "exponential[:lb=HZ], sinebell, hann or blackman-harris[:start=%,end=%], gaussian[:bf=HZ,gf=HZ,center=%]; "
+        "each with trapezoid=on|off and trap1..trap4=%");
+    AddParsed(app, "--shift", ParseShift, options.shift, "points dropped at the start of the FID, or auto");
+    AddParsed(app, "--phase", ParsePhase, options.phase, "auto, off, or P0[,P1[,PIVOT]] in degrees and point");
+    app.add_option_function<std::string>(
+           "--reference", [&](const std::string& text) { options.file_reference = text == "file"; },
+           "file: the 0 ppm frequency that the file gives; none: without it")
+        ->check(CLI::IsMember({"file", "none"}));
+    app.add_option("--row", options.row, "row of array data, from 1")->check(CLI::Range(1, kMaxRows));
+    AddParsed(app, "--range", ParseRange, options.range_ppm, "LEFT:RIGHT in ppm, for pictures and .csv");
+    app.add_option("--out", options.outputs, "write FILE: .npy, .csv, .png, .svg or .pdf; may be given again")
+        ->take_all()
+        ->allow_extra_args(false);
+    app.add_flag("--json", options.json, "one JSON object on standard output");
+}
+
+int Run(int argc, char** argv)
+{
+    CLI::App app{"Processing of one-dimensional NMR data"};
+    app.name("nmr1d-cli");
+    app.set_version_flag("--version", "nmr1d-cli " + VersionText());
+    app.require_subcommand(1);
+    ProcessOptions options;
+    std::string info_path;
+    bool info_json = false;
+    CLI::App* formats = app.add_subcommand("formats", "the families of files and what can be done with each");
+    CLI::App* info = app.add_subcommand("info", "what a file is, and its parameters");
+    info->add_option("path", info_path, "data file or folder")->required();
+    info->add_flag("--json", info_json, "one JSON object on standard output");
+    CLI::App* process = app.add_subcommand("process", "from FID to spectrum");
+    AddProcess(*process, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e) == 0 ? 0 : static_cast<int>(Exit::usage);
+    }
+    if (*formats) {
+        fmt::print("{}", FormatsText());
+        return 0;
+    }
+    return static_cast<int>(*info ? RunInfo(info_path, info_json) : RunProcess(options));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& e) {
+        fmt::print(stderr, "nmr1d-cli: {}\n", e.what());
+        return static_cast<int>(Exit::internal);
+    }
+}

@@ -1,0 +1,66 @@
+#pragma once
+// The options of `process`, and how their texts are read.
+
+#include "core/result.h"
+#include "fid/window.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace nmr {
+
+/// Exit codes of the program.
+enum class Exit : int {
+    done = 0,
+    usage = 2,
+    unreadable = 3,
+    two_dimensional = 4,
+    bad_parameters = 5,
+    not_written = 6,
+    internal = 70,
+};
+Exit ExitFor(ErrorCode code);
+
+struct ZeroFill {
+    enum class Kind { by_settings, off, factor, points };
+    Kind kind = Kind::by_settings;
+    std::int32_t value = 0;
+};
+
+struct WindowChoice {
+    WindowKind kind = WindowKind::exponential;
+    std::vector<std::pair<WindowField, double>> fields;
+    std::optional<bool> trapezoid;
+};
+
+struct PhaseChoice {
+    enum class Kind { automatic, off, given };
+    Kind kind = Kind::automatic;
+    double p0_deg = 0, p1_deg = 0;
+    std::optional<std::int32_t> pivot; ///< point index, as the JSON gives it
+};
+
+struct ProcessOptions {
+    std::string path;
+    ZeroFill zero_fill;
+    std::optional<WindowChoice> window;
+    std::optional<std::int32_t> shift; ///< points; nothing for automatic
+    PhaseChoice phase;
+    bool file_reference = true;
+    std::int32_t row = 1;                               ///< from 1
+    std::optional<std::pair<double, double>> range_ppm; ///< left, right
+    std::vector<std::string> outputs;
+    bool json = false;
+    double width = 1200, height = 700; ///< pixels of a picture
+};
+
+Result<ZeroFill> ParseZeroFill(const std::string& text);
+Result<WindowChoice> ParseWindow(const std::string& text);
+Result<std::optional<std::int32_t>> ParseShift(const std::string& text);
+Result<PhaseChoice> ParsePhase(const std::string& text);
+Result<std::pair<double, double>> ParseRange(const std::string& text);
+
+} // namespace nmr

@@ -1,0 +1,181 @@
+#include "cli/process.h"
+
+#include "cli/array_writers.h"
+#include "cli/cli_asker.h"
+#include "cli/picture.h"
+#include "cli/report.h"
+#include "core/text.h"
+#include "session/fft_form.h"
+#include "session/read_flow.h"
+#include "session/startup.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <memory>
+
+namespace nmr {
+namespace {
+
+// One run: the global block is large, so it stands on the heap.
+struct Run {
+    std::unique_ptr<GlobalBlock> g = std::make_unique<GlobalBlock>();
+    CliAsker asker;
+    Session session{*g, asker, {}, {}, {}, {}, false};
+    FileType type;
+
+    Run() { Start_Batch(*g); }
+};
+
+void Complain(const std::string& path, const std::string& text)
+{
+    fmt::print(stderr, "nmr1d-cli: {}: {}\n", path, text);
+}
+
+// A read that failed: the words on standard error, the detection's answer as JSON when asked for.
+Exit Refuse(const Run& run, const std::string& path, const Error& error, bool json)
+{
+    Complain(path, error.text);
+    if (json) fmt::print("{}\n", RefusalReport(run.type, path, error.text, run.asker.warnings()).dump(2));
+    return ExitFor(error.code);
+}
+
+void PrintReport(const nlohmann::ordered_json& report, bool json)
+{
+    if (json)
+        fmt::print("{}\n", report.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+    else
+        fmt::print("{}", ReportText(report));
+}
+
+std::int32_t PowerOfTwoFactor(const ZeroFill& fill, std::int32_t raw)
+{
+    if (fill.kind == ZeroFill::Kind::off || raw < 1) return 1;
+    const std::int64_t wanted = fill.kind == ZeroFill::Kind::factor ? std::int64_t{raw} * fill.value : fill.value;
+    std::int64_t factor = 1;
+    while (raw * factor < wanted && raw * factor * 2 <= kMaxPoints) factor *= 2;
+    return static_cast<std::int32_t>(factor);
+}
+
+Status ApplyWindow(FftForm& form, const WindowChoice& choice)
+{
+    ParamBlock& par = form.block().Slots[0].par;
+    par.WindowFunc = static_cast<std::int16_t>(choice.kind);
+    if (choice.trapezoid) par.WinFlags.at(static_cast<std::size_t>(choice.kind)) = *choice.trapezoid ? 0 : 1;
+    for (const auto& [field, value] : choice.fields) SetWindowField(par, field, value);
+    return form.SetWindowKind(choice.kind);
+}
+
+void ApplyPhase(FftForm& form, const PhaseChoice& choice)
+{
+    if (choice.kind == PhaseChoice::Kind::automatic) return;
+    GlobalBlock& g = form.block();
+    form.SetAutoPhase(false);
+    if (choice.pivot) g.PivotPoint = std::clamp(*choice.pivot, 0, form.points() - 1);
+    form.SetPhase0(choice.p0_deg);
+    form.SetPhase1(choice.p1_deg);
+}
+
+Status ApplyOptions(FftForm& form, const ProcessOptions& options)
+{
+    const GlobalBlock& g = form.block();
+    form.SetAutoPhase(options.phase.kind == PhaseChoice::Kind::automatic);
+    if (options.zero_fill.kind != ZeroFill::Kind::by_settings) {
+        const auto factor = PowerOfTwoFactor(options.zero_fill, g.Slots[0].par.FIDPointsRaw);
+        if (const Status status = form.SetZeroFill(factor); !status) return status;
+    }
+    if (options.window)
+        if (const Status status = ApplyWindow(form, *options.window); !status) return status;
+    if (options.shift) form.SetShift(*options.shift);
+    ApplyPhase(form, options.phase);
+    return {};
+}
+
+Status WriteOutput(const GlobalBlock& g, const ProcessOptions& options, const std::string& path)
+{
+    const DataSet& set = g.Slots[0];
+    const auto row = static_cast<std::size_t>(options.row - 1);
+    const std::string extension = ToLower(std::filesystem::path(path).extension().string());
+    if (extension == ".npy") return WriteNpy(set, path);
+    if (extension == ".csv") return WriteCsv(set, row, options.range_ppm, path);
+    return WritePicture(g, options, path);
+}
+
+bool KnownOutput(const std::string& path)
+{
+    const std::string extension = ToLower(std::filesystem::path(path).extension().string());
+    return extension == ".npy" || extension == ".csv" || IsPictureExtension(extension);
+}
+
+// The transform as the options want it, in place of the form.
+struct ScriptedTransform {
+    const ProcessOptions& options;
+    TransformUsed used;
+    Status status;
+
+    std::string operator()(FftForm& form)
+    {
+        GlobalBlock& g = form.block();
+        if (options.row <= g.Slots[0].RowCount) form.SetRow(static_cast<std::int16_t>(options.row - 1));
+        status = ApplyOptions(form, options);
+        if (!status) return "CANCEL";
+        used = {true, static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), g.PivotPoint};
+        status = form.Command3();
+        return status ? "OK" : "CANCEL";
+    }
+};
+
+} // namespace
+
+Exit RunInfo(const std::string& path, bool json)
+{
+    Run run;
+    run.type = ReadFileType(path, run.asker, run.g->nuclides);
+    bool printed = false;
+    run.session.run_fft_form = [&](FftForm&) {
+        PrintReport(Report(*run.g, run.type, path, {}, 0, run.asker.warnings()), json);
+        printed = true;
+        return std::string("CANCEL"); // information needs no spectrum
+    };
+    const Status status = Read_Path(run.session, path);
+    if (printed) return Exit::done;
+    if (!status) return Refuse(run, path, status.error(), json);
+    PrintReport(Report(*run.g, run.type, path, {}, 0, run.asker.warnings()), json);
+    return Exit::done;
+}
+
+Exit RunProcess(const ProcessOptions& options)
+{
+    for (const std::string& out : options.outputs) {
+        if (KnownOutput(out)) continue;
+        Complain(out, "the extension must be .npy, .csv, .png, .svg or .pdf");
+        return Exit::usage;
+    }
+    Run run;
+    run.g->settings.ref_initital = options.file_reference ? 1 : 0;
+    run.type = ReadFileType(options.path, run.asker, run.g->nuclides);
+    ScriptedTransform transform{options, {}, {}};
+    run.session.run_fft_form = [&](FftForm& form) { return transform(form); };
+    const Status status = Read_Path(run.session, options.path);
+    if (!transform.status) return Refuse(run, options.path, transform.status.error(), options.json);
+    if (!status) return Refuse(run, options.path, status.error(), options.json);
+    if (options.row > run.g->Slots[0].RowCount) {
+        Complain(options.path,
+                 fmt::format("there is no row {}, the data have {}", options.row, run.g->Slots[0].RowCount));
+        return Exit::bad_parameters;
+    }
+    for (const std::string& out : options.outputs)
+        if (const Status written = WriteOutput(*run.g, options, out); !written) {
+            Complain(out, written.error().text);
+            return Exit::not_written;
+        }
+    const auto report = Report(*run.g, run.type, options.path, transform.used,
+                               static_cast<std::size_t>(options.row - 1), run.asker.warnings());
+    if (options.json)
+        PrintReport(report, true);
+    else if (options.outputs.empty())
+        PrintReport(report, false);
+    return Exit::done;
+}
+
+} // namespace nmr

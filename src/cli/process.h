@@ -1,0 +1,11 @@
+#pragma once
+// The commands that read a file.
+
+#include "cli/options.h"
+
+namespace nmr {
+
+Exit RunInfo(const std::string& path, bool json);
+Exit RunProcess(const ProcessOptions& options);
+
+} // namespace nmr

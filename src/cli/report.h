@@ -1,0 +1,35 @@
+#pragma once
+// What the program prints: one JSON object, or lines for people.
+
+#include "core/global_block.h"
+#include "formats/detect.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+namespace nmr {
+
+/// What the transform used, kept before the commit sets the phases back.
+struct TransformUsed {
+    bool done = false;
+    double p0_deg = 0, p1_deg = 0;
+    std::int32_t pivot = 0;
+};
+
+/// The object of `info` and `process` for slot 0. `row` is from 0.
+nlohmann::ordered_json Report(const GlobalBlock& g, const FileType& type, const std::string& file,
+                              const TransformUsed& used, std::size_t row, const std::vector<std::string>& warnings);
+
+/// The detection's answer alone, for a file that was refused.
+nlohmann::ordered_json RefusalReport(const FileType& type, const std::string& file, const std::string& reason,
+                                     const std::vector<std::string>& warnings);
+
+/// The same object as lines "key  value" for a terminal.
+std::string ReportText(const nlohmann::ordered_json& report);
+
+/// The table of families.
+std::string FormatsText();
+
+} // namespace nmr

@@ -1,0 +1,109 @@
+#include "formats/registry.h"
+
+#include "core/text.h"
+#include "formats/bruker.h"
+
+#include <algorithm>
+#include <array>
+
+namespace nmr {
+namespace {
+
+constexpr FidSense kOpposite = FidSense::opposite;
+constexpr FidSense kAsTransformed = FidSense::as_transformed;
+
+// FID sense: shown on pairs of FID and vendor spectrum for Bruker, Varian and Delta, taken from other
+// readers' handling for CMX. JCAMP-DX has the sense of the program that exported the file.
+constexpr FormatRow kRows[] = {
+    {0, "JEOL Alice", "*.als", "ALS1", "ALS2D", "ALS2F", kAsTransformed},
+    {1, "JEOL GX/GSX/EX", "*.gxd (*.gxp)", "GXD1", "GXD2D", "GXD2F", kAsTransformed},
+    {2, "JEOL Lambda", "*.nmdata, *.nmfid", "LAMBDA1", "LAMBDA2D", "LAMBDA2F", kAsTransformed},
+    {3, "JEOL Delta", "*.jdf", "ECP1", "ECP2D", "ECP2F", kAsTransformed},
+    {4, "Bruker directory", "fid, ser, 1r (acqus, procs)", "BRU1", "BRU2D", "BRU2F", kOpposite, ReadBruker},
+    {5, "JEOL Alpha", "*.nmf, *.nmd", "ALPHA1", "ALPHA2D", "ALPHA2F", kAsTransformed},
+    {6, "Varian", "fid, data, phasefile (procpar, curpar)", "VAR1", "VAR2D", "VAR2F", kAsTransformed},
+    {7, "Nuts", "*.fid, *.h1, *.c13", "NUTS1", "NUTS2D", "NUTS2F", kAsTransformed},
+    {8, "Bruker flat files", "*.fid (*.aqs), *.1r (*.fqs)", "BRUX1D", "BRUX2D", "BRUX2F", kOpposite, ReadBruker},
+    {9, "Varian CMX", "data (acq, acq_2, proc)", "CMX1", "", "", kOpposite},
+    {10, "GE Omega", "*.fid (*.hed)", "GE1", "GE2D", "GE2F", kAsTransformed},
+    {11, "Native Ver.3", "*.tv1", "TAVO1", "TAVO2D", "TAVO2F", kAsTransformed},
+    {12, "Native Ver.4", "*.tvo, *.tvo1", "TAVO1_V4", "TAVO2D_V4", "TAVO2D_V4", kAsTransformed},
+    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kAsTransformed},
+    {14, "CSV", "*.csv, *.txt, *.dat, *.asc", "CSV1", "", "", kAsTransformed},
+    {15, "MSL/Aspect", "*.msl", "MSL1", "MSL2D", "MSL2F", kAsTransformed},
+    {16, "Siemens/DICOM", "*.ima, *.dcm", "SIEMENS", "", "", kAsTransformed},
+    {17, "Mac Alice", "*.import", "MAC1", "MAC2D", "MAC2F", kAsTransformed},
+};
+
+constexpr FileTypeRow kFileTypes[] = {
+    {"", "-----"},
+    {"*.als", "JEOL Alice2(Excalibur)"},
+    {"*.jdf", "JEOL Delta(ECA/ECP)"},
+    {"*.gxd*", "JEOL GX/GSX/EX"},
+    {"*.nmf*", "JEOL Alpha(FID)"},
+    {"*.nmd*", "JEOL Alpha(Spectrum)"},
+    {"*.nmf*;*.nmd*", "JEOL Alpha"},
+    {"*.nmdata*", "JEOL Lambda(Spectrum)"},
+    {"*.nmfid*", "JEOL Lambda(FID)"},
+    {"*.nmdata*;*.nmfid*", "JEOL Lambda"},
+    {"1r;*.brud", "Bruker(Spectrum)"},
+    {"*.1r;*.fid", "Bruker(2)(FID/Spectrum)"},
+    {"fid;*.bruf", "Bruker(FID)"},
+    {"data;*.vard", "Varian Unity(Spectrum)"},
+    {"fid;*.varf", "Varian Unity(FID)"},
+    {"data;*.cmx", "Varian CMX"},
+    {"*.jdx;*.dx", "JCAMP"},
+    {"*.fid*;*.h1*;*.c13*", "Nuts"},
+    {"*.import*", "Mac Alice"},
+    {"*.ima;*.dcm", "SIEMENS"},
+    {"", ""}, // kept free
+};
+
+/// What a slot is called: the words stored with it, else those of the table's row.
+std::string SlotDescription(const std::string& expression, const std::string& stored)
+{
+    if (!stored.empty()) return stored;
+    const auto row = std::ranges::find_if(
+        kFileTypes, [&](const FileTypeRow& type) { return EqualsNoCase(type.expression, expression); });
+    return row == std::end(kFileTypes) ? expression : std::string(row->description) + " File";
+}
+
+} // namespace
+
+std::span<const FormatRow> FormatRows()
+{
+    return kRows;
+}
+
+const FormatRow* FindFormat(int family)
+{
+    const auto row = std::ranges::find(kRows, family, &FormatRow::family);
+    return row == std::end(kRows) ? nullptr : &*row;
+}
+
+std::span<const FileTypeRow> FileTypeTable()
+{
+    return kFileTypes;
+}
+
+void SetDefaultFileTypes(GlobalBlock& g)
+{
+    constexpr std::array<std::size_t, 6> kDefaultRows{0, 1, 2, 3, 16, 0};
+    for (std::size_t slot = 1; slot < kDefaultRows.size(); ++slot) {
+        const FileTypeRow& row = kFileTypes[kDefaultRows[slot]];
+        g.FileTypeSlots[slot] = row.expression;
+        g.FileTypeNames[slot] = row.expression.empty() ? std::string() : std::string(row.description) + " File";
+    }
+}
+
+std::vector<FilterRow> OpenDialogFilters(const GlobalBlock& g)
+{
+    std::vector<FilterRow> rows{{"Ver.3/4 Type", "*.tv1;*.tvo*"}};
+    for (std::size_t slot = 1; slot < g.FileTypeSlots.size(); ++slot)
+        if (const std::string& expression = g.FileTypeSlots[slot]; !expression.empty())
+            rows.push_back({SlotDescription(expression, g.FileTypeNames[slot]), expression});
+    rows.push_back({"All File", "*.*"});
+    return rows;
+}
+
+} // namespace nmr

@@ -1,0 +1,224 @@
+#include "layout/spectrum_scene.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace nmr {
+namespace {
+
+constexpr double kFill = 0.95;         ///< share of the height above zero that the highest point takes
+constexpr double kFoot = 0.04;         ///< room below the base line, of the full height, for its noise
+constexpr double kBelowNegative = 1.1; ///< room for negative signals, of their depth
+// White paper becomes this grey in the dark, black ink nearly white.
+constexpr double kDarkGround = 0.115, kDarkSpan = 0.82;
+
+double Lightness(double red, double green, double blue)
+{
+    return (std::max({red, green, blue}) + std::min({red, green, blue})) / 2;
+}
+
+std::uint8_t Byte(double share)
+{
+    return static_cast<std::uint8_t>(std::lround(std::clamp(share, 0.0, 1.0) * 255));
+}
+
+double PenWidth(double setting)
+{
+    return std::clamp(setting, 1.0, 20.0);
+}
+
+FontSpecD AxisFont(const Settings& settings)
+{
+    const double size = settings.disp_axfont_size;
+    return {"Liberation Sans", std::clamp(size > 0 ? size : 10.0, 6.0, 72.0) * 96 / 72, settings.disp_axfont_bold != 0,
+            settings.disp_axfont_italic != 0};
+}
+
+std::string_view UnitName(XUnit unit)
+{
+    constexpr std::string_view kNames[] = {"ppm", "Hz", "kHz"};
+    return kNames[static_cast<std::size_t>(unit)];
+}
+
+std::string TitleOf(const DataSet& set)
+{
+    const ParamBlock& par = set.par;
+    for (const std::string* text : {&par.ExpTitle, &par.SampleName, &par.COMNT})
+        if (!text->empty()) return text->substr(0, text->find_first_of("\r\n"));
+    return {};
+}
+
+SceneCurve MakeCurve(const DataSet& set, std::int32_t row, std::shared_ptr<const MinMaxPyramid> pyramid)
+{
+    SceneCurve curve;
+    const auto points = static_cast<std::size_t>(set.par.POINT);
+    curve.row = set.spec.DataRe[static_cast<std::size_t>(row)].first(points);
+    if (!pyramid || pyramid->size() != points) {
+        auto own = std::make_shared<MinMaxPyramid>();
+        own->Build(curve.row);
+        pyramid = std::move(own);
+    }
+    curve.pyramid = std::move(pyramid);
+    curve.first_ppm = set.spec.XAxis.front();
+    // The ends of the axis give the step that all points fit best.
+    curve.step_ppm = points > 1 ? (set.spec.XAxis[points - 1] - curve.first_ppm) / static_cast<double>(points - 1) : 1;
+    return curve;
+}
+
+bool CanShow(const DataSet& set, std::int32_t row)
+{
+    const auto points = static_cast<std::size_t>(std::max(0, set.par.POINT));
+    return !IsEmpty(set) && row >= 0 && static_cast<std::size_t>(row) < set.spec.DataRe.rows() &&
+           set.spec.DataRe.columns() >= points && set.spec.XAxis.size() >= points;
+}
+
+} // namespace
+
+Rgba ForDarkGround(Rgba color)
+{
+    const double red = color.red / 255.0, green = color.green / 255.0, blue = color.blue / 255.0;
+    const double old_light = Lightness(red, green, blue);
+    const double new_light = kDarkGround + (1 - old_light) * kDarkSpan;
+    // Same hue, same share of the colourfulness that the lightness allows.
+    const double old_room = std::min(old_light, 1 - old_light), new_room = std::min(new_light, 1 - new_light);
+    const double stretch = old_room > 0 ? new_room / old_room : 0;
+    const auto turned = [&](double part) { return Byte(new_light + (part - old_light) * stretch); };
+    return {turned(red), turned(green), turned(blue), color.alpha};
+}
+
+PlotColors ColorsOf(const Settings& settings, bool dark)
+{
+    PlotColors colors;
+    colors.background = FromSetting(settings.col_background);
+    colors.curve = FromSetting(settings.main_spect_col);
+    colors.imaginary = FromSetting(settings.image_data_col);
+    colors.window = FromSetting(settings.window_func_col);
+    colors.axis = colors.text = FromSetting(settings.x_axis_col);
+    colors.grid = FromSetting(settings.grid_col);
+    colors.mark = FromSetting(settings.cursor_col_start);
+    if (!dark) return colors;
+    for (Rgba* color : {&colors.background, &colors.curve, &colors.imaginary, &colors.window, &colors.axis,
+                        &colors.text, &colors.grid, &colors.mark})
+        *color = ForDarkGround(*color);
+    return colors;
+}
+
+IntensityRange ChooseIntensityRange(const MinMaxPyramid& pyramid, const DataSet& set, double magnification)
+{
+    IntensityRange range;
+    if (pyramid.size() == 0) return range;
+    const auto all = pyramid.Over(0, pyramid.size() - 1);
+    const double highest = static_cast<double>(all.high), lowest = static_cast<double>(all.low);
+    if (!std::isfinite(highest) || !std::isfinite(lowest)) return range;
+    range.full = std::max(highest, static_cast<double>(set.par.DispLeft));
+    if (!(range.full > 0)) range.full = std::max(-lowest, 1e-30);
+    const double base = std::clamp(static_cast<double>(set.par.DispBase), 0.0, 0.9);
+    const double scale = magnification > 0 && std::isfinite(magnification) ? 1 / magnification : 1;
+    range.high = range.full / kFill * scale;
+    range.low = std::min(-(base + kFoot) * range.full, kBelowNegative * lowest) * scale;
+    return range;
+}
+
+AxisStyle AxisStyleOf(const Settings& settings, const DataSet& set, const PlotColors& colors)
+{
+    AxisStyle style;
+    const bool has_frequency = set.par.OBFRQ0PPM > 0;
+    if (has_frequency && settings.axis_mode_ppm >= 0 && settings.axis_mode_ppm <= 2)
+        style.unit = static_cast<XUnit>(settings.axis_mode_ppm);
+    style.hz_per_ppm = has_frequency ? set.par.OBFRQ0PPM : 1;
+    style.individual = settings.axis_tic_mode != 0;
+    style.step_ppm = settings.axis_tic_step;
+    style.step_hz = settings.axis_tic_step_2;
+    const int divisions = style.unit == XUnit::ppm ? settings.axis_tic_div : settings.axis_tic_div_2;
+    style.divisions = std::clamp(divisions, 1, 100);
+    style.title = UnitName(style.unit);
+    style.pen = {colors.axis, PenWidth(settings.disp_axis_width), PenStyle::solid};
+    style.text = colors.text;
+    style.font = AxisFont(settings);
+    return style;
+}
+
+GridStyle GridStyleOf(const Settings& settings, const PlotColors& colors)
+{
+    GridStyle style;
+    style.x_auto = settings.grid_x_auto != 0;
+    style.y_auto = settings.grid_y_auto != 0;
+    style.x_step_ppm = settings.grid_x_inc;
+    style.x_step_hz = settings.grid_x_inc_hz;
+    style.y_step = settings.grid_y_inc;
+    style.pen = {colors.grid, PenWidth(settings.disp_grid_width), PenStyle::solid};
+    return style;
+}
+
+SpectrumScene MakeScene(const DataSet& set, const Settings& settings, const SceneOptions& options,
+                        std::shared_ptr<const MinMaxPyramid> pyramid)
+{
+    const PlotColors colors = ColorsOf(settings, options.dark);
+    SpectrumScene scene;
+    scene.axis = AxisStyleOf(settings, set, colors);
+    scene.grid = GridStyleOf(settings, colors);
+    scene.show_grid = settings.display_grid != 0;
+    scene.background = colors.background;
+    scene.text = colors.text;
+    scene.left_ppm = options.left_ppm;
+    scene.right_ppm = options.right_ppm;
+    if (!CanShow(set, options.row)) return scene;
+    if (options.title) scene.title = TitleOf(set);
+    SceneCurve curve = MakeCurve(set, options.row, std::move(pyramid));
+    curve.pen = {colors.curve, PenWidth(settings.disp_spec_width), PenStyle::solid};
+    if (scene.left_ppm == scene.right_ppm) {
+        const double last = curve.first_ppm + curve.step_ppm * static_cast<double>(curve.row.size() - 1);
+        scene.left_ppm = std::max(curve.first_ppm, last);
+        scene.right_ppm = std::min(curve.first_ppm, last);
+    }
+    const IntensityRange range = ChooseIntensityRange(*curve.pyramid, set, options.magnification);
+    scene.low = range.low;
+    scene.high = range.high;
+    scene.grid.y_full = range.full;
+    scene.curves.push_back(std::move(curve));
+    return scene;
+}
+
+PlotFrame SceneFrame(Canvas& canvas, const RectD& rect, const SpectrumScene& scene)
+{
+    PlotFrame frame{rect, scene.left_ppm, scene.right_ppm, scene.low, scene.high};
+    if (!scene.show_axis) return frame;
+    const double right = XAxisOverhang(canvas, scene.axis), below = XAxisHeight(canvas, scene.axis);
+    const double letter = canvas.Measure("X").height();
+    const double left = right - canvas.Measure(scene.axis.title).width;
+    double above = 0.6 * letter;
+    if (!scene.title.empty()) {
+        canvas.SetFont(scene.title_font);
+        above += canvas.Measure("X").height();
+    }
+    // Whole units, so that the axis lies on pixels.
+    frame.rect.x = std::round(rect.x + left);
+    frame.rect.y = std::round(rect.y + above);
+    frame.rect.width = std::max(1.0, std::floor(rect.right() - right) - frame.rect.x);
+    frame.rect.height = std::max(1.0, std::floor(rect.bottom() - below) - frame.rect.y);
+    return frame;
+}
+
+void DrawSpectrumScene(Canvas& canvas, const RectD& rect, const SpectrumScene& scene)
+{
+    canvas.SetPen({scene.background, 0, PenStyle::none});
+    canvas.SetBrush(scene.background);
+    canvas.Rectangle(rect);
+    canvas.SetBrush({0, 0, 0, 0});
+    const PlotFrame frame = SceneFrame(canvas, rect, scene);
+    if (scene.show_grid && !scene.curves.empty()) DrawGrid(canvas, frame, scene.axis, scene.grid);
+    canvas.BeginGroup("spectra");
+    for (const SceneCurve& curve : scene.curves)
+        DrawCurve(canvas, frame, *curve.pyramid, curve.row, curve.first_ppm, curve.step_ppm, curve.pen);
+    canvas.EndGroup();
+    if (scene.show_axis && !scene.curves.empty()) {
+        const RectD below{frame.rect.x, frame.rect.bottom(), frame.rect.width, rect.bottom() - frame.rect.bottom()};
+        DrawXAxis(canvas, below, frame.left_ppm, frame.right_ppm, scene.axis);
+    }
+    if (scene.title.empty()) return;
+    canvas.SetFont(scene.title_font);
+    canvas.SetPen({scene.text, 1, PenStyle::solid});
+    canvas.Text({frame.rect.x, frame.rect.y - 0.4 * canvas.Measure("X").height()}, scene.title);
+}
+
+} // namespace nmr

@@ -1,0 +1,204 @@
+#include "session/fft_form.h"
+
+#include "core/error_report.h"
+#include "fid/fft_pipeline.h"
+#include "session/read_flow.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace nmr {
+namespace {
+
+constexpr double kPhase0Limit = 360.0;
+constexpr double kPhase1Limit = 1800.0;
+
+/// What the scroll bar of a phase can hold: whole tenths within its limits.
+float Tenths(double deg, double limit)
+{
+    return static_cast<float>(RoundHalfEven(std::clamp(deg, -limit, limit) * 10.0) / 10.0);
+}
+
+void CopyRows(const RowArray<float>& from, RowArray<float>& to, std::int32_t points)
+{
+    const std::size_t rows = std::min(from.rows(), to.rows());
+    const auto wanted = static_cast<std::size_t>(std::max(points, 0));
+    const std::size_t count = std::min({from.columns(), to.columns(), wanted});
+    for (std::size_t row = 0; row < rows; ++row) std::copy_n(from[row].begin(), count, to[row].begin());
+}
+
+} // namespace
+
+Status FftForm::Open()
+{
+    Auto_ZeroFill(g_, 0);
+    if (Status loaded = Load_FID_Work(g_); !loaded) return loaded;
+    // Behind the fill, which changes where zero frequency stands.
+    Set_Initial_Shift(g_);
+    delay_phase1_deg_ = g_.Phase1Deg;
+    delay_shift_ = g_.Slots[0].par.FIDShift;
+    if (const Status window = Make_Window_Function(g_, 0); !window) ErrorReport(asker_, window.error());
+    Command2_Click();
+    return {};
+}
+
+void FftForm::Command2_Click()
+{
+    FFT_Preview(g_, g_.Slots[0].par.FIDShift);
+    if (auto_phase())
+        RunAutoPhase(PhaseMode::full);
+    else
+        RotateShownRow();
+}
+
+void FftForm::RotateShownRow()
+{
+    Phase_Apply(g_, g_.Phase0Deg, g_.Phase1Deg, points());
+}
+
+void FftForm::RunAutoPhase(PhaseMode mode)
+{
+    Auto_Phase(g_, mode, points());
+    // A single line tells no first order. What the group delay is known to leave is then better than
+    // nothing; it turns about the pivot, so the line that was phased stays as it is.
+    const bool delay_applies = delay_phase1_deg_ != 0.0F && g_.Slots[0].par.FIDShift == delay_shift_;
+    if (g_.Phase1Deg != 0.0F || !delay_applies) return;
+    g_.Phase1Deg = delay_phase1_deg_;
+    RotateShownRow();
+}
+
+Status FftForm::Command1()
+{
+    if (g_.NoFIDFile || !Zero_Fill_Double(g_, 0)) return {};
+    return WindowChanged();
+}
+
+Status FftForm::Command4()
+{
+    g_.Slots[0].ProcMark2 = 1;
+    return SetZeroFill(1);
+}
+
+Status FftForm::SetZeroFill(std::int32_t factor)
+{
+    if (g_.NoFIDFile) {
+        if (factor == 1) return WindowChanged();
+        return Error{ErrorCode::unreadable, "Command1/F11", "The FID could not be kept, so it can't be filled"};
+    }
+    if (Status set = Set_Zero_Fill(g_, 0, factor); !set) return set;
+    return WindowChanged();
+}
+
+Status FftForm::SetWindowKind(WindowKind kind)
+{
+    g_.Slots[0].par.WindowFunc = static_cast<std::int16_t>(kind);
+    return WindowChanged();
+}
+
+Status FftForm::WindowChanged()
+{
+    Status window = Make_Window_Function(g_, 0);
+    if (!window) ErrorReport(asker_, window.error());
+    Command2_Click();
+    return window;
+}
+
+void FftForm::SetShift(std::int32_t shift)
+{
+    const std::int32_t limit = std::max(points() - 1, 0);
+    g_.Slots[0].par.FIDShift = std::clamp(shift, -limit, limit);
+    static_cast<void>(WindowChanged()); // the trapezoid spans what the shift leaves
+}
+
+void FftForm::SetPhase0(double deg)
+{
+    if (!std::isfinite(deg)) return;
+    g_.Phase0Deg = Tenths(deg, kPhase0Limit);
+    RotateShownRow();
+}
+
+void FftForm::SetPhase1(double deg)
+{
+    if (!std::isfinite(deg)) return;
+    g_.Phase1Deg = Tenths(deg, kPhase1Limit);
+    RotateShownRow();
+}
+
+void FftForm::SetPivot(std::int32_t point)
+{
+    const std::int32_t n = points();
+    if (n < 1) return;
+    const std::int32_t moved = std::clamp(point, 0, n - 1);
+    const double turn = static_cast<double>(moved - g_.PivotPoint) * static_cast<double>(g_.Phase1Deg) / n;
+    double phase0 = static_cast<double>(g_.Phase0Deg) + turn;
+    if (std::abs(phase0) > kPhase0Limit) phase0 = std::remainder(phase0, 360.0);
+    g_.PivotPoint = moved;
+    g_.Phase0Deg = static_cast<float>(phase0);
+    RotateShownRow();
+}
+
+void FftForm::SetSecond(std::int32_t point)
+{
+    g_.P2Point = std::clamp(point, -1, std::max(points() - 1, -1));
+}
+
+void FftForm::Command8()
+{
+    RunAutoPhase(PhaseMode::full);
+}
+
+void FftForm::Command7()
+{
+    RunAutoPhase(PhaseMode::semi);
+}
+
+void FftForm::SetRow(std::int16_t row)
+{
+    const std::int32_t last = std::max(g_.Slots[0].RowCount - 1, 0);
+    g_.CurrentRow = static_cast<std::int16_t>(std::clamp<std::int32_t>(row, 0, last));
+    Command2_Click();
+}
+
+// The setting holds the box the other way round: 0 is ticked.
+bool FftForm::auto_phase() const
+{
+    return g_.settings.auto_phase_on == 0;
+}
+
+void FftForm::SetAutoPhase(bool on)
+{
+    g_.settings.auto_phase_on = on ? 0 : 1;
+}
+
+Status FftForm::Command3(const std::function<void(int)>& progress)
+{
+    if (Status committed = Commit_Transform(g_, progress); !committed) {
+        ErrorReport(asker_, committed.error());
+        return committed;
+    }
+    ParamBlock& par = g_.Slots[0].par;
+    if (par.OBFRQ0PPMRead == 0) par.OBFRQ0PPMRead = par.OBFRQ0PPM;
+    Set_Display_Range(g_);
+    g_.DialogResult = "OK";
+    return {};
+}
+
+bool FftForm::Close()
+{
+    const MessageBox box{"Exit without FFT", "FT end", {Button::ok, Button::cancel}, Icon::question, true};
+    if (asker_.Message(box) != Button::ok) return false;
+    // The preview has overwritten the slot's rows: the FID goes back into them, at its own length.
+    DataSet& set = g_.Slots[0];
+    set.par.POINT = std::min(set.par.POINT, std::max(set.par.FIDPointsRaw, 1));
+    set.ProcMark1 = set.ProcMark2 = 1;
+    CopyRows(g_.WorkRe, set.spec.DataRe, set.par.POINT);
+    CopyRows(g_.WorkIm, set.spec.DataIm, set.par.POINT);
+    CopyDataToSource(set);
+    g_.WorkRe.Release();
+    g_.WorkIm.Release();
+    g_.WindowCurve.Release();
+    g_.DialogResult = "CANCEL";
+    return true;
+}
+
+} // namespace nmr

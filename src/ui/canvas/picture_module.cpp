@@ -1,0 +1,37 @@
+// The module that nmr1d-cli loads for pictures.
+
+#include "ui/canvas/picture_writer.h"
+
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+/// Pictures need fonts but no display.
+void EnsureApplication()
+{
+    if (QCoreApplication::instance() != nullptr) return;
+    static int argc = 3;
+    static char name[] = "nmr1d-cli", option[] = "-platform", platform[] = "offscreen";
+    static char* argv[] = {name, option, platform, nullptr};
+    // Lives to the end of the process: what it made must not outlast the libraries it came from.
+    static auto* application = new QGuiApplication(argc, argv);
+    (void)application;
+}
+
+} // namespace
+
+extern "C" int nmr1d_write_picture(const nmr::PictureJob* job, char* message, std::size_t size)
+{
+    EnsureApplication();
+    const QByteArray reason = nmr::WritePictureFile(*job).toUtf8();
+    if (size > 0) {
+        const auto length = std::min(size - 1, static_cast<std::size_t>(reason.size()));
+        std::memcpy(message, reason.constData(), length);
+        message[length] = 0;
+    }
+    return reason.isEmpty() ? 0 : 1;
+}

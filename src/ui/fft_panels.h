@@ -1,0 +1,65 @@
+#pragma once
+// The two plots of the transform form: the FID with its window above, the spectrum below.
+
+#include "session/fft_form.h"
+#include "ui/zoom_panel.h"
+
+#include <functional>
+
+namespace nmr {
+
+/// FID of the shown row over time, with the window curve. What a shift cuts off stands left of zero.
+class FidPanel : public ZoomPanel {
+public:
+    explicit FidPanel(FftForm& logic, QWidget* parent = nullptr) : ZoomPanel(parent), logic_(logic) {}
+    /// After a change of FID, window or shift.
+    void Refresh();
+
+protected:
+    PlotFrame Frame(QtCanvas& canvas) override;
+    void Draw(QtCanvas& canvas, const PlotFrame& frame) override;
+
+private:
+    double Dwell() const;
+    FftForm& logic_;
+    MinMaxPyramid re_, im_, window_;
+    std::size_t points_ = 0;
+    double full_ = 1;
+};
+
+/// Spectrum of the shown row, with the marks "PP" and "P2" to drag.
+class PreviewPanel : public ZoomPanel {
+public:
+    explicit PreviewPanel(FftForm& logic, QWidget* parent = nullptr) : ZoomPanel(parent), logic_(logic) {}
+    void Refresh();
+    bool show_imaginary = false;
+    std::function<void()> mark_moved;
+    std::function<void()> mark_dropped;
+
+protected:
+    PlotFrame Frame(QtCanvas& canvas) override;
+    void Draw(QtCanvas& canvas, const PlotFrame& frame) override;
+    bool GrabMark(double x) override;
+    void MoveMark(double x) override;
+    void DropMark() override;
+    bool MarkUnder(double x) const override { return NearestMark(x) != Mark::none; }
+
+private:
+    enum class Mark { none, pivot, second };
+    /// The axis as the commit is going to set it, when the file tells its reference; else ppm from the carrier.
+    struct Axis {
+        double first = 0, step = 1, hz_per_ppm = 1;
+        bool referenced = false;
+    };
+    Axis PreviewAxis() const;
+    AxisStyle Style() const;
+    Mark NearestMark(double x) const;
+    double MarkX(std::int32_t point) const;
+    void DrawMark(QtCanvas& canvas, const PlotFrame& frame, std::int32_t point, const char* name) const;
+
+    FftForm& logic_;
+    MinMaxPyramid re_, im_;
+    Mark grabbed_ = Mark::none;
+};
+
+} // namespace nmr
