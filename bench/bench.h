@@ -46,9 +46,10 @@ double BestMs(int times, Body&& body)
     return best;
 }
 
-/// Things to be compared take turns, so that a disturbance of the machine meets all of them.
+/// Things to be compared take turns, so that a disturbance of the machine meets all of them; in its
+/// turn each runs twice and the second run counts, so that none finds the other's data in the cache.
 struct Contender {
-    std::function<void()> prepare; ///< not timed; before every run
+    std::function<void()> prepare; ///< not timed, before every run
     std::function<void()> run;
 };
 /// The best time of each contender, in their order.
