@@ -14,8 +14,8 @@
 //   moment.
 //
 // The magnetogyric ratio is not kept here: it is Xi / 100 times that of the proton, with the sign of
-// the moment. It is therefore that of the nuclide in its reference compound, up to 1.5 % off the
-// bare nucleus for heavy elements.
+// the moment. It is therefore that of the nuclide in its reference compound, up to 2 % off the bare
+// nucleus for heavy elements, and up to 5 % for iridium and 235U, whose ratios are estimates.
 
 #include <array>
 #include <cstdio>

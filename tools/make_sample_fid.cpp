@@ -35,7 +35,16 @@ using Complex = std::complex<double>;
 
 constexpr int kTapsPerPoint = 16;
 
-/// Windowed sinc with its edge at the Nyquist frequency, symmetric about the group delay.
+/// Impulse response of the raised cosine that falls to one half at the Nyquist frequency; x in points.
+double RaisedCosine(double x)
+{
+    if (x == 0) return 1;
+    const double pole = 1 - 4 * x * x; // 0 at half a point, where sine and pole cancel
+    return std::abs(pole) < 1e-9 ? 0.5 : std::sin(2 * kPi * x) / (2 * kPi * x) / pole;
+}
+
+/// Windowed raised cosine, symmetric about the group delay. Its step response hardly rings, so that the
+/// points before the delay hold next to nothing of the signal and dropping them leaves the base line flat.
 struct Filter {
     std::vector<double> delay; ///< rising, in points
     std::vector<double> tap;   ///< their sum is 1
@@ -48,10 +57,9 @@ Filter MakeFilter(double group_delay)
     double sum = 0;
     for (int j = -half; j <= half; ++j) {
         const double x = static_cast<double>(j) / kTapsPerPoint;
-        const double sinc = j == 0 ? 1.0 : std::sin(kPi * x) / (kPi * x);
         const double angle = kPi * x / group_delay; // Blackman window, 0 at both ends
         filter.delay.push_back(group_delay + x);
-        filter.tap.push_back(sinc * (0.42 + 0.5 * std::cos(angle) + 0.08 * std::cos(2.0 * angle)));
+        filter.tap.push_back(RaisedCosine(x) * (0.42 + 0.5 * std::cos(angle) + 0.08 * std::cos(2.0 * angle)));
         sum += filter.tap.back();
     }
     for (double& tap : filter.tap) tap /= sum;

@@ -1,7 +1,7 @@
 // The circle fit rests on this: a Lorentzian line traces a circle through the origin of the Argand
-// plane, and its axis shows the phase. So around a peak the real part X is fitted against the
-// imaginary part Y by X = a Y + b Y^2 (points weighted by Y^2), and the slope a at the origin is the
-// tangent of the phase error.
+// plane, to both sides of the real axis alike once it is in phase. So around a peak the real part P is
+// fitted against the imaginary part Q by a straight line, points weighted by Q^2; the slope is the
+// tangent of the phase that is missing.
 
 #include "analysis/phase.h"
 

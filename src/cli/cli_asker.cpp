@@ -1,5 +1,7 @@
 #include "cli/cli_asker.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 
@@ -41,7 +43,7 @@ FormAnswer CliAsker::Form(const FormRequest& request)
 
 void CliAsker::Notice(const std::string& text)
 {
-    warnings_.push_back(OneLine(text));
+    fmt::print(stderr, "nmr1d-cli: {}\n", OneLine(text));
 }
 
 } // namespace nmr

@@ -46,9 +46,11 @@ struct ParamJson {
 Json Params(const ParamBlock& block)
 {
     Json params = Json::object();
-    for (const ParamField& field : ParamFields())
-        if (!field.key.empty() && !params.contains(std::string(field.key)))
-            params[std::string(field.key)] = std::visit(ParamJson{block}, field.member);
+    // A field that travels without a key stands under its name.
+    for (const ParamField& field : ParamFields()) {
+        const std::string key(field.key.empty() ? field.name : field.key);
+        if (!params.contains(key)) params[key] = std::visit(ParamJson{block}, field.member);
+    }
     return params;
 }
 

@@ -82,8 +82,6 @@ constexpr std::array kCentres = {
     std::pair{&Settings::ccentre_ref_freq, &Settings::ccentre_ref},
     std::pair{&Settings::xcentre_ref_freq, &Settings::xcentre_ref},
 };
-constexpr std::string Settings::*kLastDirs[] = {&Settings::access_read_dir, &Settings::access_write_dir,
-                                                &Settings::data_image_dir};
 
 void SettingsToGlobals(GlobalBlock& g)
 {
@@ -92,7 +90,6 @@ void SettingsToGlobals(GlobalBlock& g)
         *targets[i].first = g.settings.*kCentres[i].first;
         *targets[i].second = g.settings.*kCentres[i].second;
     }
-    for (std::size_t i = 0; i < g.LastDirs.size(); ++i) g.LastDirs[i] = g.settings.*kLastDirs[i];
 }
 
 /// The settings as they are to be written: what the run has learnt stands in the global block.
@@ -105,8 +102,6 @@ Settings SettingsWithGlobals(const GlobalBlock& g)
         settings.*kCentres[i].first = *sources[i].first;
         settings.*kCentres[i].second = *sources[i].second;
     }
-    for (std::size_t i = 0; i < g.LastDirs.size(); ++i)
-        if (!g.LastDirs[i].empty()) settings.*kLastDirs[i] = g.LastDirs[i];
     if (settings.user_name.empty()) settings.user_name = g.CurrentUser; // or the list of users would lack it
     return settings;
 }
@@ -257,7 +252,8 @@ void InitGlobals(GlobalBlock& g)
     ClearLists(g);
     // Rows 1, 2, 3 and 16 of the table of file types; the fifth slot is the user's own.
     g.FileTypeSlots = {"", "*.als", "*.jdf", "*.gxd*", "*.jdx;*.dx", ""};
-    g.FileTypeNames = {"", "JEOL Alice2(Excalibur)", "JEOL Delta(ECA/ECP)", "JEOL GX/GSX/EX", "JCAMP", ""};
+    g.FileTypeNames = {
+        "", "JEOL Alice2(Excalibur) File", "JEOL Delta(ECA/ECP) File", "JEOL GX/GSX/EX File", "JCAMP File", ""};
     g.DigitalFilterPoints = 1;
     SettingsToGlobals(g);
 }

@@ -5,6 +5,7 @@
 #include "fid/fft_pipeline.h"
 #include "fid/transform_set.h"
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -58,13 +59,13 @@ void FrequencyAndAxis(DataSet& set)
     FillAxis(set);
 }
 
-/// The axis from a known 0 ppm frequency.
-void UseZeroPpmFrequency(DataSet& set, double mhz)
+/// The axis from a known 0 ppm frequency, with the carrier's shift at `point`.
+void UseZeroPpmFrequency(DataSet& set, double mhz, std::int32_t point)
 {
     set.par.OBFRQ0PPM = mhz;
     set.par.SpanOrg = mhz;
     set.par.RefState = 0;
-    SetReference(set, (set.par.ObsCenter - mhz) / mhz * 1e6, RoundHalfEven(set.par.POINT / 2.0));
+    SetReference(set, (set.par.ObsCenter - mhz) / mhz * 1e6, point);
     FillAxis(set);
 }
 
@@ -134,20 +135,23 @@ void Set_Frequency_Axis(GlobalBlock& g, std::int16_t slot)
     ParamBlock& par = set.par;
     if (par.POINT < 1) return;
 
+    const std::int32_t centre = RoundHalfEven(par.POINT / 2.0);
     InstrumentRow* row = par.OBFRQ0PPM > 0.0 ? FindInstrument(g, par) : nullptr;
     if (row != nullptr) {
         row->date = FormatDate("dd/mmm/yyyy hh:nn:ss", NowLocal());
-        UseZeroPpmFrequency(set, row->ppm0);
+        UseZeroPpmFrequency(set, row->ppm0, centre);
         return;
     }
     if (g.settings.ref_initital == 1 && par.FileRefMHz > 0.0 && par.ObsCenter > 0.0) {
-        UseZeroPpmFrequency(set, par.FileRefMHz);
+        // The carrier's own bin stands one point below the middle. A reference that the instrument
+        // gives holds for that very bin; the middle would put every line one point too low.
+        UseZeroPpmFrequency(set, par.FileRefMHz, std::max(centre - 1, 0));
         return;
     }
     const bool fine = g.settings.ref_fine_set == 1;
     if (std::abs(g.LastObsCenter - par.ObsCenter) < kSameFrequency * par.ObsCenter) {
         const double moved = (g.LastObsCenter - par.ObsCenter) / par.ObsCenter * 1e6;
-        SetReference(set, g.LastCentre - moved, RoundHalfEven(par.POINT / 2.0));
+        SetReference(set, g.LastCentre - moved, centre);
         FrequencyAndAxis(set);
         if (fine) ReferenceToTms(g, set, AroundZeroPpm(set));
         return;

@@ -9,14 +9,20 @@
 namespace nmr {
 
 /// The FID of slot 0 (DataRe/DataIm) into the FID work file, or into memory when there is none.
-/// Real parts of all rows, then imaginary parts, 32-bit floats without a head.
+/// Real parts of all rows, then imaginary parts, 32-bit floats without a head. Sets FIDPointsRaw.
+/// A failure sets NoFIDFile and leaves the FID in WorkRe/WorkIm: one transform of it is still possible.
 Status Write_FID_Work(GlobalBlock& g);
-/// The FID back into WorkRe/WorkIm, zero-filled to POINT; the arrays must have POINT as upper bound.
+/// The FID back into WorkRe/WorkIm, zero-filled to POINT, which becomes their upper bound. With
+/// NoFIDFile set nothing is loaded, and it fails once the one transform has used the rows up.
+/// @return truncated when the kept FID is shorter than RowCount and FIDPointsRaw say; nothing changes
 Status Load_FID_Work(GlobalBlock& g);
+
+// The three fills make the arrays anew, load the FID, recompute the window and keep pivot and second
+// mark on their frequencies; the caller runs the preview.
 
 /// Zero fill by the settings AUTO ZEROFILL and ZEROFILLSIZE, before the form opens.
 void Auto_ZeroFill(GlobalBlock& g, std::int16_t slot);
-/// Doubles the length; false at the limit, where nothing happens.
+/// Doubles the length; false at the limit and without a kept FID, where nothing happens.
 bool Zero_Fill_Double(GlobalBlock& g, std::int16_t slot);
 /// Sets the fill factor: a power of two with FIDPointsRaw * factor at most kMaxPoints.
 Status Set_Zero_Fill(GlobalBlock& g, std::int16_t slot, std::int32_t factor);
@@ -29,8 +35,11 @@ void FFT_Row(GlobalBlock& g, std::int32_t row, std::int32_t shift);
 /// Rotates one row of WorkRe/WorkIm in place about PivotPoint.
 void Apply_Phase_Row(GlobalBlock& g, float ph0, float ph1, std::int32_t n, std::int32_t row);
 
-/// All rows from the FID to a referenced, phased spectrum in slot 0, which then has SMODE 1.
+/// All rows from the FID to a referenced, phased spectrum in slot 0, which then has SMODE 1. The phases
+/// are reset, WorkRe, WorkIm and WindowCurve released. It uses the FilterKind of the last preview, so a
+/// preview must have run for the present FIDShift; the window is computed anew.
 /// `progress` gets percents and may be empty.
+/// @return a failure to get the FID or the window, which leaves the set a FID
 Status Commit_Transform(GlobalBlock& g, const std::function<void(int)>& progress = {});
 
 /// The frequency axis of a transformed slot: instrument table, then the file's own reference when

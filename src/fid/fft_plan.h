@@ -32,6 +32,12 @@ struct FFT_Twiddle {
     double cosine = 1.0;
 };
 
+/// The 32 blocks that stand at one place of their parts, and that place's bits reversed.
+struct FFT_Group {
+    std::size_t block = 0;
+    std::size_t reversed = 0;
+};
+
 class FFT_Plan {
 public:
     /// @param n  points of the row, a power of two from kFftShortest to kSineTableSize
@@ -47,6 +53,8 @@ public:
     std::size_t part_stride() const { return 2 * part_points() + kFftGap; }
     /// The first of radix 4 and the second of radix 8 end with the 32 parts, the others lie within one.
     std::span<const FFT_Pass> passes() const { return passes_; }
+    /// The groups of the last pass in an order that keeps to few pages and lines on both sides.
+    std::span<const FFT_Group> groups() const { return groups_; }
     float* work() const { return work_.get(); }
     /// Of legs 4 points apart: 1/8, 2/8 and 3/8 of a turn; the second also serves legs 2 points apart.
     const std::array<FFT_Twiddle, 3>& last() const { return last_; }
@@ -57,11 +65,13 @@ private:
     };
 
     void ChoosePasses();
+    void OrderGroups();
     void FillTwiddles(std::span<const double> sine_table);
 
     std::size_t n_;
     const double* source_;
     std::vector<FFT_Pass> passes_;
+    std::vector<FFT_Group> groups_;
     std::unique_ptr<double[], Free> twiddles_;
     std::unique_ptr<float[], Free> work_;
     std::array<FFT_Twiddle, 3> last_;

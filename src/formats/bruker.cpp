@@ -40,7 +40,7 @@ std::string Sibling(const std::string& path, std::string_view extension)
     return found ? found->string() : std::string();
 }
 
-/// Folder of the processing parameters that belong to an experiment: number 1, else the lowest number.
+/// Folder of the processing parameters that belong to an experiment: the lowest number, as a rule 1.
 std::string ProcessedFolder(const std::string& experiment)
 {
     const std::string pdata = InFolder(experiment, "pdata");

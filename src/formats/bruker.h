@@ -1,7 +1,7 @@
 #pragma once
 // Bruker directories (fid, ser, 1r, 1i with acqus and procs) and flat files (.fid/.aqs, .1r/.fqs).
 //
-// What it rests on: the vendor's reference of acquisition and processing parameters, and 18 published
+// What it rests on: the vendor's reference of acquisition and processing parameters, and 17 published
 // data sets (XWIN-NMR 1.3 to TopSpin 4.0, both byte orders, int32, float32 and float64). Learnt from them:
 // - The fid of a folder and its 1r may differ in byte order, so each file goes by its own parameters.
 // - A fid may be padded beyond TD; TD need not be a power of two.

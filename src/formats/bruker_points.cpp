@@ -172,10 +172,10 @@ void StoreFid(std::vector<double> values, std::size_t parts, double sign, SpecBu
     if (largest == 0) return;
     for (std::size_t part = 0; part < parts; ++part) {
         const double mean = Mean(values, values.size() - tail + part, parts);
-        const double scale = (part == 0 ? 1 : sign) / largest;
+        const double divisor = part == 0 ? largest : sign * largest; // its inverse may not be finite
         auto row = part == 0 ? spec.DataRe[0] : spec.DataIm[0];
         for (std::size_t i = 0; i < present; ++i)
-            row[i] = static_cast<float>((values[parts * i + part] - mean) * scale);
+            row[i] = static_cast<float>((values[parts * i + part] - mean) / divisor);
     }
 }
 

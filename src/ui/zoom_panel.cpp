@@ -2,6 +2,7 @@
 
 #include "ui/canvas/qt_canvas.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -12,6 +13,8 @@ namespace nmr {
 namespace {
 
 constexpr double kLeastDrag = 4; // pixels; a shorter one is a click
+constexpr double kPanStep = 0.1; // of the shown width
+constexpr double kKeyStep = 1.25;
 
 // One notch of the wheel is 120 eighths of a degree.
 double Notches(const QWheelEvent& event)
@@ -29,10 +32,43 @@ ZoomPanel::ZoomPanel(QWidget* parent) : QWidget(parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
+void ZoomPanel::Changed()
+{
+    ViewChanged();
+    update();
+}
+
 void ZoomPanel::ShowAll()
 {
     view_.ShowAll();
-    update();
+    Changed();
+}
+
+void ZoomPanel::ZoomBack()
+{
+    view_.ZoomBack();
+    Changed();
+}
+
+void ZoomPanel::ScaleHeight(double factor)
+{
+    view_.ScaleHeight(factor);
+    Changed();
+}
+
+void ZoomPanel::ScaleWidth(double factor)
+{
+    const auto& shown = view_.shown();
+    const double middle = (shown.left + shown.right) / 2;
+    view_.ScaleWidth(cursor_ ? frame_.Ppm(cursor_->x()) : middle, factor);
+    Changed();
+}
+
+void ZoomPanel::PanBy(double share)
+{
+    const auto& shown = view_.shown();
+    view_.Pan((shown.right - shown.left) * share);
+    Changed();
 }
 
 void ZoomPanel::paintEvent(QPaintEvent*)
@@ -51,12 +87,12 @@ void ZoomPanel::paintEvent(QPaintEvent*)
 void ZoomPanel::wheelEvent(QWheelEvent* event)
 {
     const double factor = std::pow(1.25, Notches(*event));
+    cursor_ = event->position();
     if (event->modifiers() & Qt::ControlModifier)
-        view_.ScaleWidth(frame_.Ppm(event->position().x()), 1 / factor);
+        ScaleWidth(1 / factor);
     else
-        view_.ScaleHeight(factor);
+        ScaleHeight(factor);
     event->accept();
-    update();
 }
 
 void ZoomPanel::mousePressEvent(QMouseEvent* event)
@@ -72,6 +108,8 @@ void ZoomPanel::mouseMoveEvent(QMouseEvent* event)
 {
     const double before = now_x_;
     now_x_ = event->position().x();
+    cursor_ = event->position();
+    CursorMoved(cursor_);
     switch (drag_) {
     case Drag::none:
         setCursor(MarkUnder(now_x_) ? Qt::SplitHCursor : Qt::ArrowCursor);
@@ -80,6 +118,7 @@ void ZoomPanel::mouseMoveEvent(QMouseEvent* event)
         break;
     case Drag::pan:
         view_.Pan(frame_.Ppm(before) - frame_.Ppm(now_x_));
+        ViewChanged();
         break;
     case Drag::mark:
         MoveMark(now_x_);
@@ -94,14 +133,58 @@ void ZoomPanel::mouseReleaseEvent(QMouseEvent*)
     if (drag_ == Drag::zoom && std::abs(now_x_ - from_x_) >= kLeastDrag)
         view_.ZoomInto(frame_.Ppm(from_x_), frame_.Ppm(now_x_));
     drag_ = Drag::none;
-    update();
+    Changed();
 }
 
 void ZoomPanel::mouseDoubleClickEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton) return;
     drag_ = Drag::none;
-    view_.ZoomBack();
+    ZoomBack();
+}
+
+bool ZoomPanel::RunKey(int key, bool control)
+{
+    switch (key) {
+    case Qt::Key_Left:
+        PanBy(-kPanStep);
+        return true;
+    case Qt::Key_Right:
+        PanBy(kPanStep);
+        return true;
+    case Qt::Key_Up:
+        ScaleHeight(kKeyStep);
+        return true;
+    case Qt::Key_Down:
+        ScaleHeight(1 / kKeyStep);
+        return true;
+    case Qt::Key_Plus:
+    case Qt::Key_Equal: // the plus of a keyboard without number pad, unshifted
+        control ? ScaleWidth(1 / kKeyStep) : ScaleHeight(kKeyStep);
+        return true;
+    case Qt::Key_Minus:
+        control ? ScaleWidth(kKeyStep) : ScaleHeight(1 / kKeyStep);
+        return true;
+    case Qt::Key_Home:
+        ShowAll();
+        return true;
+    case Qt::Key_Backspace:
+        ZoomBack();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void ZoomPanel::keyPressEvent(QKeyEvent* event)
+{
+    if (!RunKey(event->key(), event->modifiers() & Qt::ControlModifier)) QWidget::keyPressEvent(event);
+}
+
+void ZoomPanel::leaveEvent(QEvent*)
+{
+    cursor_.reset();
+    CursorMoved(std::nullopt);
     update();
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 // A plot that obeys the mouse grammar: wheel = height, Ctrl + wheel = width around the cursor, drag =
-// zoom into the range, double click = back one zoom, right drag = pan.
+// zoom into the range, double click = back one zoom, right drag = pan; the same by keys.
 
 #include "layout/plot.h"
 #include "ui/zoom_view.h"
 
 #include <QWidget>
+
+#include <optional>
 
 namespace nmr {
 
@@ -16,7 +18,14 @@ public:
     explicit ZoomPanel(QWidget* parent = nullptr);
 
     const ZoomView& view() const { return view_; }
+    double magnification() const { return view_.magnification(); }
     void ShowAll();
+    void ZoomBack();
+    void ScaleHeight(double factor);
+    /// Around the cursor when it is over the plot, else around the middle.
+    void ScaleWidth(double factor);
+    /// By a share of the shown width, positive to the right.
+    void PanBy(double share);
 
 protected:
     ZoomView& view() { return view_; }
@@ -31,6 +40,11 @@ protected:
     virtual void DropMark() {}
     virtual bool MarkUnder(double /*x*/) const { return false; }
 
+    /// After each change of range or height by the user.
+    virtual void ViewChanged() {}
+    /// The cursor moved over the plot, or left it (nothing).
+    virtual void CursorMoved(std::optional<QPointF> /*at*/) {}
+
     /// Of the last paint; what mouse positions are read with.
     const PlotFrame& frame() const { return frame_; }
 
@@ -40,6 +54,8 @@ protected:
     void mouseMoveEvent(QMouseEvent*) override;
     void mouseReleaseEvent(QMouseEvent*) override;
     void mouseDoubleClickEvent(QMouseEvent*) override;
+    void keyPressEvent(QKeyEvent*) override;
+    void leaveEvent(QEvent*) override;
 
 private:
     enum class Drag { none, zoom, pan, mark };
@@ -47,6 +63,10 @@ private:
     PlotFrame frame_;
     Drag drag_ = Drag::none;
     double from_x_ = 0, now_x_ = 0;
+    std::optional<QPointF> cursor_;
+
+    void Changed();
+    bool RunKey(int key, bool control);
 };
 
 } // namespace nmr

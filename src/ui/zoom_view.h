@@ -26,6 +26,23 @@ public:
     double magnification() const { return magnification_; }
     bool zoomed() const { return !back_.empty(); }
 
+    /// What was set from outside; the way back leads to what was shown before.
+    void SetShown(Range range)
+    {
+        if (range == shown_ || range.left == range.right) return;
+        back_.push_back(shown_);
+        shown_ = range;
+    }
+    /// The same as the start of all zooming.
+    void StartFrom(Range whole, Range shown)
+    {
+        whole_ = whole;
+        shown_ = shown.left == shown.right ? whole : shown;
+        back_.clear();
+    }
+    const Range& whole() const { return whole_; }
+    void SetMagnification(double magnification) { magnification_ = magnification; }
+
     void ZoomInto(double a, double b)
     {
         back_.push_back(shown_);
@@ -55,7 +72,8 @@ public:
     void Pan(double by)
     {
         const double room_left = whole_.left - shown_.left, room_right = whole_.right - shown_.right;
-        const double d = std::clamp(by, std::min(room_left, room_right), std::max(room_left, room_right));
+        // A range that reaches beyond the axis has no room on that side, but is not thrown back either.
+        const double d = std::clamp(by, std::min({room_left, room_right, 0.0}), std::max({room_left, room_right, 0.0}));
         shown_.left += d;
         shown_.right += d;
     }

@@ -2,6 +2,7 @@
 // A Bruker data set on the disk, and its reading without the detection.
 
 #include "core/asker.h"
+#include "core/numbers.h"
 #include "formats/bruker.h"
 #include "support/files.h"
 #include "support/scripted_asker.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <complex>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -45,6 +47,17 @@ struct BrukerRead {
     const DataSet& set() const { return g->Slots[0]; }
     const ParamBlock& par() const { return set().par; }
 };
+
+/// Sum of z exp(-2 pi i f t), turned back by a group delay.
+inline std::complex<double> Amplitude(const DataSet& set, double offset_hz, double group_delay)
+{
+    const double turn = 2 * kPi * offset_hz / set.par.FREQU;
+    const std::complex<double> step = std::polar(1.0, -turn);
+    std::complex<double> phase = std::polar(1.0, turn * group_delay), sum = 0;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(set.par.FIDPoints); ++i, phase *= step)
+        sum += phase * std::complex<double>(set.spec.DataRe[0][i], set.spec.DataIm[0][i]);
+    return sum;
+}
 
 inline BrukerParameters Parsed(const std::string& text)
 {

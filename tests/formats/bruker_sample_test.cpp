@@ -21,17 +21,6 @@ std::string MakeSample(const TempFolder& folder, const char* name)
     return target;
 }
 
-/// Sum of z exp(-2 pi i f t), turned back by the group delay.
-std::complex<double> Amplitude(const DataSet& set, double offset_hz, double group_delay)
-{
-    const double turn = 2 * kPi * offset_hz / set.par.FREQU;
-    const std::complex<double> step = std::polar(1.0, -turn);
-    std::complex<double> phase = std::polar(1.0, turn * group_delay), sum = 0;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(set.par.FIDPoints); ++i, phase *= step)
-        sum += phase * std::complex<double>(set.spec.DataRe[0][i], set.spec.DataIm[0][i]);
-    return sum;
-}
-
 double OffsetHz(const SampleConsole& console, double ppm)
 {
     return (ppm - console.centre_ppm()) * console.sf_mhz();

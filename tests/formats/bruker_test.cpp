@@ -255,6 +255,31 @@ TEST(BrukerFid, NoCutOfAGoodFileIsTakenForAWholeOne)
     }
 }
 
+TEST(BrukerFid, DamagedValuesReadAsZeroAndAreCounted)
+{
+    struct Case {
+        const char* name;
+        double value;
+        bool damaged;
+    };
+    const Case cases[] = {
+        {"no number", NAN, true},     {"infinite", -HUGE_VAL, true},         {"beyond every instrument", 1e300, true},
+        {"the largest", 1e30, false}, {"without an inverse", 4e-320, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const TempFolder folder;
+        WriteText(folder / "acqus", kOrigin + "##$SFO1= 400.132\n##$SW_h= 8000\n##$TD= 16\n");
+        std::vector<double> values(16, 0.0);
+        values[3] = c.value;
+        WriteText(folder / "fid", Encode<double>(values, false));
+        const BrukerRead read(folder / "fid", kFolderFid);
+        ASSERT_TRUE(read.status);
+        EXPECT_EQ(read.set().Warnings.size(), c.damaged ? 2U : 1U) << "the first: acqus has no end";
+        EXPECT_EQ(read.set().spec.DataIm[0][1], c.damaged ? 0 : 1);
+    }
+}
+
 TEST(BrukerFid, BadInputIsRefusedWithItsReason)
 {
     struct Case {

@@ -1,0 +1,35 @@
+#include "ui/form_table.h"
+
+#include "session/forms.h"
+#include "ui/form_dialogs.h"
+
+#include <algorithm>
+
+namespace nmr {
+
+std::span<const FormTableRow> FormTable()
+{
+    static constexpr FormTableRow kRows[] = {
+        {forms::kUserSelection, NMR1D_Form01},
+        {forms::kArrayData, NMR1D_Form20},
+        {forms::kDeleteMulti, NMR1D_Form23},
+        {forms::kDisplayScope, NMR1D_Form31},
+        {forms::kGrid, NMR1D_Form33},
+        {forms::kDefaultAreas, NMR1D_Form34},
+        {forms::kProcessableFiles, NMR1D_Form93},
+        {forms::kFileTypes, NMR1D_Form101},
+        {forms::kFourierState, NMR1D_Form102},
+        {forms::kQuestion, Form110},
+        {forms::kNumberType, Form120},
+    };
+    return kRows;
+}
+
+FormFunction FindForm(std::string_view name)
+{
+    const auto rows = FormTable();
+    const auto row = std::ranges::find(rows, name, [](const FormTableRow& r) { return r.name; });
+    return row == rows.end() ? nullptr : row->show;
+}
+
+} // namespace nmr

@@ -1,0 +1,90 @@
+// Pictures of the forms to look at: set NMR1D_SHOTS to a folder (and QT_SCALE_FACTOR=2 for a fine screen).
+
+#include "form_rig.h"
+#include "session/display_scope.h"
+#include "session/forms.h"
+#include "session/read_flow.h"
+#include "support/files.h"
+#include "ui/fft_dialog.h"
+#include "ui/form_dialogs.h"
+#include "ui/window_dialog.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QPalette>
+#include <QPixmap>
+#include <QPushButton>
+#include <QStyleFactory>
+
+namespace nmr {
+namespace {
+
+using namespace test;
+
+void SetLook(bool dark)
+{
+    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QPalette p = QApplication::style()->standardPalette();
+    if (dark) {
+        p = QPalette(QColor(0x30, 0x34, 0x3a), QColor(0x25, 0x28, 0x2c));
+        p.setColor(QPalette::Base, QColor(0x1d, 0x1f, 0x22));
+        p.setColor(QPalette::Highlight, QColor(0x3d, 0x9f, 0xdc));
+    }
+    QApplication::setPalette(p);
+}
+
+void Shoot(QWidget& widget, const QString& name)
+{
+    Settle(widget);
+    const QString scale = qEnvironmentVariable("QT_SCALE_FACTOR", "1");
+    EXPECT_TRUE(widget.grab().save(ShotFolder() + "/" + name + "-" + scale + ".png"));
+}
+
+struct Look {
+    const char* name;
+    bool dark;
+};
+constexpr Look kLooks[] = {{"light", false}, {"dark", true}};
+
+// The form on a file, as "Read" opens it.
+void ShootFft(const std::string& path, const QString& name)
+{
+    for (const Look& look : kLooks) {
+        SetLook(look.dark);
+        auto g = std::make_unique<GlobalBlock>();
+        Start_Batch(*g);
+        ScriptedAsker asker;
+        Session session{*g, asker, {}, {}, {}, {}};
+        session.run_fft_form = [&](FftForm& form) {
+            FftDialog dialog(form);
+            Shoot(dialog, "fft-" + name + "-" + look.name);
+            Drag(dialog.preview(), {300, 100}, {380, 100});
+            Find<QAbstractButton>(dialog, "ShowImaginary").setChecked(true);
+            Shoot(dialog, "fft-" + name + "-zoom-" + look.name);
+            for (const WindowRow& row : WindowRows()) {
+                EXPECT_TRUE(form.SetWindowKind(row.kind));
+                WindowDialog window(form, [] {}, &dialog);
+                Shoot(window, QString("window-%1-%2").arg(static_cast<int>(row.kind)).arg(look.name));
+            }
+            return std::string("CANCEL");
+        };
+        const Status status = Read_Path(session, path);
+        EXPECT_EQ(status.error().code, ErrorCode::cancelled) << status.error().text;
+    }
+}
+
+TEST(FormShots, Transform)
+{
+    if (ShotFolder().isEmpty()) GTEST_SKIP() << "NMR1D_SHOTS is not set";
+    App();
+    QDir().mkpath(ShotFolder());
+    const TempFolder folder;
+    const std::string command = std::string("'" NMR1D_BINARY_DIR "/bin/make_sample_fid' '") + (folder / "s") + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    ShootFft((folder / "s") + "/1/fid", "sample");
+    const auto carbon = RealData("bruker-13c-fid-600");
+    if (!carbon.empty()) ShootFft(carbon.string(), "13c");
+}
+
+} // namespace
+} // namespace nmr
