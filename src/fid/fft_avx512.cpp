@@ -37,6 +37,16 @@ inline F Narrow(D value)
     return _mm512_maskz_cvtpd_ps(0xff, value);
 }
 
+inline D WidenFrom(const float* from)
+{
+    return Widen(_mm256_loadu_ps(from));
+}
+inline void NarrowTo(float* to, D value)
+{
+    _mm256_storeu_ps(to, Narrow(value));
+}
+constexpr bool kStagesInMemory = false; // measured: from memory is no faster, and 32 registers are enough
+
 } // namespace
 } // namespace nmr
 

@@ -71,6 +71,46 @@ inline void Stages(Point* x, const double* twiddles)
 }
 
 template <std::size_t R>
+inline void StagesInRegisters(float* work, std::size_t stride, const double* twiddles)
+{
+    Point x[R];
+    for (std::size_t i = 0; i < R; ++i) x[i] = {LoadF(work + i * stride), LoadF(work + i * stride + kFftBlock)};
+    Stages<R>(x, twiddles);
+    for (std::size_t i = 0; i < R; ++i) {
+        StoreF(work + i * stride, x[i].re);
+        StoreF(work + i * stride + kFftBlock, x[i].im);
+    }
+}
+
+/// The same on points that stay in memory, for machines without registers for all of them: there a
+/// float is widened faster from memory than from a register, and that is what takes the time.
+inline void ButterflyInPlace(float* p, float* q, D sine, D cosine)
+{
+    const D real = WidenFrom(p) - WidenFrom(q);
+    const D imag = WidenFrom(p + kFftBlock) - WidenFrom(q + kFftBlock);
+    const F sum_re = LoadF(p) + LoadF(q);
+    const F sum_im = LoadF(p + kFftBlock) + LoadF(q + kFftBlock);
+    NarrowTo(q, imag * sine + real * cosine);
+    NarrowTo(q + kFftBlock, imag * cosine - real * sine);
+    StoreF(p, sum_re);
+    StoreF(p + kFftBlock, sum_im);
+}
+
+template <std::size_t R>
+inline void StagesInPlace(float* x, std::size_t stride, const double* twiddles)
+{
+    constexpr std::size_t half = R / 2;
+    constexpr std::size_t quarter = half == 1 ? 1 : half / 2;
+    for (std::size_t i = 0; i < half; ++i)
+        ButterflyInPlace(x + i * stride, x + (i + half) * stride, LoadD(twiddles + i * kFftBlock),
+                         LoadD(twiddles + (i + quarter) * kFftBlock));
+    if constexpr (half > 1) {
+        StagesInPlace<half>(x, stride, twiddles + (half + quarter) * kFftBlock);
+        StagesInPlace<half>(x + half * stride, stride, twiddles + (half + quarter) * kFftBlock);
+    }
+}
+
+template <std::size_t R>
 constexpr std::size_t VectorsOfPass()
 {
     if constexpr (R == 2)
@@ -79,18 +119,21 @@ constexpr std::size_t VectorsOfPass()
         return R / 2 + R / 4 + VectorsOfPass<R / 2>();
 }
 
+/// Lines that are needed next, from more places at once than the machine foresees by itself.
+inline void Fetch(const float* line, std::size_t stride, std::size_t count)
+{
+    for (; count > 0; --count, line += stride) _mm_prefetch(reinterpret_cast<const char*>(line), _MM_HINT_T0);
+}
+
 /// One pass over part of the work row: R runs of `points`, `stride` floats from one to the next.
 template <std::size_t R>
 void WorkPass(float* work, std::size_t points, std::size_t stride, const double* twiddles)
 {
     for (float* const end = work + 2 * points; work != end; work += 2 * kFftBlock) {
-        Point x[R];
-        for (std::size_t i = 0; i < R; ++i) x[i] = {LoadF(work + i * stride), LoadF(work + i * stride + kFftBlock)};
-        Stages<R>(x, twiddles);
-        for (std::size_t i = 0; i < R; ++i) {
-            StoreF(work + i * stride, x[i].re);
-            StoreF(work + i * stride + kFftBlock, x[i].im);
-        }
+        if constexpr (kStagesInMemory)
+            StagesInPlace<R>(work, stride, twiddles);
+        else
+            StagesInRegisters<R>(work, stride, twiddles);
         twiddles += VectorsOfPass<R>() * kFftBlock;
     }
 }
@@ -145,16 +188,20 @@ void RunInnerPasses(const FFT_Pass* pass, const FFT_Pass* end, float* work, std:
     for (std::size_t i = 0; i < pass->radix; ++i) RunInnerPasses(pass + 1, end, work + 2 * i * next, next);
 }
 
-void RunMiddlePasses(const FFT_Plan& plan)
+/// The second pass, of radix 8, over the four quarters side by side: the longest rows come from main
+/// memory, and so their twiddles come only once.
+void SecondPass(const FFT_Plan& plan)
 {
-    const FFT_Pass* const second = plan.passes().data() + 1;
-    const FFT_Pass* const end = plan.passes().data() + plan.passes().size();
-    const std::size_t points = plan.part_points();
-    float* work = plan.work();
-    for (std::size_t quarter = 0; quarter < 4; ++quarter) {
-        WorkPass<8>(work, points, plan.part_stride(), second->twiddles);
-        for (std::size_t part = 0; part < 8; ++part, work += plan.part_stride())
-            RunInnerPasses(second + 1, end, work, points);
+    const std::size_t stride = plan.part_stride();
+    const std::size_t last = plan.part_points() - kFftBlock;
+    const double* twiddles = plan.passes()[1].twiddles;
+    for (std::size_t j = 0; j <= last; j += kFftBlock) {
+        const std::size_t ahead = std::min(j + 2 * kFftBlock, last);
+        for (std::size_t part = 0; part < kFftParts; part += 8) {
+            Fetch(plan.work() + 2 * ahead + part * stride, stride, 8);
+            WorkPass<8>(plan.work() + 2 * j + part * stride, kFftBlock, stride, twiddles);
+        }
+        twiddles += VectorsOfPass<8>() * kFftBlock;
     }
 }
 
@@ -236,19 +283,12 @@ inline void LastGroup(const FFT_Plan& plan, float* re, float* im, const FFT_Grou
     for (std::size_t i = 0; i < kFftBlock; ++i) CopyRun(im + kReversed[i] * run + place, rows.im[i]);
 }
 
-/// The next group's lines are fetched ahead: 32 places at once are more than the machine foresees.
-inline void FetchGroup(const FFT_Plan& plan, const FFT_Group& group)
-{
-    const float* line = plan.work() + group.block * 2 * kFftBlock;
-    for (std::size_t part = 0; part < kFftParts; ++part, line += plan.part_stride())
-        _mm_prefetch(reinterpret_cast<const char*>(line), _MM_HINT_T0);
-}
-
 void LastPass(const FFT_Plan& plan, float* re, float* im)
 {
     const auto groups = plan.groups();
     for (std::size_t i = 0; i < groups.size(); ++i) {
-        if (i + 1 < groups.size()) FetchGroup(plan, groups[i + 1]);
+        if (i + 1 < groups.size())
+            Fetch(plan.work() + groups[i + 1].block * 2 * kFftBlock, plan.part_stride(), kFftParts);
         LastGroup(plan, re, im, groups[i]);
     }
 }
@@ -256,7 +296,11 @@ void LastPass(const FFT_Plan& plan, float* re, float* im)
 void Run(const FFT_Plan& plan, float* re, float* im)
 {
     FirstPass(plan, re, im);
-    RunMiddlePasses(plan);
+    SecondPass(plan);
+    const FFT_Pass* const inner = plan.passes().data() + 2;
+    const FFT_Pass* const end = plan.passes().data() + plan.passes().size();
+    for (std::size_t part = 0; part < kFftParts; ++part)
+        RunInnerPasses(inner, end, plan.work() + part * plan.part_stride(), plan.part_points());
     LastPass(plan, re, im);
 }
 

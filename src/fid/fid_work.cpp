@@ -103,8 +103,8 @@ bool HoldsFid(const DataSet& set)
 /// stands one point left of the middle in both.
 std::int32_t SameFrequency(std::int32_t point, std::int32_t from, std::int32_t to)
 {
-    const double bins = static_cast<double>(point) - (from / 2 - 1);
-    const std::int32_t moved = to / 2 - 1 + RoundHalfEven(bins * to / from);
+    const std::int32_t bins = point - (from / 2 - 1);
+    const std::int32_t moved = to / 2 - 1 + RoundHalfEven(static_cast<double>(bins) * to / from);
     return std::clamp(moved, 0, std::max(to - 1, 0));
 }
 

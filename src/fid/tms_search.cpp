@@ -168,7 +168,7 @@ std::int32_t Search_TMS(const DataSet& set, std::int32_t from, std::int32_t to)
     const std::int32_t first = std::max(std::min(from, to), edge);
     const std::int32_t last = std::min(std::max(from, to), line.size() - 1 - edge);
     if (last - first < 2) return -1;
-    line.level = MedianOf(line.y.subspan(static_cast<std::size_t>(first), static_cast<std::size_t>(last - first + 1)));
+    line.level = MedianOf(line.y.first(static_cast<std::size_t>(last) + 1).subspan(static_cast<std::size_t>(first)));
     line.threshold = kSignificance * NoiseOf(line.y);
     if (!(line.threshold > 0.0)) return -1;
 

@@ -98,13 +98,15 @@ struct VarianValues {
     std::string observe = "NUL", decouple = "NUL";
 };
 
-/// False for a record that can't be read.
+/// False for a file without a record, or with one that can't be read.
 bool ReadValues(ByteSpan file, const NuclearTable& nuclides, VarianValues& values)
 {
+    bool any = false;
     for (std::size_t position = 0;;) {
         const VarianRecord record = Varian_Line(file, position);
         if (record.name == "ERROR:") return false;
-        if (record.name.empty()) return true;
+        if (record.name.empty()) return any;
+        any = true;
         if (record.values.empty()) continue;
         const std::string name = ToUpper(record.name);
         const std::string& value = record.values.front();

@@ -6,6 +6,7 @@
 namespace nmr {
 namespace {
 
+constexpr double kFill = 0.95;         ///< share of the height above zero that the highest point takes
 constexpr double kFoot = 0.04;         ///< room below the base line, of the full height, for its noise
 constexpr double kBelowNegative = 1.1; ///< room for negative signals, of their depth
 // White paper becomes this grey in the dark, black ink nearly white.
@@ -111,10 +112,9 @@ IntensityRange ChooseIntensityRange(const MinMaxPyramid& pyramid, const DataSet&
     if (!std::isfinite(highest) || !std::isfinite(lowest)) return range;
     range.full = std::max(highest, static_cast<double>(set.par.DispLeft));
     if (!(range.full > 0)) range.full = std::max(-lowest, 1e-30);
-    const double fill = set.par.YFill > 0 && set.par.YFill <= 1 ? static_cast<double>(set.par.YFill) : 1;
     const double base = std::clamp(static_cast<double>(set.par.DispBase), 0.0, 0.9);
     const double scale = magnification > 0 && std::isfinite(magnification) ? 1 / magnification : 1;
-    range.high = range.full / fill * scale;
+    range.high = range.full / kFill * scale;
     range.low = std::min(-(base + kFoot) * range.full, kBelowNegative * lowest) * scale;
     return range;
 }

@@ -41,9 +41,9 @@ struct SpectrumScene {
     Rgba background{255, 255, 255}, text;
 };
 
-/// Intensities at the bottom and the top of a plot that shows a row at a magnification: the highest
-/// point reaches `fill` of the height at magnification 1, negative signals are in sight, and zero stays
-/// where it is whatever the magnification.
+/// Intensities at the bottom and the top of a plot that shows a row at a magnification: at 1 the highest
+/// point takes 95 % of the height, negative signals are in sight, and zero stays where it is whatever
+/// the magnification.
 struct IntensityRange {
     double low = 0, high = 1;
     double full = 1; ///< intensity of the highest point

@@ -31,17 +31,12 @@ void CopyRows(const RowArray<float>& from, RowArray<float>& to, std::int32_t poi
 
 Status FftForm::Open()
 {
-    ParamBlock& par = g_.Slots[0].par;
     Auto_ZeroFill(g_, 0);
     if (Status loaded = Load_FID_Work(g_); !loaded) return loaded;
-    // A new FID owes nothing to the phases of the one before: it starts flat, turned about zero
-    // frequency, where the group delay has no effect.
-    g_.Phase0Deg = g_.Phase1Deg = 0.0F;
-    g_.PivotPoint = std::max(par.POINT / 2 - 1, 0);
-    g_.P2Point = -1;
+    // Behind the fill, which changes where zero frequency stands.
     Set_Initial_Shift(g_);
     delay_phase1_deg_ = g_.Phase1Deg;
-    delay_shift_ = par.FIDShift;
+    delay_shift_ = g_.Slots[0].par.FIDShift;
     if (const Status window = Make_Window_Function(g_, 0); !window) ErrorReport(asker_, window.error());
     Command2_Click();
     return {};

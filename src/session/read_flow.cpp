@@ -113,7 +113,7 @@ Result<Candidate> Inspect(Session& s, const std::string& path)
     return found;
 }
 
-/// Unsaved data on the way out, with what belongs to their display.
+/// Unsaved data (DataChanged 1, which they keep) on the way out, with what belongs to their display.
 struct Replaced {
     DataSet set;
     std::int16_t current_row = 0;
@@ -135,7 +135,6 @@ void BringBack(GlobalBlock& g, Replaced& old, bool fid_overwritten)
     g.Slots[0].RowCount = old.set.RowCount;
     static_cast<void>(AllocateSpecBuffer(g, old.set.spec.AllocatedPoints, 0));
     g.Slots[0] = std::move(old.set);
-    g.Slots[0].par.DataChanged = 1;
     g.CurrentRow = old.current_row;
     g.ViewLeft = old.view_left;
     g.ViewRight = old.view_right;

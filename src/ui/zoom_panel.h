@@ -18,6 +18,7 @@ public:
     explicit ZoomPanel(QWidget* parent = nullptr);
 
     const ZoomView& view() const { return view_; }
+    double magnification() const { return view_.magnification(); }
     void ShowAll();
     /// Of the last paint; what mouse positions are read with.
     const PlotFrame& frame() const { return frame_; }

@@ -126,7 +126,7 @@ TEST(AutoPhase, FindsZeroOrderOfOneLine)
         double noise, median_limit;
     };
     for (const int n : {8192, 65536})
-        for (const double half_width : {4.0, 8.0, 20.0})
+        for (const double half_width : {4.0, 20.0})
             for (const auto& [noise, median_limit] :
                  {Case{0.0, 0.5}, Case{0.03, 1.5}, Case{0.1, 3.5}, Case{1.0, 8.0}}) {
                 SCOPED_TRACE(testing::Message() << n << " points, half width " << half_width << ", noise " << noise);

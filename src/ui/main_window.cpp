@@ -1,0 +1,259 @@
+#include "ui/main_window.h"
+
+#include "session/display_scope.h"
+#include "session/read_flow.h"
+#include "session/startup.h"
+#include "ui/canvas/qt_canvas.h"
+#include "ui/help_sheet.h"
+#include "ui/theme.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QScreen>
+#include <QStatusBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace nmr {
+namespace {
+
+enum WindowState : std::int32_t { kNormal = 0, kMaximised = 2 };
+constexpr int kLeastWidth = 480, kLeastHeight = 320;
+
+/// Runs a handler later, from the event loop: a drop or a click must end before its dialogs begin.
+void Later(QObject* context, std::function<void()> command)
+{
+    QTimer::singleShot(0, context, std::move(command));
+}
+
+} // namespace
+
+NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) : session_(session), g_(session.g)
+{
+    setObjectName(QStringLiteral("NMR1D_Form1"));
+    setWindowTitle(QStringLiteral("NMR 1D"));
+    setAcceptDrops(true);
+    plot_ = new PlotWidget(g_);
+    overview_ = new OverviewStrip(*plot_);
+    auto* centre = new QWidget(this);
+    auto* column = new QVBoxLayout(centre);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(overview_);
+    column->addWidget(plot_, 1);
+    setCentralWidget(centre);
+    BuildMenu();
+    BuildToolBar();
+    BuildStatusLine();
+    plot_->installEventFilter(this);
+    plot_->cursor_moved = [this](const auto& position) { ShowPosition(position); };
+    plot_->view_changed = [this] {
+        overview_->update();
+        RefreshToolBar();
+    };
+    plot_->read_asked = [this] { Later(this, [this] { Run([this] { NMR1D_m11_Command(session_); }); }); };
+    session_.display_changed = [this] { RefreshAll(); };
+    session_.set_title = [this](const std::string& title) { setWindowTitle(ToQString(title).trimmed()); };
+    asker.SetNoticeLine([this](const QString& text) { statusBar()->showMessage(text, 8000); });
+    RestorePlace();
+    RefreshAll();
+    plot_->setFocus();
+}
+
+/// One command at a time: the forms of a command keep the queue running, and with it drops and timers.
+void NMR1D_Form1::Run(const std::function<void()>& command)
+{
+    if (running_) return;
+    running_ = true;
+    command();
+    running_ = false;
+    RefreshAll();
+}
+
+void NMR1D_Form1::ReadPath(const QString& path)
+{
+    Run([&] { static_cast<void>(Read_Path(session_, path.toStdString())); });
+}
+
+void NMR1D_Form1::ReadCommandLineFile()
+{
+    Run([this] { Read_Command_Line_File(session_); });
+}
+
+void NMR1D_Form1::RefreshAll()
+{
+    plot_->Refresh();
+    overview_->setVisible(plot_->HasSpectrum());
+    RefreshMenu();
+    RefreshToolBar();
+    RefreshDataLine();
+}
+
+void NMR1D_Form1::CycleUnit()
+{
+    if (!plot_->HasSpectrum() || !(g_.Slots[0].par.OBFRQ0PPM > 0)) return;
+    g_.settings.axis_mode_ppm = (g_.settings.axis_mode_ppm + 1) % 3;
+    g_.SettingsChanged = true;
+    RefreshAll();
+}
+
+void NMR1D_Form1::StepRow(int by)
+{
+    const int row = std::clamp(g_.CurrentRow + by, 0, std::max(0, g_.Slots[0].RowCount - 1));
+    if (row == g_.CurrentRow || !plot_->HasSpectrum() || !DataCombo->isEnabled()) return;
+    g_.CurrentRow = static_cast<std::int16_t>(row);
+    RefreshAll();
+}
+
+void NMR1D_Form1::ToggleGrid()
+{
+    m367_Click(session_);
+}
+
+void NMR1D_Form1::SetTheme(std::int32_t theme)
+{
+    g_.settings.theme = theme;
+    g_.SettingsChanged = true;
+    ApplyTheme(*qApp, theme);
+}
+
+void NMR1D_Form1::RestorePlace()
+{
+    const Settings& s = g_.settings;
+    QRect place(s.window_left, s.window_top, std::max(s.window_width, kLeastWidth),
+                std::max(s.window_height, kLeastHeight));
+    const QScreen* screen = QGuiApplication::screenAt(place.center());
+    if (screen == nullptr) screen = QGuiApplication::primaryScreen();
+    if (screen != nullptr) {
+        const QRect room = screen->availableGeometry();
+        place.setSize(place.size().boundedTo(room.size()));
+        place.moveLeft(std::clamp(place.left(), room.left(), room.right() - place.width() + 1));
+        place.moveTop(std::clamp(place.top(), room.top(), room.bottom() - place.height() + 1));
+    }
+    setGeometry(place);
+    if (s.window_state == kMaximised) setWindowState(Qt::WindowMaximized);
+}
+
+void NMR1D_Form1::StorePlace()
+{
+    const QRect place = isMaximized() ? normalGeometry() : geometry();
+    Settings& s = g_.settings;
+    s.window_state = isMaximized() ? kMaximised : kNormal;
+    s.window_left = place.left();
+    s.window_top = place.top();
+    s.window_width = place.width();
+    s.window_height = place.height();
+}
+
+void NMR1D_Form1::closeEvent(QCloseEvent* event)
+{
+    StorePlace();
+    if (running_ || !m19_Click(session_)) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+}
+
+void NMR1D_Form1::dragEnterEvent(QDragEnterEvent* event)
+{
+    const auto urls = event->mimeData()->urls();
+    if (!urls.isEmpty() && urls.constFirst().isLocalFile() && !running_) event->acceptProposedAction();
+}
+
+void NMR1D_Form1::dropEvent(QDropEvent* event)
+{
+    const auto urls = event->mimeData()->urls();
+    if (urls.isEmpty()) return;
+    const QString path = urls.constFirst().toLocalFile();
+    event->acceptProposedAction();
+    Later(this, [this, path] { ReadPath(path); });
+}
+
+void NMR1D_Form1::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_U:
+        CycleUnit();
+        return;
+    case Qt::Key_G:
+        if (actions_["m367"]->isEnabled()) ToggleGrid();
+        return;
+    case Qt::Key_PageUp:
+        StepRow(-1);
+        return;
+    case Qt::Key_PageDown:
+        StepRow(1);
+        return;
+    default:
+        QMainWindow::keyPressEvent(event);
+    }
+}
+
+void NMR1D_Form1::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && plot_ != nullptr) {
+        plot_->update();
+        overview_->update();
+    }
+}
+
+bool NMR1D_Form1::eventFilter(QObject* object, QEvent* event)
+{
+    if (object == plot_ && event->type() == QEvent::Paint && first_paint_done) {
+        const auto done = std::exchange(first_paint_done, {});
+        Later(this, done);
+    }
+    return QMainWindow::eventFilter(object, event);
+}
+
+void NMR1D_Form1::ShowPosition(const std::optional<PlotPosition>& position)
+{
+    if (!position) {
+        position_line_->clear();
+        return;
+    }
+    QString text = QStringLiteral("%1 ppm").arg(position->ppm, 0, 'f', 4);
+    if (position->has_hz) text += QStringLiteral("     %1 Hz").arg(position->hz, 0, 'f', 2);
+    if (position->on_data) text += QStringLiteral("     Intensity %1").arg(position->intensity, 0, 'g', 5);
+    position_line_->setText(text);
+}
+
+void NMR1D_Form1::RefreshDataLine()
+{
+    if (!plot_->HasSpectrum()) {
+        data_line_->clear();
+        return;
+    }
+    const ParamBlock& par = g_.Slots[0].par;
+    QStringList parts;
+    if (!par.OBNUC.empty()) parts << ToQString(par.OBNUC);
+    if (par.OBFRQ0PPM > 0) parts << QStringLiteral("%1 MHz").arg(par.OBFRQ0PPM, 0, 'f', 2);
+    if (!par.SLVNT.empty()) parts << ToQString(par.SLVNT);
+    parts << QStringLiteral("%L1 points").arg(par.POINT);
+    data_line_->setText(parts.join(QStringLiteral("   \u00b7   ")));
+}
+
+void NMR1D_Form1::BuildStatusLine()
+{
+    position_line_ = new QLabel(this);
+    position_line_->setObjectName(QStringLiteral("Position"));
+    position_line_->setContentsMargins(12, 0, 0, 0);
+    data_line_ = new QLabel(this);
+    data_line_->setObjectName(QStringLiteral("Data"));
+    data_line_->setContentsMargins(0, 0, 8, 0);
+    statusBar()->addWidget(position_line_, 1);
+    statusBar()->addPermanentWidget(data_line_);
+    statusBar()->setSizeGripEnabled(false);
+}
+
+} // namespace nmr

@@ -1,0 +1,75 @@
+#pragma once
+// The spectrum of slot 0 in the main window, and the narrow overview of its whole axis above it.
+
+#include "core/global_block.h"
+#include "layout/spectrum_scene.h"
+#include "ui/zoom_panel.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace nmr {
+
+/// What the status line says of a place in the plot.
+struct PlotPosition {
+    double ppm = 0, hz = 0;
+    bool has_hz = false;
+    double intensity = 0; ///< of the nearest point
+    bool on_data = false;
+};
+
+class PlotWidget : public ZoomPanel {
+public:
+    explicit PlotWidget(GlobalBlock& g, QWidget* parent = nullptr);
+
+    /// Data, row, settings or ViewLeft and ViewRight changed.
+    void Refresh();
+    bool HasSpectrum() const;
+    /// The whole axis, left the larger.
+    ZoomView::Range Whole() const { return view().whole(); }
+    /// Moves the shown range so that its middle lies at a position.
+    void CentreOn(double ppm);
+    std::shared_ptr<const MinMaxPyramid> pyramid() const { return pyramid_; }
+    SpectrumScene Scene() const;
+
+    std::function<void()> view_changed;
+    std::function<void(const std::optional<PlotPosition>&)> cursor_moved;
+    std::function<void()> read_asked; ///< a click into the empty plot
+
+protected:
+    PlotFrame Frame(QtCanvas& canvas) override;
+    void Draw(QtCanvas& canvas, const PlotFrame& frame) override;
+    bool GrabMark(double x) override;
+    void ViewChanged() override;
+    void CursorMoved(std::optional<QPointF> at) override;
+
+private:
+    void DrawInvitation(QtCanvas& canvas);
+    std::optional<PlotPosition> PositionAt(QPointF at) const;
+    void TakeOverView();
+
+    GlobalBlock& g_;
+    std::shared_ptr<const MinMaxPyramid> pyramid_;
+    const float* built_for_ = nullptr; ///< the row that the pyramid was built over
+    SpectrumScene scene_;
+    std::optional<QPointF> cursor_;
+};
+
+/// The whole spectrum, small, with the shown range; a drag moves the range.
+class OverviewStrip : public QWidget {
+public:
+    explicit OverviewStrip(PlotWidget& plot, QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent*) override;
+    void mousePressEvent(QMouseEvent*) override;
+    void mouseMoveEvent(QMouseEvent*) override;
+    QSize sizeHint() const override { return {400, 46}; }
+
+private:
+    PlotFrame Frame() const;
+    PlotWidget& plot_;
+};
+
+} // namespace nmr

@@ -1,0 +1,29 @@
+#include "ui/quiet_asker.h"
+
+#include "session/forms.h"
+
+#include <cstdio>
+
+namespace nmr {
+
+Button QuietAsker::Message(const MessageBox& box)
+{
+    std::fprintf(stderr, "nmr1d: %s: %s\n", box.title.c_str(), box.text.c_str());
+    failed = true;
+    return box.buttons.empty() ? Button::ok : box.buttons.back();
+}
+
+std::optional<FileChoice> QuietAsker::File(const FileDialog&)
+{
+    return std::nullopt;
+}
+
+FormAnswer QuietAsker::Form(const FormRequest& request)
+{
+    if (request.form == forms::kUserSelection) return {forms::kOk, {{forms::kName, "COMMON"}}};
+    std::fprintf(stderr, "nmr1d: %s is not answered\n", request.form.c_str());
+    failed = true;
+    return {forms::kCancel, {}};
+}
+
+} // namespace nmr
