@@ -4,7 +4,6 @@
 #include "formats/bruker.h"
 
 #include <algorithm>
-#include <array>
 
 namespace nmr {
 namespace {
@@ -84,16 +83,6 @@ const FormatRow* FindFormat(int family)
 std::span<const FileTypeRow> FileTypeTable()
 {
     return kFileTypes;
-}
-
-void SetDefaultFileTypes(GlobalBlock& g)
-{
-    constexpr std::array<std::size_t, 6> kDefaultRows{0, 1, 2, 3, 16, 0};
-    for (std::size_t slot = 1; slot < kDefaultRows.size(); ++slot) {
-        const FileTypeRow& row = kFileTypes[kDefaultRows[slot]];
-        g.FileTypeSlots[slot] = row.expression;
-        g.FileTypeNames[slot] = row.expression.empty() ? std::string() : std::string(row.description) + " File";
-    }
 }
 
 std::vector<FilterRow> OpenDialogFilters(const GlobalBlock& g)

@@ -52,7 +52,7 @@ QString RowCaption(const DataSet& set, int row)
 FftDialog::FftDialog(FftForm& logic, QWidget* parent) : QDialog(parent), logic_(logic)
 {
     setObjectName("NMR1D_Form11");
-    setWindowTitle("FFT && Phase");
+    setWindowTitle("FFT & Phase");
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(10, 10, 12, 10);
@@ -75,14 +75,18 @@ QWidget* FftDialog::MakePlots()
         panel->setMinimumSize(240, 100);
         splitter_->addWidget(panel);
     }
-    const double upper = std::clamp(logic_.block().settings.fft_gamen_ratio, 0.05, 0.95);
-    splitter_->setStretchFactor(0, 0);
-    splitter_->setStretchFactor(1, 1);
-    splitter_->setSizes(
-        {static_cast<int>(std::lround(1000 * upper)), static_cast<int>(std::lround(1000 * (1 - upper)))});
     connect(splitter_, &QSplitter::splitterMoved, this, [this] { KeepRatio(); });
     preview_->mark_moved = [this] { PhaseChanged(); };
     return splitter_;
+}
+
+void FftDialog::resizeEvent(QResizeEvent* event)
+{
+    QDialog::resizeEvent(event);
+    const double upper = std::clamp(logic_.block().settings.fft_gamen_ratio, 0.05, 0.95);
+    const int room = splitter_->height() - splitter_->handleWidth();
+    const int above = static_cast<int>(std::lround(room * upper));
+    splitter_->setSizes({above, room - above});
 }
 
 void FftDialog::KeepRatio()
@@ -319,6 +323,7 @@ void FftDialog::accept()
     progress_->setValue(0);
     progress_->setVisible(several);
     controls_->setEnabled(false);
+    splitter_->setUpdatesEnabled(false); // the rows that the plots draw from are in the making
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const Status done = logic_.Command3([&](int percent) {
         if (!several) return;
@@ -327,6 +332,7 @@ void FftDialog::accept()
     });
     QApplication::restoreOverrideCursor();
     controls_->setEnabled(true);
+    splitter_->setUpdatesEnabled(true);
     progress_->hide();
     if (done)
         QDialog::accept();

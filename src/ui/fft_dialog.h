@@ -34,6 +34,9 @@ public:
     /// "Close (Discard Present Data)" and the key Escape: with the logic's question.
     void reject() override;
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     QWidget* MakePlots();
     QWidget* MakeColumn();

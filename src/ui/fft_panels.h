@@ -21,13 +21,15 @@ protected:
 
 private:
     double Dwell() const;
+    AxisStyle Style() const;
     FftForm& logic_;
     MinMaxPyramid re_, im_, window_;
     std::size_t points_ = 0;
     double full_ = 1;
 };
 
-/// Spectrum of the shown row, with the marks "PP" and "P2" to drag.
+/// Spectrum of the shown row, with the marks "PP" and "P2" to drag. While there is no second mark,
+/// its name stands in the right corner, from where it is dragged in.
 class PreviewPanel : public ZoomPanel {
 public:
     explicit PreviewPanel(FftForm& logic, QWidget* parent = nullptr) : ZoomPanel(parent), logic_(logic) {}
@@ -42,7 +44,7 @@ protected:
     bool GrabMark(double x) override;
     void MoveMark(double x) override;
     void DropMark() override;
-    bool MarkUnder(double x) const override { return NearestMark(x) != Mark::none; }
+    bool MarkUnder(double x) const override { return NearestMark({x, cursor_y()}) != Mark::none; }
 
 private:
     enum class Mark { none, pivot, second };
@@ -53,9 +55,10 @@ private:
     };
     Axis PreviewAxis() const;
     AxisStyle Style() const;
-    Mark NearestMark(double x) const;
-    double MarkX(std::int32_t point) const;
-    void DrawMark(QtCanvas& canvas, const PlotFrame& frame, std::int32_t point, const char* name) const;
+    Mark NearestMark(PointD at) const;
+    double PointX(const PlotFrame& frame, std::int32_t point) const;
+    double SecondX(const PlotFrame& frame) const;
+    void DrawMarks(QtCanvas& canvas, const PlotFrame& frame) const;
 
     FftForm& logic_;
     MinMaxPyramid re_, im_;

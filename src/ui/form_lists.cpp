@@ -9,7 +9,7 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QListWidget>
-#include <QPlainTextEdit>
+#include <QTextEdit>
 
 namespace nmr {
 namespace {
@@ -116,9 +116,9 @@ FormAnswer NMR1D_Form93(const FormRequest& request, QWidget* parent)
     auto* list = new QListWidget(&form);
     list->setMaximumWidth(230);
     auto* texts = new QVBoxLayout;
-    auto* required = new QPlainTextEdit(&form);
-    auto* notes = new QPlainTextEdit(&form);
-    for (QPlainTextEdit* edit : {required, notes}) edit->setReadOnly(true);
+    auto* required = new QTextEdit(&form);
+    auto* notes = new QTextEdit(&form);
+    for (QTextEdit* edit : {required, notes}) edit->setReadOnly(true);
     texts->addWidget(new QLabel("Required files", &form));
     texts->addWidget(required, 2);
     texts->addWidget(new QLabel("Notes", &form));

@@ -45,6 +45,8 @@ protected:
     /// The cursor moved over the plot, or left it (nothing).
     virtual void CursorMoved(std::optional<QPointF> /*at*/) {}
 
+    /// Height of the last press or move.
+    double cursor_y() const { return cursor_y_; }
     /// Of the last paint; what mouse positions are read with.
     const PlotFrame& frame() const { return frame_; }
 
@@ -62,7 +64,7 @@ private:
     ZoomView view_;
     PlotFrame frame_;
     Drag drag_ = Drag::none;
-    double from_x_ = 0, now_x_ = 0;
+    double from_x_ = 0, now_x_ = 0, cursor_y_ = 0;
     std::optional<QPointF> cursor_;
 
     void Changed();

@@ -121,7 +121,7 @@ inline void Drag(QWidget& widget, QPointF from, QPointF to, Qt::MouseButton butt
 inline void Settle(QWidget& widget)
 {
     widget.show();
-    QCoreApplication::processEvents();
+    for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
     widget.grab();
 }
 
