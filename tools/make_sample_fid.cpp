@@ -35,14 +35,12 @@ using Complex = std::complex<double>;
 
 constexpr int kTapsPerPoint = 16;
 
-/// Impulse response of the raised cosine that falls all the way to twice the Nyquist frequency, with
-/// one half at the Nyquist frequency itself; x in points.
+/// Impulse response of the raised cosine that falls to one half at the Nyquist frequency; x in points.
 double RaisedCosine(double x)
 {
     if (x == 0) return 1;
-    const double pole = 1 - 4 * x * x;
-    if (std::abs(pole) < 1e-9) return 0.5; // the limit where sine and pole cancel
-    return std::sin(2 * kPi * x) / (2 * kPi * x) / pole;
+    const double pole = 1 - 4 * x * x; // 0 at half a point, where sine and pole cancel
+    return std::abs(pole) < 1e-9 ? 0.5 : std::sin(2 * kPi * x) / (2 * kPi * x) / pole;
 }
 
 /// Windowed raised cosine, symmetric about the group delay. Its step response hardly rings, so that the
@@ -68,24 +66,24 @@ Filter MakeFilter(double group_delay)
     return filter;
 }
 
-/// Adds one line as it leaves the filter.
+/// Adds one line as it leaves the filter, at its full height: the filter falls off within the spectrum, as
+/// one that a console would use does not, and areas must stay in the ratio of the protons.
 void AddLine(const SampleLine& line, const SampleConsole& console, const Filter& filter, std::vector<Complex>& fid)
 {
     const double offset_hz = (line.ppm - console.centre_ppm()) * console.sf_mhz();
     const Complex p(-kPi * line.width_hz / console.sweep_hz, 2.0 * kPi * offset_hz / console.sweep_hz);
-    const Complex start = std::polar(line.area * console.proton_amplitude, console.phase_deg * nmr::kDegToRad);
     std::vector<Complex> sums; // of h_j exp(-p tau_j), up to each tap
     Complex sum = 0;
     for (std::size_t j = 0; j < filter.tap.size(); ++j) {
         sum += filter.tap[j] * std::exp(-p * filter.delay[j]);
         sums.push_back(sum);
     }
-    // The receiver evens out the gain of its filter over the band, so that areas are those of the table.
-    const Complex even = start * std::exp(-p * console.group_delay) / sum;
+    const double gain = std::abs(sum * std::exp(p * console.group_delay));
+    const Complex start = std::polar(line.area * console.proton_amplitude / gain, console.phase_deg * nmr::kDegToRad);
     std::size_t filled = 0;
     for (std::size_t n = 0; n < fid.size(); ++n) {
         while (filled < sums.size() && filter.delay[filled] <= static_cast<double>(n)) ++filled;
-        if (filled > 0) fid[n] += even * std::exp(p * static_cast<double>(n)) * sums[filled - 1];
+        if (filled > 0) fid[n] += start * std::exp(p * static_cast<double>(n)) * sums[filled - 1];
     }
 }
 
