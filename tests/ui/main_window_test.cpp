@@ -287,6 +287,22 @@ TEST(MainWindow, TheSheetListsEveryShortcut)
     }
 }
 
+// To look at: set NMR1D_SHOTS to a folder.
+TEST(MainWindow, Pictures)
+{
+    if (ShotFolder().isEmpty()) GTEST_SKIP() << "NMR1D_SHOTS is not set";
+    WindowRig rig(3);
+    rig.g.settings.display_grid = 1;
+    for (const int theme : {1, 2}) {
+        rig.window->SetTheme(theme);
+        SetMagnification(rig.g.Slots[0], 1);
+        QCoreApplication::processEvents();
+        rig.window->RefreshAll();
+        Mouse(rig.window->plot(), QEvent::MouseMove, {300, 100}, Qt::NoButton);
+        EXPECT_TRUE(rig.window->grab().save(ShotFolder() + QStringLiteral("/main-rows-%1.png").arg(theme)));
+    }
+}
+
 TEST(QtAsker, ShowsTextTitleAndButtonsToTheLetter)
 {
     App();
