@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "formats/bruker.h"
 #include "formats/jcamp.h"
+#include "formats/varian.h"
 
 #include <algorithm>
 
@@ -21,7 +22,7 @@ constexpr FormatRow kRows[] = {
     {3, "JEOL Delta", "*.jdf", "ECP1", "ECP2D", "ECP2F", kAsTransformed},
     {4, "Bruker directory", "fid, ser, 1r (acqus, procs)", "BRU1", "BRU2D", "BRU2F", kOpposite, ReadBruker},
     {5, "JEOL Alpha", "*.nmf, *.nmd", "ALPHA1", "ALPHA2D", "ALPHA2F", kAsTransformed},
-    {6, "Varian", "fid, data, phasefile (procpar, curpar)", "VAR1", "VAR2D", "VAR2F", kAsTransformed},
+    {6, "Varian", "fid, data, phasefile (procpar, curpar)", "VAR1", "VAR2D", "VAR2F", kAsTransformed, ReadVarian},
     {7, "Nuts", "*.fid, *.h1, *.c13", "NUTS1", "NUTS2D", "NUTS2F", kAsTransformed},
     {8, "Bruker flat files", "*.fid (*.aqs), *.1r (*.fqs)", "BRUX1D", "BRUX2D", "BRUX2F", kOpposite, ReadBruker},
     {9, "Varian CMX", "data (acq, acq_2, proc)", "CMX1", "", "", kOpposite},
