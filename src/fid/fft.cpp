@@ -149,7 +149,7 @@ void FFT_Block(RowArray<float>& re, RowArray<float>& im, std::int32_t n, Conjuga
 
 std::string_view FFT_Vector_Set()
 {
-    return FFT_Path_Name(FFT_Path::plain);
+    return FFT_Path_Name(BestPath());
 }
 
 } // namespace nmr

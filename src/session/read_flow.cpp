@@ -7,6 +7,7 @@
 #include "formats/bruker.h"
 #include "formats/detect.h"
 #include "formats/registry.h"
+#include "formats/varian.h"
 #include "session/display_scope.h"
 #include "session/fft_form.h"
 #include "session/fid_intake.h"
@@ -25,6 +26,7 @@ constexpr char kWhere[] = "NMR1D_m11_Click/1DF1";
 constexpr int kFileNotFound = 53; // run-time error number
 constexpr float kReadYFill = 0.95F;
 constexpr int kBrukerDirectory = 4;
+constexpr int kVarian = 6;
 // The two native families carry their own display range.
 constexpr int kNativeVer3 = 11;
 constexpr int kNativeVer4 = 12;
@@ -272,6 +274,12 @@ Status FillSlot(Session& s, const Candidate& found, bool& fid_overwritten)
     return transformed ? Status() : Refuse(s.asker, transformed.error());
 }
 
+void LeaveDummy(const FileType& type)
+{
+    if (FamilyOf(type.code) == kBrukerDirectory) LeaveBrukerDummy(type);
+    if (FamilyOf(type.code) == kVarian) LeaveVarianDummy(type);
+}
+
 void RememberFile(Session& s, const Candidate& found)
 {
     GlobalBlock& g = s.g;
@@ -279,7 +287,7 @@ void RememberFile(Session& s, const Candidate& found)
     g.settings.access_read_dir = g.LastDirs[0];
     ClaimFile(g, found.file);
     AddRecentFile(g, found.file);
-    if (s.may_leave_dummy_files && g.FormatIndex == kBrukerDirectory) LeaveBrukerDummy(found.type);
+    if (s.may_leave_dummy_files) LeaveDummy(found.type);
     ShowTitle(s, found.file);
 }
 

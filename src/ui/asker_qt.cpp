@@ -72,6 +72,7 @@ QString FilterText(const FilterRow& row)
 
 Button QtAsker::Message(const MessageBox& box)
 {
+    if (before_question_) before_question_();
     if (box.beep) Beep();
     QMessageBox window(parent_);
     window.setIcon(ToQt(box.icon));
@@ -88,6 +89,7 @@ Button QtAsker::Message(const MessageBox& box)
 
 std::optional<FileChoice> QtAsker::File(const FileDialog& dialog)
 {
+    if (before_question_) before_question_();
     QFileDialog window(parent_, ToQString(dialog.title), ToQString(dialog.folder));
     SetMode(window, dialog.kind);
     const QStringList filters = FilterTexts(dialog);
@@ -104,6 +106,7 @@ std::optional<FileChoice> QtAsker::File(const FileDialog& dialog)
 
 FormAnswer QtAsker::Form(const FormRequest& request)
 {
+    if (before_question_) before_question_();
     if (const FormFunction show = FindForm(request.form)) return show(request, parent_);
     // Never taken for a yes: a form that is missing must not decide anything.
     std::fprintf(stderr, "nmr1d: there is no form %s\n", request.form.c_str());

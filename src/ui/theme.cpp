@@ -2,8 +2,7 @@
 
 #include <QApplication>
 #include <QPalette>
-#include <QStyle>
-#include <QStyleFactory>
+#include <QProxyStyle>
 
 namespace nmr {
 namespace {
@@ -45,6 +44,17 @@ QPalette MakePalette(const Tones& tones)
     return p;
 }
 
+/// Fusion, without pictures on the buttons of dialogs.
+class QuietStyle : public QProxyStyle {
+public:
+    QuietStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override
+    {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
 /// What the desktop handed over, before any palette of our own.
 bool DesktopIsDark()
 {
@@ -57,8 +67,7 @@ bool DesktopIsDark()
 void ApplyTheme(QApplication& app, std::int32_t theme)
 {
     const bool desktop_dark = DesktopIsDark();
-    if (app.style()->objectName().compare(QLatin1String("fusion"), Qt::CaseInsensitive) != 0)
-        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    if (dynamic_cast<QuietStyle*>(app.style()) == nullptr) QApplication::setStyle(new QuietStyle);
     const bool dark = theme == 2 || (theme != 1 && desktop_dark);
     QApplication::setPalette(MakePalette(dark ? kDark : kLight));
 }

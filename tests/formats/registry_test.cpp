@@ -47,7 +47,7 @@ TEST(Registry, FiltersOfTheOpenDialog)
 
     GlobalBlock g;
     EXPECT_EQ(Text(OpenDialogFilters(g)), "Ver.3/4 Type(*.tv1;*.tvo*)|All File(*.*)|");
-    SetDefaultFileTypes(g);
+    g.FileTypeSlots = {"", "*.als", "*.jdf", "*.gxd*", "*.jdx;*.dx", ""};
     EXPECT_EQ(Text(OpenDialogFilters(g)),
               "Ver.3/4 Type(*.tv1;*.tvo*)|JEOL Alice2(Excalibur) File(*.als)|JEOL Delta(ECA/ECP) File(*.jdf)|"
               "JEOL GX/GSX/EX File(*.gxd*)|JCAMP File(*.jdx;*.dx)|All File(*.*)|");

@@ -5,15 +5,23 @@
 #include <QGuiApplication>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
 namespace {
 
+/// What a desktop would offer and a batch does not need is no news for its user.
+void OnlyFaults(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg) std::fprintf(stderr, "%s\n", qPrintable(text));
+}
+
 /// Pictures need fonts but no display.
 void EnsureApplication()
 {
     if (QCoreApplication::instance() != nullptr) return;
+    qInstallMessageHandler(OnlyFaults);
     static int argc = 3;
     static char name[] = "nmr1d-cli", option[] = "-platform", platform[] = "offscreen";
     static char* argv[] = {name, option, platform, nullptr};
