@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "formats/bruker.h"
 #include "formats/cmx.h"
+#include "formats/csv.h"
 #include "formats/delta.h"
 #include "formats/jcamp.h"
 #include "formats/varian.h"
@@ -15,7 +16,7 @@ namespace {
 constexpr FidSense kOpposite = FidSense::opposite;
 constexpr FidSense kAsTransformed = FidSense::as_transformed;
 
-// FID sense: shown on pairs of FID and vendor spectrum for Bruker, Varian and Delta, taken from other
+// FID sense: shown on pairs of FID and spectrum for Bruker, Varian, Delta and text, taken from other
 // readers' handling for CMX. JCAMP-DX FIDs have the sense of Bruker data; its reader turns those of JEOL.
 constexpr FormatRow kRows[] = {
     {0, "JEOL Alice", "*.als", "ALS1", "ALS2D", "ALS2F", kAsTransformed},
@@ -32,7 +33,7 @@ constexpr FormatRow kRows[] = {
     {11, "Native Ver.3", "*.tv1", "TAVO1", "TAVO2D", "TAVO2F", kAsTransformed},
     {12, "Native Ver.4", "*.tvo, *.tvo1", "TAVO1_V4", "TAVO2D_V4", "TAVO2D_V4", kAsTransformed},
     {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kOpposite, ReadDataJCAMP},
-    {14, "CSV", "*.csv, *.txt, *.dat, *.asc", "CSV1", "", "", kAsTransformed},
+    {14, "CSV", "*.csv, *.txt, *.dat, *.asc", "CSV1", "", "", kOpposite, ReadDataCSV, true},
     {15, "MSL/Aspect", "*.msl", "MSL1", "MSL2D", "MSL2F", kAsTransformed},
     {16, "Siemens/DICOM", "*.ima, *.dcm", "SIEMENS", "", "", kAsTransformed},
     {17, "Mac Alice", "*.import", "MAC1", "MAC2D", "MAC2F", kAsTransformed},
