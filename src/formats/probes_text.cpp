@@ -4,6 +4,7 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
+#include "formats/key_values.h"
 #include "formats/probes.h"
 
 #include <algorithm>
@@ -217,15 +218,6 @@ ExValues LineHeader(LineReader& reader)
     return values;
 }
 
-/// The value of a key in a file of "key value" lines.
-std::optional<std::string> FindKey(ByteSpan head, std::string_view wanted)
-{
-    LineReader reader(head);
-    for (std::string line, key, value; !(line = reader.Read_TextLine()).empty();)
-        if (Split_KeyValue(line, key, value) && EqualsNoCase(key, wanted)) return value;
-    return std::nullopt;
-}
-
 } // namespace
 
 ProbeAnswer ReadModeBruker(ByteSpan head, const ProbeContext&)
@@ -270,16 +262,18 @@ ProbeAnswer ReadModeEX(ByteSpan head, const ProbeContext&)
 ProbeAnswer ReadModeGEOmega(ByteSpan head, const ProbeContext&)
 {
     constexpr double kMostRows = 128;
-    const auto text = FindKey(head, "DIM1");
-    const auto rows = text ? ParseNumber(*text) : std::nullopt;
+    const KeyValues keys = KeyValues::Parse(head);
+    const std::string* text = keys.Find("DIM1");
+    const auto rows = text != nullptr ? ParseNumber(*text) : std::nullopt;
     if (!rows) return Failed();
     return Found(*rows < kMostRows ? "1D" : "V2D", false);
 }
 
 ProbeAnswer ReadModeCMX(ByteSpan head, const ProbeContext&)
 {
-    const auto experiment = FindKey(head, "PPFN");
-    if (!experiment) return Failed();
+    const KeyValues acq = KeyValues::Parse(head);
+    const std::string* experiment = acq.Find("PPFN");
+    if (experiment == nullptr) return Failed();
     return Found("1D:" + *experiment, false);
 }
 

@@ -166,7 +166,18 @@ void PreviewPanel::Refresh()
     const Axis axis = PreviewAxis();
     const double n = static_cast<double>(points);
     view().SetWhole({axis.first + n * axis.step, axis.first});
+    low_share_ = LowShare();
     update();
+}
+
+double PreviewPanel::LowShare() const
+{
+    const double full = static_cast<double>(logic_.block().Slots[0].par.DispLeft);
+    if (re_.size() < 1 || !(full > 0)) return 0.25;
+    const double needed = -1.08 * static_cast<double>(re_.Limits().low) / full;
+    for (const double share : {0.25, 0.6})
+        if (needed <= share) return share;
+    return 1.08;
 }
 
 PlotFrame PreviewPanel::Frame(QtCanvas& canvas)
@@ -178,7 +189,7 @@ PlotFrame PreviewPanel::Frame(QtCanvas& canvas)
     const auto& par = logic_.block().Slots[0].par;
     const double full = par.DispLeft > 0 ? static_cast<double>(par.DispLeft) : 1;
     frame.high = 1.08 * full / view().magnification();
-    frame.low = -0.25 * full / view().magnification();
+    frame.low = -low_share_ * full / view().magnification();
     return frame;
 }
 

@@ -84,6 +84,10 @@ private:
     double SecondX(const PlotFrame& frame) const;
     void DrawMarks(QtCanvas& canvas, const PlotFrame& frame) const;
 
+    /// Share of the full height that is kept below zero: in steps, so that the plot stands still while
+    /// a phase is turned, and so large that upside-down lines are whole.
+    double LowShare() const;
+    double low_share_ = 0.25;
     FftForm& logic_;
     SeenRow re_, im_;
     Mark grabbed_ = Mark::none;

@@ -3,8 +3,10 @@
 #include "formats/detect.h"
 
 #include "formats/family_samples.h"
+#include "formats/key_values.h"
 #include "formats/probes.h"
 #include "formats/steady_asker.h"
+#include "formats/varian_procpar.h"
 #include "support/files.h"
 #include "support/scripted_asker.h"
 
