@@ -125,7 +125,9 @@ struct ScriptedTransform {
     std::string operator()(FftForm& form)
     {
         GlobalBlock& g = form.block();
-        if (options.row <= g.Slots[0].RowCount) form.SetRow(static_cast<std::int16_t>(options.row - 1));
+        const auto row = static_cast<std::int16_t>(options.row - 1);
+        // The form has transformed and phased the row that it shows already.
+        if (row != g.CurrentRow && row < g.Slots[0].RowCount) form.SetRow(row);
         status = ApplyOptions(form, options);
         if (!status) return "CANCEL";
         used = {true, static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), g.PivotPoint};
