@@ -30,13 +30,6 @@ Error Refused(ErrorCode code, std::string text)
     return Error{code, kWhere, std::move(text)};
 }
 
-/// The words of a table that can't be used; the reason goes to the status line.
-Error InvalidData(Asker& asker, ErrorCode code, std::string reason)
-{
-    asker.Message({.text = "Invalid Data", .title = "Data Error", .beep = true});
-    return Refused(code, std::move(reason));
-}
-
 // ---- from the table to rows of points
 
 /// The points of a table, before they have a place in the slot.
@@ -382,8 +375,7 @@ Status ReadBlock(const ReadRequest& request, std::string_view text)
     std::string_view first;
     lines.Next(first);
     const CsvHead head = ReadCsvHead(lines, request.g.nuclides, set);
-    if (!head.ended)
-        return InvalidData(request.asker, ErrorCode::truncated, "The head has no $END: the file holds no points");
+    if (!head.ended) return Refused(ErrorCode::truncated, "Invalid Data: the head has no $END, so there are no points");
     const CsvSight sight = LookAtCsv(lines.rest());
     auto table = CsvTable::Parse(lines.rest(), sight.text, 0);
     if (!table) return table.error();
@@ -411,7 +403,7 @@ Status ReadTable(const ReadRequest& request, std::string_view text)
 {
     const CsvChoice found = ProposeCsv(text);
     if (found.lines == 0)
-        return InvalidData(request.asker, ErrorCode::bad_format, "The file begins with no number and no $CSVSTART");
+        return Refused(ErrorCode::bad_format, "Invalid Data: neither a table of numbers nor $CSVSTART");
     const FormAnswer answer = request.asker.Form({kCsvForm, found.ToValues()});
     if (answer.dialog_result != "OK") return Refused(ErrorCode::cancelled, "Cancelled");
     const CsvChoice choice(answer.values);
