@@ -11,17 +11,17 @@
 
 namespace {
 
-/// What a desktop would offer and a batch does not need is no news for its user.
-void OnlyFaults(QtMsgType type, const QMessageLogContext&, const QString& text)
+/// A batch machine has no session, and what the toolkit has to say of that concerns no picture.
+void DropSessionWarnings(QtMsgType, const QMessageLogContext&, const QString& text)
 {
-    if (type == QtCriticalMsg || type == QtFatalMsg) std::fprintf(stderr, "%s\n", qPrintable(text));
+    if (!text.startsWith(QLatin1String("QStandardPaths:"))) std::fprintf(stderr, "%s\n", qPrintable(text));
 }
 
 /// Pictures need fonts but no display.
 void EnsureApplication()
 {
     if (QCoreApplication::instance() != nullptr) return;
-    qInstallMessageHandler(OnlyFaults);
+    qInstallMessageHandler(DropSessionWarnings);
     static int argc = 3;
     static char name[] = "nmr1d-cli", option[] = "-platform", platform[] = "offscreen";
     static char* argv[] = {name, option, platform, nullptr};
