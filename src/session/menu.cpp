@@ -15,6 +15,10 @@ constexpr MenuRow kRows[] = {
     {"m102", "NMR_m1", "Delete History", "", false, false, m102_Click},
     {kExitControl, "NMR_m1", "Exit", "Ctrl+Q", kSeparator},
 
+    {"m2", "", "Edit", ""},
+    {"m20", "m2", "UnDo", "Ctrl+Z", false, false, m20_Click},
+    {kRedoControl, "m2", "ReDo", "Ctrl+Shift+Z", false, false, ReDo_Click},
+
     {"m3", "", "Display/Environment", ""},
     {"m31", "m3", "Display Area", "", false, false, m31_Click},
     {"m30", "m3", "Set Grid", "", false, false, m30_Click},

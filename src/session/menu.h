@@ -26,12 +26,15 @@ struct MenuRow {
 std::span<const MenuRow> MenuRows();
 inline constexpr char kExitControl[] = "m19";
 inline constexpr char kRecentControl[] = "RecentFile";
+inline constexpr char kRedoControl[] = "m20_ReDo";
 
 // Commands.
 void NMR1D_m11_Command(Session& s); ///< Read
 void m121_Click(Session& s);        ///< File Type definition
 void m47_Click(Session& s);         ///< About Processable Files
 void m102_Click(Session& s);        ///< Delete History
+void m20_Click(Session& s);         ///< UnDo
+void ReDo_Click(Session& s);        ///< ReDo
 void m31_Click(Session& s);         ///< Display Area
 void m30_Click(Session& s);         ///< Set Grid
 void m35_Click(Session& s);         ///< Show All Data
