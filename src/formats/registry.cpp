@@ -13,7 +13,7 @@ constexpr FidSense kOpposite = FidSense::opposite;
 constexpr FidSense kAsTransformed = FidSense::as_transformed;
 
 // FID sense: shown on pairs of FID and vendor spectrum for Bruker, Varian and Delta, taken from other
-// readers' handling for CMX. JCAMP-DX FIDs have the sense of Bruker data; its reader turns those of JEOL.
+// readers' handling for CMX. JCAMP-DX has the sense of the program that exported the file: its reader turns FIDs.
 constexpr FormatRow kRows[] = {
     {0, "JEOL Alice", "*.als", "ALS1", "ALS2D", "ALS2F", kAsTransformed},
     {1, "JEOL GX/GSX/EX", "*.gxd (*.gxp)", "GXD1", "GXD2D", "GXD2F", kAsTransformed},
@@ -28,7 +28,7 @@ constexpr FormatRow kRows[] = {
     {10, "GE Omega", "*.fid (*.hed)", "GE1", "GE2D", "GE2F", kAsTransformed},
     {11, "Native Ver.3", "*.tv1", "TAVO1", "TAVO2D", "TAVO2F", kAsTransformed},
     {12, "Native Ver.4", "*.tvo, *.tvo1", "TAVO1_V4", "TAVO2D_V4", "TAVO2D_V4", kAsTransformed},
-    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kOpposite, ReadDataJCAMP},
+    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kAsTransformed, ReadDataJCAMP},
     {14, "CSV", "*.csv, *.txt, *.dat, *.asc", "CSV1", "", "", kAsTransformed},
     {15, "MSL/Aspect", "*.msl", "MSL1", "MSL2D", "MSL2F", kAsTransformed},
     {16, "Siemens/DICOM", "*.ima, *.dcm", "SIEMENS", "", "", kAsTransformed},
