@@ -360,11 +360,11 @@ private:
         set_.RowCount = 1;
         if (Status made = AllocateSpecBuffer(request_.g, par_.POINT, request_.slot); !made) return made;
         StoreRow(re_, columns_.re_factor * Scale(), set_.spec.DataRe[0]);
-        StoreRow(im_, columns_.im_factor * Scale() * (is_fid_ && !TurnsAsJeol() ? -1 : 1), set_.spec.DataIm[0]);
+        StoreRow(im_, columns_.im_factor * Scale() * (TurnsAsJeol() ? -1 : 1), set_.spec.DataIm[0]);
         return {};
     }
 
-    /// As the transform wants a FID. All others turn as Bruker data do and are turned round.
+    /// The registry's row holds for Bruker data and for programs that say nothing.
     bool TurnsAsJeol() const
     {
         if (!is_fid_ || block_.has_bruker) return false;

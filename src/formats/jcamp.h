@@ -12,8 +12,7 @@
 //   0 ppm frequency in its place would put the lines of a 13C spectrum up to 0.03 ppm aside.
 // - Most axes fall. The carrier stands in the middle of the spectrum, so the 0 ppm frequency follows
 //   from the first point by half a width up or down, as the axis runs.
-// - FIDs of JEOL instruments turn the other way round than those of all other programs. All are handed
-//   over in the sense of JEOL data, which the transform asks for.
+// - FIDs of JEOL instruments turn the other way round than those of all other programs.
 // - The block of a LINK file that holds the spectrum may be its third; lists of peaks and structures
 //   stand before it, under the same data type.
 

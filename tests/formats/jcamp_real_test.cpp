@@ -89,7 +89,7 @@ struct FidCase {
     double mhz;
     std::int32_t points;
     double sweep_hz;
-    double re_factor, im_factor; ///< a negative one: stored in the sense of JEOL data
+    double re_factor, im_factor; ///< a negative one: handed over in the sense of Bruker data
     LineUnit unit;
     double line; ///< the tallest line of the spectrum
     double first[8];
@@ -179,13 +179,13 @@ TEST_F(RealJcamp, SpectraStandWhereTheirLinesAre)
     }
 }
 
-/// Largest amplitude within `reach` Hz of a frequency, in the sense of the transform.
+/// Largest amplitude within `reach` Hz of a frequency.
 double Tallest(const DataSet& set, double hz, double reach)
 {
     const double step = 0.3 * static_cast<double>(set.par.FREQU) / set.par.FIDPoints;
     double tallest = 0;
     for (double off = -reach; off <= reach; off += step)
-        tallest = std::max(tallest, std::abs(Amplitude(set, -(hz + off), 0)));
+        tallest = std::max(tallest, std::abs(Amplitude(set, hz + off, 0)));
     return tallest;
 }
 
@@ -200,7 +200,7 @@ TEST_F(RealJcamp, FidsTurnTheRightWay)
         const ParamBlock& par = read->par();
         EXPECT_EQ(par.SMODE, 0);
         EXPECT_NEAR(par.FREQU, c.sweep_hz, 2e-6 * c.sweep_hz);
-        ExpectFirst(*read, c.first, c.re_factor, -c.im_factor); // the transform negates it once more
+        ExpectFirst(*read, c.first, c.re_factor, c.im_factor);
         const double centre_ppm = (par.ObsCenter - par.FileRefMHz) / par.FileRefMHz * 1e6;
         const double hz = c.unit == LineUnit::hz ? c.line : (c.line - centre_ppm) * par.FileRefMHz;
         // Not mirrored, and the tallest of its neighbourhood.

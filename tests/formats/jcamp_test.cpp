@@ -126,9 +126,9 @@ TEST(Jcamp, FidsArePaddedTurnedAndTimed)
         float sign; ///< of the imaginary part as handed over
         bool warned;
     } cases[] = {
-        {"Bruker system", Fid(), -1, false},          {"Bruker block", Fid(bruker, "?"), -1, false},
-        {"JEOL block", Fid(jeol, "?"), 1, false},   {"JEOL system", Fid("", "JEOL GX 400"), 1, false},
-        {"unknown", Fid("", "home-built"), -1, true},
+        {"Bruker system", Fid(), 1, false},          {"Bruker block", Fid(bruker, "?"), 1, false},
+        {"JEOL block", Fid(jeol, "?"), -1, false},   {"JEOL system", Fid("", "JEOL GX 400"), -1, false},
+        {"unknown", Fid("", "home-built"), 1, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -160,7 +160,7 @@ TEST(Jcamp, ListsOfColumnsMayHaveDecimalCommas)
     ASSERT_TRUE(commas.status);
     EXPECT_NEAR(commas.par().FREQU, 1000, 1e-3);
     EXPECT_EQ(commas.set().spec.DataRe[0][3], 32.5F);
-    EXPECT_EQ(commas.set().spec.DataIm[0][3], -14.0F);
+    EXPECT_EQ(commas.set().spec.DataIm[0][3], 14.0F);
     // No blanks behind the commas, and the columns in another order.
     text = Replaced(Fid(), "##SYMBOL=X, R, I, N", "##SYMBOL=N,I,R,X");
     text = Replaced(text, "##VAR_DIM=4, 4, 4, 2", "##VAR_DIM=2,4,4,4");
@@ -171,7 +171,7 @@ TEST(Jcamp, ListsOfColumnsMayHaveDecimalCommas)
     const JcampRead turned(text);
     ASSERT_TRUE(turned.status);
     EXPECT_NEAR(turned.par().FREQU, 1000, 1e-3);
-    EXPECT_EQ(turned.set().spec.DataIm[0][3], -12.0F);
+    EXPECT_EQ(turned.set().spec.DataIm[0][3], 12.0F);
 }
 
 TEST(Jcamp, PrivateKeysComeInTheUnitsOfTheFields)
