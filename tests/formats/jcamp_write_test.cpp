@@ -238,6 +238,23 @@ TEST(JcampWriter, HeadHasItsOrderAndSpelling)
     EXPECT_EQ(two.records.at("DATA TABLE"), "(X++(R..R)), XYDATA");
 }
 
+TEST(JcampWriter, NoCutOfAWrittenFileIsSilent)
+{
+    const auto g = std::make_unique<GlobalBlock>();
+    Fill(*g, {"small", 64, -1, 0.1, 400, 1});
+    for (const auto& whole : {JcampText(g->Slots[0], 0), JcampPagesText(g->Slots[0], 0)}) {
+        ASSERT_TRUE(whole);
+        const JcampRead full(*whole);
+        for (std::size_t length = 0; length < whole->size(); length += length < 1500 ? 7 : 1) {
+            const JcampRead cut(std::string_view(*whole).substr(0, length));
+            if (!cut.status) continue;
+            const bool same = std::ranges::equal(full.set().spec.DataRe.all(), cut.set().spec.DataRe.all()) &&
+                              std::ranges::equal(full.set().spec.DataIm.all(), cut.set().spec.DataIm.all());
+            EXPECT_TRUE(same || !cut.set().Warnings.empty()) << "cut at " << length;
+        }
+    }
+}
+
 TEST(JcampWriter, WhatIsNoSpectrumIsRefused)
 {
     TempFolder folder;
