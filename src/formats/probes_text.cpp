@@ -4,6 +4,7 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
+#include "formats/csv_table.h"
 #include "formats/key_values.h"
 #include "formats/probes.h"
 
@@ -237,12 +238,12 @@ ProbeAnswer ReadModeJCAMP(ByteSpan head, const ProbeContext&)
 
 ProbeAnswer ReadModeCSV(ByteSpan head, const ProbeContext& context)
 {
-    std::string text(reinterpret_cast<const char*>(head.data()), head.size());
-    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3); // byte order mark
-    const std::string_view line = std::string_view(text).substr(0, text.find_first_of("\r\n"));
-    // Columns are separated by commas; tables with tabs or semicolons are told apart by the reader.
+    const std::string_view text =
+        WithoutMark(std::string_view(reinterpret_cast<const char*>(head.data()), head.size()));
+    const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
+    // A table may stand behind lines of words; which separator it has is the reader's to find out.
     const std::string_view field = Trim(line.substr(0, line.find_first_of(",;\t")));
-    if (ParseNumber(field) || line.starts_with("$CSVSTART")) return Found("1D:", false);
+    if (ParseNumber(field) || line.starts_with("$CSVSTART") || IsCsvTable(text)) return Found("1D:", false);
     context.asker.Message({.text = "Invalid Data", .title = "Data Error"});
     return Failed(1);
 }

@@ -3,11 +3,12 @@
 #include "core/text.h"
 #include "formats/bruker.h"
 #include "formats/cmx.h"
+#include "formats/csv.h"
 #include "formats/delta.h"
+#include "formats/jcamp.h"
 #include "formats/varian.h"
 
 #include <algorithm>
-#include <array>
 
 namespace nmr {
 namespace {
@@ -15,8 +16,8 @@ namespace {
 constexpr FidSense kOpposite = FidSense::opposite;
 constexpr FidSense kAsTransformed = FidSense::as_transformed;
 
-// FID sense: shown on pairs of FID and vendor spectrum for Bruker, Varian and Delta, taken from other
-// readers' handling for CMX. JCAMP-DX has the sense of the program that exported the file.
+// FID sense: shown on pairs of FID and spectrum for Bruker, Varian, Delta and text, taken from other
+// readers' handling for CMX. JCAMP-DX FIDs have the sense of Bruker data; its reader turns those of JEOL.
 constexpr FormatRow kRows[] = {
     {0, "JEOL Alice", "*.als", "ALS1", "ALS2D", "ALS2F", kAsTransformed},
     {1, "JEOL GX/GSX/EX", "*.gxd (*.gxp)", "GXD1", "GXD2D", "GXD2F", kAsTransformed},
@@ -31,8 +32,8 @@ constexpr FormatRow kRows[] = {
     {10, "GE Omega", "*.fid (*.hed)", "GE1", "GE2D", "GE2F", kAsTransformed},
     {11, "Native Ver.3", "*.tv1", "TAVO1", "TAVO2D", "TAVO2F", kAsTransformed},
     {12, "Native Ver.4", "*.tvo, *.tvo1", "TAVO1_V4", "TAVO2D_V4", "TAVO2D_V4", kAsTransformed},
-    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kAsTransformed},
-    {14, "CSV", "*.csv, *.txt, *.dat, *.asc", "CSV1", "", "", kAsTransformed},
+    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kOpposite, ReadDataJCAMP},
+    {14, "CSV", "*.csv, *.txt, *.dat, *.asc", "CSV1", "", "", kOpposite, ReadDataCSV, true},
     {15, "MSL/Aspect", "*.msl", "MSL1", "MSL2D", "MSL2F", kAsTransformed},
     {16, "Siemens/DICOM", "*.ima, *.dcm", "SIEMENS", "", "", kAsTransformed},
     {17, "Mac Alice", "*.import", "MAC1", "MAC2D", "MAC2F", kAsTransformed},
@@ -87,16 +88,6 @@ const FormatRow* FindFormat(int family)
 std::span<const FileTypeRow> FileTypeTable()
 {
     return kFileTypes;
-}
-
-void SetDefaultFileTypes(GlobalBlock& g)
-{
-    constexpr std::array<std::size_t, 6> kDefaultRows{0, 1, 2, 3, 16, 0};
-    for (std::size_t slot = 1; slot < kDefaultRows.size(); ++slot) {
-        const FileTypeRow& row = kFileTypes[kDefaultRows[slot]];
-        g.FileTypeSlots[slot] = row.expression;
-        g.FileTypeNames[slot] = row.expression.empty() ? std::string() : std::string(row.description) + " File";
-    }
 }
 
 std::vector<FilterRow> OpenDialogFilters(const GlobalBlock& g)

@@ -45,9 +45,6 @@ struct FileTypeRow {
 };
 std::span<const FileTypeRow> FileTypeTable();
 
-/// The five slots of the dialog as they stand before the user changes them.
-void SetDefaultFileTypes(GlobalBlock& g);
-
 /// Seven filter rows at most: Ver.3/4 first, the five slots, all files last.
 std::vector<FilterRow> OpenDialogFilters(const GlobalBlock& g);
 

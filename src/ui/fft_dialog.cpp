@@ -4,12 +4,14 @@
 #include "fid/window.h"
 #include "ui/fft_controls.h"
 #include "ui/form_parts.h"
+#include "ui/help_sheet.h"
 #include "ui/window_dialog.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
@@ -52,7 +54,7 @@ QString RowCaption(const DataSet& set, int row)
 FftDialog::FftDialog(FftForm& logic, QWidget* parent) : QDialog(parent), logic_(logic)
 {
     setObjectName("NMR1D_Form11");
-    setWindowTitle("FFT && Phase");
+    setWindowTitle("FFT & Phase");
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(10, 10, 12, 10);
@@ -62,6 +64,7 @@ FftDialog::FftDialog(FftForm& logic, QWidget* parent) : QDialog(parent), logic_(
     row->addWidget(controls_);
     const QSize room = screen()->availableSize();
     resize(std::min(1180, room.width() * 95 / 100), std::min(780, room.height() * 90 / 100));
+    preview_->setFocus(); // its keys work at once; those that it leaves are the form's
     TransformChanged();
 }
 
@@ -75,14 +78,26 @@ QWidget* FftDialog::MakePlots()
         panel->setMinimumSize(240, 100);
         splitter_->addWidget(panel);
     }
-    const double upper = std::clamp(logic_.block().settings.fft_gamen_ratio, 0.05, 0.95);
-    splitter_->setStretchFactor(0, 0);
-    splitter_->setStretchFactor(1, 1);
-    splitter_->setSizes(
-        {static_cast<int>(std::lround(1000 * upper)), static_cast<int>(std::lround(1000 * (1 - upper)))});
     connect(splitter_, &QSplitter::splitterMoved, this, [this] { KeepRatio(); });
     preview_->mark_moved = [this] { PhaseChanged(); };
     return splitter_;
+}
+
+void FftDialog::resizeEvent(QResizeEvent* event)
+{
+    QDialog::resizeEvent(event);
+    const double upper = std::clamp(logic_.block().settings.fft_gamen_ratio, 0.05, 0.95);
+    const int room = splitter_->height() - splitter_->handleWidth();
+    const int above = static_cast<int>(std::lround(room * upper));
+    splitter_->setSizes({above, room - above});
+}
+
+void FftDialog::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_F1)
+        ShowHelpSheet(this);
+    else
+        QDialog::keyPressEvent(event);
 }
 
 void FftDialog::KeepRatio()
@@ -271,7 +286,6 @@ void FftDialog::AddFoot(QBoxLayout& column)
     column.addWidget(progress_);
     column.addWidget(complete);
     column.addWidget(close);
-    complete->setFocus();
 }
 
 // ---- what happens
@@ -319,6 +333,7 @@ void FftDialog::accept()
     progress_->setValue(0);
     progress_->setVisible(several);
     controls_->setEnabled(false);
+    splitter_->setUpdatesEnabled(false); // the rows that the plots draw from are in the making
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const Status done = logic_.Command3([&](int percent) {
         if (!several) return;
@@ -327,6 +342,7 @@ void FftDialog::accept()
     });
     QApplication::restoreOverrideCursor();
     controls_->setEnabled(true);
+    splitter_->setUpdatesEnabled(true);
     progress_->hide();
     if (done)
         QDialog::accept();

@@ -34,6 +34,10 @@ public:
     /// "Close (Discard Present Data)" and the key Escape: with the logic's question.
     void reject() override;
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     QWidget* MakePlots();
     QWidget* MakeColumn();

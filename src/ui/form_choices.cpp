@@ -50,13 +50,20 @@ FormAnswer NMR1D_Form23(const FormRequest&, QWidget* parent)
 FormAnswer NMR1D_Form20(const FormRequest& request, QWidget* parent)
 {
     PlainForm form("Multi(Array) Data", parent);
-    form.AddText(Qs("The file holds " + Text(request.values, kRows) + " rows."));
-    const ChoiceGroup mode(form, {{"1", "Read Array Data(According to File)", {}},
-                                  {"2", "Read as Array Data(According to Parameter)", {}},
-                                  {"3", "Read as Multi Spectum(First 20 Data) only", {}},
-                                  {"4", "Read as DEPT Data", {}}});
-    form.AddText("Order of the rows");
-    const ChoiceGroup order(form, {{"0", "Small =>Large", {}}, {"1", "Large => Small", {}}});
+    form.AddText(Qs("Select process for Array Data. The file holds " + Text(request.values, kRows) + " rows."));
+    ChoiceGroup mode(form, {{"1", "Read Array Data(According to File)", {}},
+                            {"2", "Read as Array Data(According to Parameter)", {}},
+                            {"3", "Read as Multi Spectum(First 20 Data) only", {}},
+                            {"4", "Read as DEPT Data", {}}});
+    QLabel* order_text = form.AddText("Order of the rows");
+    ChoiceGroup order(form, {{"0", "Small =>Large", {}}, {"1", "Large => Small", {}}});
+    // Only rows that are told apart by a parameter can be put in an order.
+    const auto show = [&](const std::string& word) {
+        order_text->setEnabled(word == "2");
+        order.SetEnabled(word == "2");
+    };
+    mode.WhenChosen(show);
+    show(mode.word());
     form.AddFoot("OK", "Cancel");
     if (form.exec() != QDialog::Accepted) return {kCancel, {}};
     return {kOk, {{kArrayMode, mode.word()}, {kDescending, order.word()}}};

@@ -83,13 +83,20 @@ FormAnswer NMR1D_Form31(const FormRequest& request, QWidget* parent)
     add("Set Default Value-2", [&] { scope.TakePreset(3); });
     form.column()->addLayout(row);
     auto* foot = form.AddFoot("OK", "Cancel");
+    bool edit_areas = false;
+    auto* areas = foot->addButton("Default Areas...", QDialogButtonBox::ResetRole);
+    areas->setAutoDefault(false);
+    QObject::connect(areas, &QPushButton::clicked, &form, [&] {
+        edit_areas = true;
+        form.accept();
+    });
     fields.Show(scope);
     for (const auto& edge : fields.edits)
         for (QLineEdit* edit : edge)
             QObject::connect(edit, &QLineEdit::textChanged, foot,
                              [foot, &scope] { foot->buttons().front()->setEnabled(scope.IsUsable()); });
     if (form.exec() != QDialog::Accepted) return {kCancel, {}};
-    return {kOk, scope.ToValues()};
+    return {edit_areas ? kEditAreas : kOk, scope.ToValues()};
 }
 
 FormAnswer NMR1D_Form34(const FormRequest& request, QWidget* parent)
@@ -105,7 +112,7 @@ FormAnswer NMR1D_Form34(const FormRequest& request, QWidget* parent)
         for (int column = 0; column < 4; ++column)
             grid->addWidget(new QLabel(heads[column]), 0, column + 1, Qt::AlignRight);
         for (int n = 1; n <= kPresetCount; ++n) {
-            grid->addWidget(new QLabel("Value-" + QString::number(n)), n, 0);
+            grid->addWidget(new QLabel(n == 1 ? QString("Default") : "Value-" + QString::number(n - 1)), n, 0);
             for (int column = 0; column < 4; ++column) {
                 const XUnit unit = column < 2 ? XUnit::ppm : XUnit::hz;
                 const ScopeEdge edge = column % 2 == 0 ? ScopeEdge::left : ScopeEdge::right;

@@ -18,7 +18,6 @@ constexpr int kNotch = 120; // eighths of a degree
 HeldToolButton::HeldToolButton(QWidget* parent, std::function<void()> step) :
     QToolButton(parent), step_(std::move(step))
 {
-    setAutoRaise(true);
     setFocusPolicy(Qt::NoFocus);
     clock_.start();
     timer_.setSingleShot(true);

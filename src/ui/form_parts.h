@@ -22,7 +22,9 @@ inline QString Qs(std::string_view text)
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// A fixed-width modal dialog with a column of widgets and a row of buttons at its foot.
+inline constexpr int kFormWidth = 380; ///< least; narrower windows cut their titles
+
+/// A modal dialog with a column of widgets and a row of buttons at its foot.
 class PlainForm : public QDialog {
 public:
     PlainForm(const QString& title, QWidget* parent) : QDialog(parent), column_(new QVBoxLayout(this))
@@ -30,6 +32,7 @@ public:
         setWindowTitle(title);
         column_->setSpacing(10);
         column_->setContentsMargins(18, 16, 18, 14);
+        setMinimumWidth(kFormWidth);
     }
     QVBoxLayout* column() { return column_; }
 
@@ -69,15 +72,23 @@ public:
     ChoiceGroup(PlainForm& form, const std::vector<Choice>& choices) : choices_(choices)
     {
         for (std::size_t i = 0; i < choices.size(); ++i) {
-            auto* button = new QRadioButton(Qs(choices[i].caption), &form);
+            auto* button = new QRadioButton(Qs(choices[i].caption).replace('&', "&&"), &form);
             button->setChecked(i == 0);
             group_.addButton(button, static_cast<int>(i));
             form.column()->addWidget(button);
             if (choices[i].explanation.empty()) continue;
             auto* label = form.AddText(Qs(choices[i].explanation));
             label->setIndent(26);
-            label->setEnabled(false);
+            label->setForegroundRole(QPalette::PlaceholderText);
         }
+    }
+    void SetEnabled(bool on)
+    {
+        for (QAbstractButton* button : group_.buttons()) button->setEnabled(on);
+    }
+    void WhenChosen(const std::function<void(const std::string&)>& chosen)
+    {
+        QObject::connect(&group_, &QButtonGroup::idClicked, &group_, [this, chosen] { chosen(word()); });
     }
     const std::string& word() const { return choices_[static_cast<std::size_t>(group_.checkedId())].word; }
 

@@ -115,10 +115,17 @@ struct CodeReader {
     }
     void Letter()
     {
+        constexpr std::string_view kTimes = "·";
+        std::string& line = lines.back();
+        if (rest.starts_with(kTimes)) {
+            line += line.ends_with(' ') ? "· " : " · ";
+            rest.remove_prefix(kTimes.size());
+            return;
+        }
         const char letter = rest.front();
         rest.remove_prefix(1);
-        std::string& line = lines.back();
-        if (letter == ' ' && (line.empty() || line.back() == ' ')) return;
+        if (letter == ' ' && (line.empty() || line.back() == ' ' || line.back() == '(')) return;
+        if (letter == ')' && line.ends_with(' ')) line.pop_back();
         if (raised && letter == '2')
             line += "²";
         else if (symbols && letter == 'p')
@@ -164,6 +171,7 @@ WindowDialog::WindowDialog(FftForm& logic, std::function<void()> changed, QWidge
     cancel->setFocusPolicy(Qt::TabFocus); // a click on it must not take what is being typed
     connect(foot, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(foot, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    column->addSpacing(6);
     column->addStretch();
     column->addWidget(foot);
     setMinimumWidth(420);

@@ -98,6 +98,7 @@ void ZoomPanel::wheelEvent(QWheelEvent* event)
 void ZoomPanel::mousePressEvent(QMouseEvent* event)
 {
     from_x_ = now_x_ = event->position().x();
+    cursor_y_ = event->position().y();
     if (event->button() == Qt::LeftButton)
         drag_ = GrabMark(from_x_) ? Drag::mark : Drag::zoom;
     else if (event->button() == Qt::RightButton)
@@ -108,6 +109,7 @@ void ZoomPanel::mouseMoveEvent(QMouseEvent* event)
 {
     const double before = now_x_;
     now_x_ = event->position().x();
+    cursor_y_ = event->position().y();
     cursor_ = event->position();
     CursorMoved(cursor_);
     switch (drag_) {

@@ -20,6 +20,8 @@ public:
     const ZoomView& view() const { return view_; }
     double magnification() const { return view_.magnification(); }
     void ShowAll();
+    /// Of the last paint; what mouse positions are read with.
+    const PlotFrame& frame() const { return frame_; }
     void ZoomBack();
     void ScaleHeight(double factor);
     /// Around the cursor when it is over the plot, else around the middle.
@@ -45,9 +47,8 @@ protected:
     /// The cursor moved over the plot, or left it (nothing).
     virtual void CursorMoved(std::optional<QPointF> /*at*/) {}
 
-    /// Of the last paint; what mouse positions are read with.
-    const PlotFrame& frame() const { return frame_; }
-
+    /// Height of the last press or move.
+    double cursor_y() const { return cursor_y_; }
     void paintEvent(QPaintEvent*) override;
     void wheelEvent(QWheelEvent*) override;
     void mousePressEvent(QMouseEvent*) override;
@@ -62,7 +63,7 @@ private:
     ZoomView view_;
     PlotFrame frame_;
     Drag drag_ = Drag::none;
-    double from_x_ = 0, now_x_ = 0;
+    double from_x_ = 0, now_x_ = 0, cursor_y_ = 0;
     std::optional<QPointF> cursor_;
 
     void Changed();

@@ -22,6 +22,18 @@ public:
         whole_ = shown_ = whole;
         back_.clear();
     }
+    /// The whole axis after one of its ends moved: a zoom stays where it is, as far as it is inside.
+    void FollowWhole(Range whole)
+    {
+        if (back_.empty()) {
+            SetWhole(whole);
+            return;
+        }
+        whole_ = back_.front() = whole;
+        for (Range& range : back_) range = Inside(range);
+        shown_ = Inside(shown_);
+        if (shown_.left == shown_.right) ShowAll();
+    }
     const Range& shown() const { return shown_; }
     double magnification() const { return magnification_; }
     bool zoomed() const { return !back_.empty(); }
@@ -86,12 +98,16 @@ private:
         const bool falling = whole_.left > whole_.right;
         return falling ? Range{std::max(a, b), std::min(a, b)} : Range{std::min(a, b), std::max(a, b)};
     }
+    Range Inside(Range range) const
+    {
+        const double low = std::min(whole_.left, whole_.right), high = std::max(whole_.left, whole_.right);
+        return Ordered(std::clamp(range.left, low, high), std::clamp(range.right, low, high));
+    }
     /// Inside the whole axis, and never narrower than a 1e-7 part of it, where doubles would get coarse.
     void Show(Range range)
     {
-        const double low = std::min(whole_.left, whole_.right), high = std::max(whole_.left, whole_.right);
-        range = Ordered(std::clamp(range.left, low, high), std::clamp(range.right, low, high));
-        if (std::abs(range.left - range.right) < (high - low) * 1e-7) return;
+        range = Inside(range);
+        if (std::abs(range.left - range.right) < std::abs(whole_.left - whole_.right) * 1e-7) return;
         shown_ = range;
     }
 

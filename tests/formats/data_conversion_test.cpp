@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -23,9 +25,8 @@ Raw Of(std::initializer_list<unsigned> values)
 
 Raw Of(std::string_view text)
 {
-    Raw bytes(text.size());
-    std::memcpy(bytes.data(), text.data(), text.size());
-    return bytes;
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
 }
 
 /// The machine's own bytes of a value, after one byte that the offset has to skip.

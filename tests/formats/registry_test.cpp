@@ -24,12 +24,12 @@ TEST(Registry, FamiliesStandUnderTheirNumbersWithTagsOfTheirOwn)
     EXPECT_EQ(FindFormat(-1), nullptr);
 }
 
-TEST(Registry, BrukerAndCmxStoreTheirFidsInTheOppositeSense)
+TEST(Registry, BrukerCmxAndTextFormatsStoreTheirFidsInTheOppositeSense)
 {
     std::set<int> opposite;
     for (const FormatRow& row : FormatRows())
         if (row.sense == FidSense::opposite) opposite.insert(row.family);
-    EXPECT_EQ(opposite, (std::set<int>{4, 8, 9}));
+    EXPECT_EQ(opposite, (std::set<int>{4, 8, 9, 13, 14}));
 }
 
 std::string Text(const std::vector<FilterRow>& rows)
@@ -47,7 +47,7 @@ TEST(Registry, FiltersOfTheOpenDialog)
 
     GlobalBlock g;
     EXPECT_EQ(Text(OpenDialogFilters(g)), "Ver.3/4 Type(*.tv1;*.tvo*)|All File(*.*)|");
-    SetDefaultFileTypes(g);
+    g.FileTypeSlots = {"", "*.als", "*.jdf", "*.gxd*", "*.jdx;*.dx", ""};
     EXPECT_EQ(Text(OpenDialogFilters(g)),
               "Ver.3/4 Type(*.tv1;*.tvo*)|JEOL Alice2(Excalibur) File(*.als)|JEOL Delta(ECA/ECP) File(*.jdf)|"
               "JEOL GX/GSX/EX File(*.gxd*)|JCAMP File(*.jdx;*.dx)|All File(*.*)|");

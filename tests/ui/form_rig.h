@@ -88,6 +88,7 @@ inline void Write(QLineEdit& edit, const QString& text)
 {
     edit.setFocus();
     edit.selectAll();
+    if (text.isEmpty()) Key(edit, Qt::Key_Backspace);
     for (const QChar letter : text) Key(edit, 0, letter);
 }
 inline void Type(QLineEdit& edit, const QString& text)
@@ -121,7 +122,7 @@ inline void Drag(QWidget& widget, QPointF from, QPointF to, Qt::MouseButton butt
 inline void Settle(QWidget& widget)
 {
     widget.show();
-    QCoreApplication::processEvents();
+    for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
     widget.grab();
 }
 

@@ -7,31 +7,18 @@
 #include "support/files.h"
 #include "ui/fft_dialog.h"
 #include "ui/form_dialogs.h"
+#include "ui/theme.h"
 #include "ui/window_dialog.h"
 
 #include <QComboBox>
 #include <QDir>
-#include <QPalette>
 #include <QPixmap>
 #include <QPushButton>
-#include <QStyleFactory>
 
 namespace nmr {
 namespace {
 
 using namespace test;
-
-void SetLook(bool dark)
-{
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
-    QPalette p = QApplication::style()->standardPalette();
-    if (dark) {
-        p = QPalette(QColor(0x30, 0x34, 0x3a), QColor(0x25, 0x28, 0x2c));
-        p.setColor(QPalette::Base, QColor(0x1d, 0x1f, 0x22));
-        p.setColor(QPalette::Highlight, QColor(0x3d, 0x9f, 0xdc));
-    }
-    QApplication::setPalette(p);
-}
 
 void Shoot(QWidget& widget, const QString& name)
 {
@@ -42,28 +29,30 @@ void Shoot(QWidget& widget, const QString& name)
 
 struct Look {
     const char* name;
-    bool dark;
+    std::int32_t theme;
 };
-constexpr Look kLooks[] = {{"light", false}, {"dark", true}};
+constexpr Look kLooks[] = {{"light", 1}, {"dark", 2}};
 
 // The form on a file, as "Read" opens it.
 void ShootFft(const std::string& path, const QString& name)
 {
     for (const Look& look : kLooks) {
-        SetLook(look.dark);
+        ApplyTheme(App(), look.theme);
         auto g = std::make_unique<GlobalBlock>();
         Start_Batch(*g);
         ScriptedAsker asker;
         Session session{*g, asker, {}, {}, {}, {}};
         session.run_fft_form = [&](FftForm& form) {
             FftDialog dialog(form);
+            dialog.resize(1180, 780);
             Shoot(dialog, "fft-" + name + "-" + look.name);
             Drag(dialog.preview(), {300, 100}, {380, 100});
             Find<QAbstractButton>(dialog, "ShowImaginary").setChecked(true);
             Shoot(dialog, "fft-" + name + "-zoom-" + look.name);
             for (const WindowRow& row : WindowRows()) {
                 EXPECT_TRUE(form.SetWindowKind(row.kind));
-                WindowDialog window(form, [] {}, &dialog);
+                WindowDialog window(
+                    form, [] {}, &dialog);
                 Shoot(window, QString("window-%1-%2").arg(static_cast<int>(row.kind)).arg(look.name));
             }
             return std::string("CANCEL");
@@ -84,6 +73,57 @@ TEST(FormShots, Transform)
     ShootFft((folder / "s") + "/1/fid", "sample");
     const auto carbon = RealData("bruker-13c-fid-600");
     if (!carbon.empty()) ShootFft(carbon.string(), "13c");
+}
+
+using Form = FormAnswer (*)(const FormRequest&, QWidget*);
+struct SmallForm {
+    const char* name;
+    Form show;
+    forms::Values values;
+};
+
+std::vector<SmallForm> SmallForms(const GlobalBlock& g)
+{
+    using namespace forms;
+    Values files{{kCount, "2"},
+                 {"NAME 1", "Bruker(FID)"},
+                 {"REQUIRED 1", "acqus\nfid"},
+                 {"NOTES 1", "procs and title are read when they are there."},
+                 {"NAME 2", "JCAMP-DX"},
+                 {"REQUIRED 2", "*.jdx"},
+                 {"NOTES 2", ""}};
+    return {{"01", NMR1D_Form01, {{kUsers, "ANNA\nBEN\nCLARA"}, {kLatest, "BEN"}}},
+            {"20", NMR1D_Form20, {{kRows, "16"}}},
+            {"23", NMR1D_Form23, {}},
+            {"31", NMR1D_Form31, DisplayScope(g).ToValues()},
+            {"33", NMR1D_Form33, GridChoice::From(g.settings).ToValues()},
+            {"34", NMR1D_Form34, DefaultAreas(g.settings).ToValues()},
+            {"93", NMR1D_Form93, files},
+            {"101", NMR1D_Form101, {{"EXPRESSION 1", "*.jdx;*.dx"}, {"DESCRIPTION 1", "JCAMP File"}}},
+            {"102", NMR1D_Form102, {}},
+            {"110",
+             Form110,
+             {{kTitle, "Caution!"},
+              {kText, "Data was Changed"},
+              {kCount, "3"},
+              {"BUTTON 1", "Save"},
+              {"BUTTON 2", "Do not Save"},
+              {"BUTTON 3", "Cancel"}}},
+            {"120", Form120, {}}};
+}
+
+TEST(FormShots, SmallForms)
+{
+    if (ShotFolder().isEmpty()) GTEST_SKIP() << "NMR1D_SHOTS is not set";
+    FormRig rig;
+    rig.g.ViewLeft = 10;
+    for (const Look& look : kLooks) {
+        ApplyTheme(App(), look.theme);
+        for (const SmallForm& form : SmallForms(rig.g)) {
+            WhenModal([&](QDialog& shown) { Shoot(shown, QString("form-%1-%2").arg(form.name, look.name)); });
+            static_cast<void>(form.show({form.name, form.values}, nullptr));
+        }
+    }
 }
 
 } // namespace
