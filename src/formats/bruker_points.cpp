@@ -15,6 +15,7 @@ namespace {
 
 constexpr double kMaxValue = 1e30; // nothing an instrument writes comes near
 constexpr double kMeanShare = 0.4; // of the FID, at its end, taken for the base line
+constexpr float kSilence = 1e-10F; // of the largest value: what rounding leaves of a constant
 constexpr float kFidScale = 0.1F;  // intensity factor of all FIDs of this family
 constexpr int kMaxExponent = 60;   // of NC_proc, up or down: the squares of values stay finite
 constexpr double kMaxShift = 1e9;  // ppm
@@ -220,8 +221,8 @@ Status ReadDataBruker(GlobalBlock& g, std::int16_t slot, const BrukerParameters&
     if (Status made = AllocateSpecBuffer(g, set.par.POINT, slot); !made) return made;
     const bool reversed = procs != nullptr && EqualsNoCase(procs->Text("REVERSE").value_or("no"), "yes");
     StoreFid(*values, parts, reversed ? -1 : 1, set.spec);
-    if (std::ranges::all_of(set.spec.DataRe[0], [](float v) { return v == 0; }) &&
-        std::ranges::all_of(set.spec.DataIm[0], [](float v) { return v == 0; }))
+    const auto silent = [](float value) { return std::fabs(value) < kSilence; };
+    if (std::ranges::all_of(set.spec.DataRe[0], silent) && std::ranges::all_of(set.spec.DataIm[0], silent))
         set.Warnings.emplace_back("fid holds no signal: all its values are the same.");
     if (parts == 1)
         set.Warnings.emplace_back("The FID has one channel (AQ_mod 0): every line has a mirror image at the other side "

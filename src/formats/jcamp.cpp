@@ -176,12 +176,13 @@ Columns PageColumns(const JcampBlock& block, char real_symbol, std::vector<std::
     return columns;
 }
 
-Columns TableColumns(const JcampBlock& block, std::vector<std::string>& warnings)
+Columns TableColumns(const JcampBlock& block, const JcampTable& table, std::vector<std::string>& warnings)
 {
     Columns columns;
     columns.x = {block.Number("FIRSTX"), block.Number("LASTX"), block.Number("DELTAX"), ToUpper(block.Value("XUNITS"))};
     columns.count = block.Number("NPOINTS").value_or(0);
-    columns.re_factor = Factor(block.Number("YFACTOR"), "YFACTOR", warnings);
+    // A list of X and Y holds the values themselves.
+    if (table.label == "XYDATA") columns.re_factor = Factor(block.Number("YFACTOR"), "YFACTOR", warnings);
     return columns;
 }
 
@@ -222,7 +223,7 @@ public:
             static_cast<std::int16_t>(is_fid_ ? par_.DataKind & ~kSpectrumBit : par_.DataKind | kSpectrumBit);
         if (!complete_) Warn("The file ends without its ##END: it may be cut short.");
         columns_ = table.label == "DATATABLE" ? PageColumns(block_, table.symbol, set_.Warnings)
-                                              : TableColumns(block_, set_.Warnings);
+                                              : TableColumns(block_, table, set_.Warnings);
         if (Status counted = CheckCount(); !counted) return counted;
         if (Status decoded = DecodeReal(table); !decoded) return decoded;
         if (Status decoded = DecodeImaginary(); !decoded) return decoded;
@@ -254,9 +255,10 @@ private:
             Warn(fmt::format("{} check values of {} differ from the points they repeat.", report.failed_checks, page));
         if (report.unknown > 0)
             Warn(fmt::format("{} unknown values (\"?\") of {} were left out.", report.unknown, page));
+        const bool is_list = table.label == "XYPOINTS" || table.label == "PEAKTABLE";
+        if (is_list) Warn("The file lists its points with their X: they were read as a spectrum.");
         if (report.misplaced > 0) {
-            if (table.label == "XYPOINTS" || table.label == "PEAKTABLE")
-                return Failure(ErrorCode::bad_format, "The points of the JCAMP-DX file have no even spacing");
+            if (is_list) return Failure(ErrorCode::bad_format, "The points of the JCAMP-DX file have no even spacing");
             Warn(fmt::format("{} lines of {} stand at other X than the points before them ask for.", report.misplaced,
                              page));
         }
@@ -302,7 +304,8 @@ private:
         const auto first = block_.Number("FIRSTY");
         if (!first || columns_.pages) return;
         const double value = re_.front() * columns_.re_factor;
-        const double allowed = 1.01 * std::fabs(columns_.re_factor) + 1e-4 * std::fabs(value);
+        // Heads print it with six decimals, or with few digits.
+        const double allowed = 1.01 * std::fabs(columns_.re_factor) + 1e-4 * std::fabs(value) + 1e-6;
         if (std::fabs(*first - value) > allowed)
             Warn(fmt::format("FIRSTY is {:.6g}, but the first point is {:.6g}.", *first, value));
     }
@@ -376,6 +379,8 @@ private:
         par_.FREQU = static_cast<float>(width);
         par_.RESOL = width / par_.POINT;
         par_.ACQTM = static_cast<float>(static_cast<double>(points_) * *dwell);
+        if (!block_.has_bruker && !TurnsAsJeol() && !ContainsNoCase(block_.Value("SPECTROMETERDATASYSTEM"), "BRUKER"))
+            Warn("The file does not say which way its FID turns: it is read as FIDs of Bruker instruments are.");
         par_.GroupDelay = bruker() == nullptr ? 0 : BrukerGroupDelay(*bruker());
         par_.FileRefMHz = FidReference(block_, bruker(), par_.ObsCenter, width, par_.FIDPoints);
         return {};

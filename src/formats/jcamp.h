@@ -8,6 +8,8 @@
 // - NPOINTS may be one more than the points of the table (VNMR), and be written as a decimal number.
 // - In files of Bruker programs the Hz axis counts from the right edge, so Hz divided by the observe
 //   frequency is no shift: the first point stands at $OFFSET, and SF is the 0 ppm frequency.
+// - All other programs that count Hz from 0 ppm divide by the observe frequency to get the shift. The
+//   0 ppm frequency in its place would put the lines of a 13C spectrum up to 0.03 ppm aside.
 // - Most axes fall. The carrier stands in the middle of the spectrum, so the 0 ppm frequency follows
 //   from the first point by half a width up or down, as the axis runs.
 // - FIDs of JEOL instruments turn the other way round than those of all other programs.
@@ -115,7 +117,6 @@ struct JcampAxis {
     double first_ppm = 0, step_ppm = 0;
     double step_hz = 0;         ///< size of a step
     double mhz0 = 0;            ///< 0 ppm frequency
-    double width_hz = 0;        ///< of all points
     bool has_reference = false; ///< mhz0 was told by the file, not worked out
 };
 

@@ -96,7 +96,6 @@ JcampAxis FromFirstPoint(const HertzAxis& hz, double first_ppm, double mhz0)
     axis.mhz0 = mhz0;
     axis.step_hz = std::fabs(hz.step);
     axis.step_ppm = hz.step / mhz0;
-    axis.width_hz = hz.Width();
     return axis;
 }
 
@@ -152,20 +151,15 @@ std::optional<double> FirstPpmOfReferencePoint(const HertzAxis& hz, const JcampB
     return std::nullopt;
 }
 
+/// Programs that count Hz from 0 ppm divide by the observe frequency: so does every reader of their files.
 JcampAxis FromHertz(const HertzAxis& hz, const JcampBlock& block, double last)
 {
-    double first_ppm = hz.first / hz.center_mhz;
+    JcampAxis axis = FromFirstPoint(hz, hz.first / hz.center_mhz, hz.center_mhz);
     if (const auto told = FirstPpmOfJeol(hz, block))
-        first_ppm = *told;
+        axis.first_ppm = *told;
     else if (const auto shifted = FirstPpmOfReferencePoint(hz, block, last))
-        first_ppm = *shifted;
-    double width = hz.Width();
-    // Exact digits of the writer, which a width made of rounded ends lacks.
-    if (const JcampPrivate* given = block.Own("FREQU"); given != nullptr && !block.has_jeol)
-        if (const auto number = JcampNumber(given->value); number && std::fabs(*number - width) <= 0.01 * width)
-            width = static_cast<double>(static_cast<float>(*number));
-    JcampAxis axis = FromFirstPoint(hz, first_ppm, ZeroPpmFrequency(hz.center_mhz, width, first_ppm, hz.step));
-    axis.width_hz = width;
+        axis.first_ppm = *shifted;
+    axis.mhz0 = ZeroPpmFrequency(hz.center_mhz, hz.Width(), axis.first_ppm, hz.step);
     return axis;
 }
 
@@ -200,8 +194,7 @@ Result<JcampAxis> FindJcampAxis(const JcampBlock& block, const BrukerParameters*
         axis.first_ppm = x.first.value_or(0);
         axis.step_ppm = step;
         axis.step_hz = std::fabs(step) * mhz;
-        axis.width_hz = axis.step_hz * x.count;
-        axis.mhz0 = has_center ? ZeroPpmFrequency(mhz, axis.width_hz, axis.first_ppm, step) : 1;
+        axis.mhz0 = has_center ? ZeroPpmFrequency(mhz, axis.step_hz * x.count, axis.first_ppm, step) : 1;
     } else {
         const HertzAxis hz{step * unit, x.first.value_or(0) * unit, has_center ? center_mhz : 1, x.count};
         if (const auto from_block = FromBruker(hz, bruker))

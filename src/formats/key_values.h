@@ -20,7 +20,8 @@ public:
     static KeyValues Parse(ByteSpan bytes);
 
     const std::string* Find(std::string_view key) const; ///< nullptr when there is none
-    bool empty() const { return lines_.empty(); }
+    /// In the order of the file.
+    const std::vector<std::pair<std::string, std::string>>& lines() const { return lines_; }
 
 private:
     std::vector<std::pair<std::string, std::string>> lines_;

@@ -2,7 +2,9 @@
 
 #include "core/text.h"
 #include "formats/bruker.h"
+#include "formats/cmx.h"
 #include "formats/csv.h"
+#include "formats/delta.h"
 #include "formats/jcamp.h"
 #include "formats/varian.h"
 
@@ -20,13 +22,13 @@ constexpr FormatRow kRows[] = {
     {0, "JEOL Alice", "*.als", "ALS1", "ALS2D", "ALS2F", kAsTransformed},
     {1, "JEOL GX/GSX/EX", "*.gxd (*.gxp)", "GXD1", "GXD2D", "GXD2F", kAsTransformed},
     {2, "JEOL Lambda", "*.nmdata, *.nmfid", "LAMBDA1", "LAMBDA2D", "LAMBDA2F", kAsTransformed},
-    {3, "JEOL Delta", "*.jdf", "ECP1", "ECP2D", "ECP2F", kAsTransformed},
+    {3, "JEOL Delta", "*.jdf", "ECP1", "ECP2D", "ECP2F", kAsTransformed, ReadDelta},
     {4, "Bruker directory", "fid, ser, 1r (acqus, procs)", "BRU1", "BRU2D", "BRU2F", kOpposite, ReadBruker},
     {5, "JEOL Alpha", "*.nmf, *.nmd", "ALPHA1", "ALPHA2D", "ALPHA2F", kAsTransformed},
     {6, "Varian", "fid, data, phasefile (procpar, curpar)", "VAR1", "VAR2D", "VAR2F", kAsTransformed, ReadVarian},
     {7, "Nuts", "*.fid, *.h1, *.c13", "NUTS1", "NUTS2D", "NUTS2F", kAsTransformed},
     {8, "Bruker flat files", "*.fid (*.aqs), *.1r (*.fqs)", "BRUX1D", "BRUX2D", "BRUX2F", kOpposite, ReadBruker},
-    {9, "Varian CMX", "data (acq, acq_2, proc)", "CMX1", "", "", kOpposite},
+    {9, "Varian CMX", "data (acq, acq_2, proc)", "CMX1", "", "", kOpposite, ReadCmx},
     {10, "GE Omega", "*.fid (*.hed)", "GE1", "GE2D", "GE2F", kAsTransformed},
     {11, "Native Ver.3", "*.tv1", "TAVO1", "TAVO2D", "TAVO2F", kAsTransformed},
     {12, "Native Ver.4", "*.tvo, *.tvo1", "TAVO1_V4", "TAVO2D_V4", "TAVO2D_V4", kAsTransformed},

@@ -112,8 +112,8 @@ void StoreNuclei(const VarianParameters& parameters, const NuclearTable& nuclide
     if (set.par.OBNUC == "??" || set.par.OBNUC == "NUL" || set.par.OBNUC == "OFF") {
         const std::string guess = Nucleus_From_Frequency(set.par.ObsCenter);
         set.par.OBNUC = guess.empty() ? "??" : guess;
-        set.Warnings.push_back(
-            fmt::format("The parameters name no observed nucleus (tn): taken for {}.", set.par.OBNUC));
+        set.Warnings.push_back("The parameters name no observed nucleus (tn)" +
+                               (guess.empty() ? "." : ": taken for " + guess + "."));
     }
     if (const std::string other = Nucleus(parameters, "dn", nuclides); other != "??") set.par.IRNUC = other;
 }

@@ -79,6 +79,7 @@ QString FilterText(const FilterRow& row)
 
 Button QtAsker::Message(const MessageBox& box)
 {
+    if (before_question_) before_question_();
     if (box.beep) Beep();
     QMessageBox window(Front(parent_));
     window.setIcon(ToQt(box.icon));
@@ -95,6 +96,7 @@ Button QtAsker::Message(const MessageBox& box)
 
 std::optional<FileChoice> QtAsker::File(const FileDialog& dialog)
 {
+    if (before_question_) before_question_();
     QFileDialog window(Front(parent_), ToQString(dialog.title), ToQString(dialog.folder));
     SetMode(window, dialog.kind);
     const QStringList filters = FilterTexts(dialog);
@@ -111,6 +113,7 @@ std::optional<FileChoice> QtAsker::File(const FileDialog& dialog)
 
 FormAnswer QtAsker::Form(const FormRequest& request)
 {
+    if (before_question_) before_question_();
     if (const FormFunction show = FindForm(request.form)) return show(request, Front(parent_));
     // Never taken for a yes: a form that is missing must not decide anything.
     std::fprintf(stderr, "nmr1d: there is no form %s\n", request.form.c_str());

@@ -90,6 +90,7 @@ int RunWindow(QApplication& app, const RunOptions& run)
     session.may_leave_dummy_files = !run.quiet();
     std::unique_ptr<Splash> splash;
     StartOptions options = MakeStartOptions(run, program_folder, splash);
+    asker.SetBeforeQuestion([&splash] { splash.reset(); });
     if (run.quiet()) options.app_path = scratch.path().toStdString();
     ApplyTheme(app, run.theme.value_or(0));
     if (Start(session, options) == StartResult::ended) return 0;

@@ -24,7 +24,7 @@ TEST(Registry, FamiliesStandUnderTheirNumbersWithTagsOfTheirOwn)
     EXPECT_EQ(FindFormat(-1), nullptr);
 }
 
-TEST(Registry, BrukerAndCmxStoreTheirFidsInTheOppositeSense)
+TEST(Registry, BrukerCmxAndTextFormatsStoreTheirFidsInTheOppositeSense)
 {
     std::set<int> opposite;
     for (const FormatRow& row : FormatRows())

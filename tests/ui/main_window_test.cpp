@@ -148,6 +148,10 @@ TEST(MainWindow, StatusLineTellsPlaceAndData)
     EXPECT_THAT(rig.LabelText("Data").toStdString(), HasSubstr("1H"));
     EXPECT_THAT(rig.LabelText("Data").toStdString(), HasSubstr("400.00 MHz"));
     EXPECT_THAT(rig.LabelText("Data").toStdString(), HasSubstr("8,193 points"));
+    const QString before = rig.LabelText("Position");
+    Key(plot, Qt::Key_Right);
+    plot.grab();
+    EXPECT_NE(rig.LabelText("Position"), before) << "the spectrum has moved under the cursor";
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(&plot, &leave);
     EXPECT_EQ(rig.LabelText("Position"), "");
