@@ -66,18 +66,20 @@ Filter MakeFilter(double group_delay)
     return filter;
 }
 
-/// Adds one line as it leaves the filter.
+/// Adds one line as it leaves the filter, at its full height: the filter falls off within the spectrum, as
+/// one that a console would use does not, and areas must stay in the ratio of the protons.
 void AddLine(const SampleLine& line, const SampleConsole& console, const Filter& filter, std::vector<Complex>& fid)
 {
     const double offset_hz = (line.ppm - console.centre_ppm()) * console.sf_mhz();
     const Complex p(-kPi * line.width_hz / console.sweep_hz, 2.0 * kPi * offset_hz / console.sweep_hz);
-    const Complex start = std::polar(line.area * console.proton_amplitude, console.phase_deg * nmr::kDegToRad);
     std::vector<Complex> sums; // of h_j exp(-p tau_j), up to each tap
     Complex sum = 0;
     for (std::size_t j = 0; j < filter.tap.size(); ++j) {
         sum += filter.tap[j] * std::exp(-p * filter.delay[j]);
         sums.push_back(sum);
     }
+    const double gain = std::abs(sum * std::exp(p * console.group_delay));
+    const Complex start = std::polar(line.area * console.proton_amplitude / gain, console.phase_deg * nmr::kDegToRad);
     std::size_t filled = 0;
     for (std::size_t n = 0; n < fid.size(); ++n) {
         while (filled < sums.size() && filter.delay[filled] <= static_cast<double>(n)) ++filled;

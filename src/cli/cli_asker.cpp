@@ -1,5 +1,7 @@
 #include "cli/cli_asker.h"
 
+#include "formats/csv_choice.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -37,8 +39,17 @@ std::optional<FileChoice> CliAsker::File(const FileDialog& dialog)
 
 FormAnswer CliAsker::Form(const FormRequest& request)
 {
+    if (request.form == kCsvForm) return TakeFound(request);
     warnings_.push_back("the form " + request.form + " was answered with Cancel");
     return {"CANCEL", {}};
+}
+
+FormAnswer CliAsker::TakeFound(const FormRequest& request)
+{
+    std::map<std::string, std::string> values = request.values;
+    for (const auto& [key, value] : table_values_) values[key] = value;
+    warnings_.push_back("The table was read as it looks: " + CsvChoice(values).Summary() + ".");
+    return {"OK", values};
 }
 
 void CliAsker::Notice(const std::string& text)

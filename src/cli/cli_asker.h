@@ -19,7 +19,14 @@ public:
 
     const std::vector<std::string>& warnings() const { return warnings_; }
 
+    /// Values of the form for text tables that the user gave, in place of what the file shows.
+    void SetTableValues(std::map<std::string, std::string> values) { table_values_ = std::move(values); }
+
 private:
+    /// The form for text tables: what was found out from the file is taken.
+    FormAnswer TakeFound(const FormRequest& request);
+
+    std::map<std::string, std::string> table_values_;
     std::vector<std::string> warnings_;
 };
 

@@ -7,6 +7,9 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <exception>
 #include <functional>
 
@@ -83,7 +86,10 @@ int Run(int argc, char** argv)
 int main(int argc, char** argv)
 {
     try {
-        return Run(argc, argv);
+        const int result = Run(argc, argv);
+        if (std::fflush(stdout) == 0) return result;
+        fmt::print(stderr, "nmr1d-cli: standard output: {}\n", std::strerror(errno));
+        return static_cast<int>(Exit::not_written);
     } catch (const std::exception& e) {
         fmt::print(stderr, "nmr1d-cli: {}\n", e.what());
         return static_cast<int>(Exit::internal);

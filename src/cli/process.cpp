@@ -32,20 +32,29 @@ void Complain(const std::string& path, const std::string& text)
     fmt::print(stderr, "nmr1d-cli: {}: {}\n", path, text);
 }
 
-// A read that failed: the words on standard error, the detection's answer as JSON when asked for.
-Exit Refuse(const Run& run, const std::string& path, const Error& error, bool json)
-{
-    Complain(path, error.text);
-    if (json) fmt::print("{}\n", RefusalReport(run.type, path, error.text, run.asker.warnings()).dump(2));
-    return ExitFor(error.code);
-}
-
 void PrintReport(const nlohmann::ordered_json& report, bool json)
 {
     if (json)
         fmt::print("{}\n", report.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
     else
         fmt::print("{}", ReportText(report));
+}
+
+// Where the report on standard output is not for people, what went wrong must not stay unseen.
+void TellWarnings(const Run& run, const std::string& path, std::string_view said = {})
+{
+    for (const std::string& warning : run.g->Slots[0].Warnings) Complain(path, warning);
+    for (const std::string& warning : run.asker.warnings())
+        if (said.empty() || !warning.ends_with(said)) Complain(path, warning);
+}
+
+// A read that failed: the words on standard error, the detection's answer as JSON when asked for.
+Exit Refuse(const Run& run, const std::string& path, const Error& error, bool json)
+{
+    TellWarnings(run, path, error.text);
+    Complain(path, error.text);
+    if (json) PrintReport(RefusalReport(run.type, path, error.text, run.asker.warnings()), true);
+    return ExitFor(error.code);
 }
 
 std::int32_t PowerOfTwoFactor(const ZeroFill& fill, std::int32_t raw)
@@ -116,7 +125,9 @@ struct ScriptedTransform {
     std::string operator()(FftForm& form)
     {
         GlobalBlock& g = form.block();
-        if (options.row <= g.Slots[0].RowCount) form.SetRow(static_cast<std::int16_t>(options.row - 1));
+        const auto row = static_cast<std::int16_t>(options.row - 1);
+        // The form has transformed and phased the row that it shows already.
+        if (row != g.CurrentRow && row < g.Slots[0].RowCount) form.SetRow(row);
         status = ApplyOptions(form, options);
         if (!status) return "CANCEL";
         used = {true, static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), g.PivotPoint};
@@ -130,14 +141,13 @@ struct ScriptedTransform {
 Exit RunInfo(const std::string& path, bool json)
 {
     Run run;
-    run.type = ReadFileType(path, run.asker, run.g->nuclides);
     bool printed = false;
     run.session.run_fft_form = [&](FftForm&) {
         PrintReport(Report(*run.g, run.type, path, {}, 0, run.asker.warnings()), json);
         printed = true;
         return std::string("CANCEL"); // information needs no spectrum
     };
-    const Status status = Read_Path(run.session, path);
+    const Status status = Read_Path(run.session, path, run.type);
     if (printed) return Exit::done;
     if (!status) return Refuse(run, path, status.error(), json);
     PrintReport(Report(*run.g, run.type, path, {}, 0, run.asker.warnings()), json);
@@ -153,10 +163,9 @@ Exit RunProcess(const ProcessOptions& options)
     }
     Run run;
     run.g->settings.ref_initital = options.file_reference ? 1 : 0;
-    run.type = ReadFileType(options.path, run.asker, run.g->nuclides);
     ScriptedTransform transform{options, {}, {}};
     run.session.run_fft_form = [&](FftForm& form) { return transform(form); };
-    const Status status = Read_Path(run.session, options.path);
+    const Status status = Read_Path(run.session, options.path, run.type);
     if (!transform.status) return Refuse(run, options.path, transform.status.error(), options.json);
     if (!status) return Refuse(run, options.path, status.error(), options.json);
     if (options.row > run.g->Slots[0].RowCount) {
@@ -171,10 +180,9 @@ Exit RunProcess(const ProcessOptions& options)
         }
     const auto report = Report(*run.g, run.type, options.path, transform.used,
                                static_cast<std::size_t>(options.row - 1), run.asker.warnings());
-    if (options.json)
-        PrintReport(report, true);
-    else if (options.outputs.empty())
-        PrintReport(report, false);
+    const bool text = !options.json && options.outputs.empty();
+    if (!text) TellWarnings(run, options.path);
+    if (text || options.json) PrintReport(report, options.json);
     return Exit::done;
 }
 

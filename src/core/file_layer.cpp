@@ -126,9 +126,8 @@ int OpenRegular(const fs::path& path, struct stat& info, std::string& reason, Er
 /// A file that can't be found may only be hidden in a folder that this user may not enter.
 Error MissingError(std::string_view name, const char* where)
 {
-    struct stat info {};
-    const bool hidden = ::stat(WithSlashes(name).c_str(), &info) != 0 && errno == EACCES;
-    if (hidden) return FileError(ErrorCode::unreadable, where, name, std::strerror(EACCES));
+    if (const std::string obstacle = ReadObstacle(name); !obstacle.empty())
+        return FileError(ErrorCode::unreadable, where, name, obstacle);
     return FileError(ErrorCode::not_found, where, name, "is not found");
 }
 
@@ -310,6 +309,14 @@ bool IsFolder(std::string_view path)
     const auto found = ResolvePath(path);
     std::error_code ignored;
     return found && fs::is_directory(*found, ignored);
+}
+
+std::string ReadObstacle(std::string_view path)
+{
+    const auto found = ResolvePath(path);
+    const std::string name = found ? found->string() : WithSlashes(path);
+    const int rights = IsFolder(name) ? R_OK | X_OK : R_OK;
+    return ::access(name.c_str(), rights) != 0 && errno == EACCES ? std::strerror(EACCES) : std::string();
 }
 
 Result<Bytes> ReadWholeFile(std::string_view path, std::uint64_t limit)

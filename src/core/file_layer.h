@@ -38,6 +38,10 @@ std::int64_t FileLen(std::string_view path);
 
 bool IsFolder(std::string_view path);
 
+/// What keeps this user from reading a file or entering a folder ("Permission denied"); empty when
+/// nothing does, or when nothing of the name is there.
+std::string ReadObstacle(std::string_view path);
+
 using Bytes = std::vector<std::byte>;
 
 /// The whole file. Refuses anything above `limit` bytes and what is no regular file.

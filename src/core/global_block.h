@@ -96,7 +96,7 @@ struct GlobalBlock {
     std::int32_t LastRecent = -1;
 
     // Transform and phase.
-    std::vector<double> SineTable; ///< sine by index, cosine at index + T/4
+    std::vector<double> SineTable; ///< sine by index, cosine at index + T/4; Ready_Sine_Table before use
     RowArray<float> WorkRe, WorkIm;
     RowArray<float> FidMemory; ///< the FID when there is no FIDWorkFile: real rows, then imaginary rows
     OffsetLine<float> WindowCurve{kWindowOrigin};

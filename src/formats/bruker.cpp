@@ -20,7 +20,6 @@ namespace fs = std::filesystem;
 constexpr int kFlatFamily = 8;
 // Nothing beyond the largest data set and its padding is looked at.
 constexpr std::size_t kMaxFile = std::size_t{2} * kMaxPoints * 8 + 4096;
-constexpr double kSameNucleus = 0.01; // largest relative distance of SF from SFO1
 
 BrukerFamily Family(const FileType& type)
 {
@@ -165,7 +164,11 @@ Result<BrukerParameters> ReadAcquisition(DataSet& set, const std::string& path, 
     auto acqus = ReadVendorFile(path, where, "acqus");
     const std::string spare = path.empty() ? path : InFolder(fs::path(path).parent_path().string(), "acqu");
     if (!useful(acqus) && !spare.empty())
-        if (auto acqu = ReadVendorFile(spare, where, "acqu"); useful(acqu)) acqus = std::move(acqu);
+        if (auto acqu = ReadVendorFile(spare, where, "acqu"); useful(acqu)) {
+            acqus = std::move(acqu);
+            set.Warnings.emplace_back(
+                "acqus tells no frequency: acqu, what was set for the next run, is read instead.");
+        }
     if (acqus) WarnWhenCut(set, *acqus, "acqus");
     return acqus;
 }
@@ -174,7 +177,7 @@ Result<BrukerParameters> ReadAcquisition(DataSet& set, const std::string& path, 
 void TakeReference(const BrukerParameters& procs, ParamBlock& par)
 {
     const double mhz = procs.Number("SF").value_or(0);
-    if (std::fabs(mhz - par.ObsCenter) <= kSameNucleus * par.ObsCenter) par.FileRefMHz = mhz;
+    if (IsSameNucleus(mhz, par.ObsCenter)) par.FileRefMHz = mhz;
 }
 
 Result<Bytes> ReadPoints(const std::string& path, std::string_view where, std::string_view name)
@@ -189,12 +192,14 @@ Status ReadFid(const ReadRequest& request, const BrukerPaths& paths)
 {
     const auto acqus = ReadParaBruker(request, paths.acqus);
     if (!acqus) return acqus.error();
-    std::optional<BrukerParameters> procs;
-    if (!paths.procs.empty()) {
-        auto read = BrukerParameters::Read(paths.procs);
-        if (read) procs = *read; // only a help for a FID: without it BF1 is the reference
-    }
     DataSet& set = SlotOf(request);
+    std::optional<BrukerParameters> procs; // only a help for a FID: without it BF1 is the reference
+    if (!paths.procs.empty()) {
+        if (auto read = BrukerParameters::Read(paths.procs); read && read->Number("SF"))
+            procs = std::move(*read);
+        else
+            set.Warnings.emplace_back("procs tells no reference: 0 ppm stands at BF1 of acqus.");
+    }
     if (procs) TakeReference(*procs, set.par);
     const auto bytes = ReadPoints(paths.data, "ReadDataBruker/1DDRW", "fid");
     if (!bytes) return bytes.error();

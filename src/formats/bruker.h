@@ -62,6 +62,9 @@ struct BrukerCode {
 };
 enum class BrukerFamily { directory, flat };
 
+/// Whether a 0 ppm frequency can belong to what was observed: within 2 %, which no chemical shift exceeds.
+bool IsSameNucleus(double zero_ppm_mhz, double observed_mhz);
+
 /// How a file of `count` values is stored: 8 bytes for each value force float64, else DTYPA or DTYPP
 /// (`type_name`) decides, 0 without it; the byte order is BYTORDA or BYTORDP (`order_name`).
 BrukerCode FindBrukerCode(const BrukerParameters& parameters, std::string_view type_name, std::string_view order_name,
@@ -76,13 +79,15 @@ Result<BrukerParameters> ReadParaBruker(const ReadRequest& request, const std::s
 Result<BrukerParameters> ReadParaBrukerAcq(const ReadRequest& request, const std::string& acqus_path);
 Result<BrukerParameters> ReadParaBrukerProcs(const ReadRequest& request, const std::string& procs_path);
 
-/// Fields of the slot from the parameters, checked: too_large or bad_value when they can't be right.
+/// Fields of the slot from the parameters, checked: too_large or bad_value, with the parameter's name,
+/// when they can't be right.
 Status FillParaBruker(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus);
 Status FillParaBrukerProcs(GlobalBlock& g, std::int16_t slot, const BrukerParameters& procs);
 
 /// Points of a FID whose parameters stand in the slot: even values real, odd values imaginary, the mean
 /// of the last 40 % taken off, divided by the largest value. REVERSE in procs (may be nullptr) negates
-/// the imaginary part. A file with fewer values than TD is filled up with zeros and leaves a warning.
+/// the imaginary part. A file with fewer values than TD is filled up with zeros; that, values
+/// beyond TD and its block, and a FID without any signal leave warnings.
 Status ReadDataBruker(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
                       BrukerFamily family, ByteSpan fid);
 

@@ -15,12 +15,13 @@ namespace {
 
 constexpr double kMaxValue = 1e30; // nothing an instrument writes comes near
 constexpr double kMeanShare = 0.4; // of the FID, at its end, taken for the base line
+constexpr float kSilence = 1e-10F; // of the largest value: what rounding leaves of a constant
 constexpr float kFidScale = 0.1F;  // intensity factor of all FIDs of this family
-constexpr int kMaxExponent = 100;  // of NC_proc, up or down
+constexpr int kMaxExponent = 60;   // of NC_proc, up or down: the squares of values stay finite
 constexpr double kMaxShift = 1e9;  // ppm
 constexpr std::size_t kSmallestValue = 4;
 constexpr std::int16_t kOneChannel = 1, kSequential = 3; // AcqMode
-constexpr std::string_view kParameterError = "Data is too Large, or Parameter Error";
+constexpr std::size_t kBlock = 1024;                     // bytes; instruments fill the last block of a file with zeros
 
 std::size_t BytesOf(BrukerNumber number)
 {
@@ -63,9 +64,13 @@ int ValuesOfPoint(const ParamBlock& par)
     return par.AcqMode == kOneChannel ? 1 : 2;
 }
 
-Error ParameterError(ErrorCode code, std::string_view where)
+/// Names the parameter with what the file says of it.
+Error ParameterError(ErrorCode code, std::string_view where, const BrukerParameters& parameters, std::string_view name)
 {
-    return {code, std::string(where), std::string(kParameterError)};
+    const auto text = parameters.Text(name);
+    const std::string_view fault = code == ErrorCode::too_large ? "too many points" : "no usable value";
+    return {code, std::string(where),
+            text ? fmt::format("{} is \"{}\": {}", name, Left(*text, 40), fault) : fmt::format("{} is missing", name)};
 }
 
 std::int32_t PowerOfTwoFrom(std::int32_t points)
@@ -77,14 +82,21 @@ std::int32_t PowerOfTwoFrom(std::int32_t points)
 
 bool IsFrequency(double mhz)
 {
-    return mhz > 0 && mhz < 1e5;
+    return mhz >= 1e-4 && mhz < 1e5;
 }
 bool IsWidth(double hz)
 {
-    return hz > 0 && hz < 1e9;
+    return hz >= 1e-3 && hz < 1e9;
 }
 
-/// Stored values of one file; what is missing of `count` or damaged is noted.
+/// Values that a file holds beyond `count`, but for those that fill its last block up.
+std::uint64_t SurplusValues(ByteSpan file, BrukerCode code, std::uint64_t count)
+{
+    const std::uint64_t size = BytesOf(code.number), blocks = (count * size + kBlock - 1) / kBlock * kBlock;
+    return file.size() < blocks + size ? 0 : file.size() / size - count;
+}
+
+/// Stored values of one file; what is missing of `count`, beyond it or damaged is noted.
 Result<std::vector<double>> ReadValues(DataSet& set, std::string_view where, std::string_view name, ByteSpan file,
                                        BrukerCode code, std::uint64_t count)
 {
@@ -94,6 +106,10 @@ Result<std::vector<double>> ReadValues(DataSet& set, std::string_view where, std
     if (values.size() < count)
         set.Warnings.push_back(
             fmt::format("{} is cut short: {} of {} values are there, the rest is zero.", name, values.size(), count));
+    if (const std::uint64_t surplus = SurplusValues(file, code, count); surplus > 0)
+        set.Warnings.push_back(fmt::format("{} is longer than its parameters say: {} values are read, at least {} more "
+                                           "are left out.",
+                                           name, count, surplus));
     if (damaged > 0)
         set.Warnings.push_back(fmt::format("{} values of {} are no numbers and read as zero.", damaged, name));
     return values;
@@ -112,6 +128,12 @@ BrukerCode FindBrukerCode(const BrukerParameters& parameters, std::string_view t
     else if (type == 1 || (family == BrukerFamily::flat && LooksLikeFloats(file, code.big_endian)))
         code.number = BrukerNumber::float32;
     return code;
+}
+
+bool IsSameNucleus(double zero_ppm_mhz, double observed_mhz)
+{
+    constexpr double kLargestShift = 0.02;
+    return std::fabs(zero_ppm_mhz - observed_mhz) <= kLargestShift * observed_mhz;
 }
 
 std::vector<double> DecodeBruker(ByteSpan file, BrukerCode code, std::uint64_t count, std::uint64_t& damaged)
@@ -134,16 +156,20 @@ Status FillParaBruker(GlobalBlock& g, std::int16_t slot, const BrukerParameters&
     ApplyBrukerRecords(acqus, BrukerUse::fid, g.nuclides, par);
     const double td = acqus.Number("TD").value_or(0);
     double width = acqus.Number("SW_h").value_or(0);
-    if (!(td >= 2) || !IsFrequency(par.ObsCenter) || !IsWidth(width))
-        return ParameterError(ErrorCode::bad_value, where);
-    if (td > 2.0 * kMaxPoints + 1) return ParameterError(ErrorCode::too_large, where);
+    const auto refused = [&](ErrorCode code, std::string_view name) {
+        return ParameterError(code, where, acqus, name);
+    };
+    if (!(td >= 2)) return refused(ErrorCode::bad_value, "TD");
+    if (!IsFrequency(par.ObsCenter)) return refused(ErrorCode::bad_value, "SFO1");
+    if (!IsWidth(width)) return refused(ErrorCode::bad_value, "SW_h");
+    if (td > 2.0 * kMaxPoints + 1) return refused(ErrorCode::too_large, "TD");
     par.FIDPoints = static_cast<std::int32_t>(td) / ValuesOfPoint(par);
-    if (par.FIDPoints > kMaxPoints) return ParameterError(ErrorCode::too_large, where);
+    if (par.FIDPoints > kMaxPoints) return refused(ErrorCode::too_large, "TD");
     width *= 2.0 / ValuesOfPoint(par);
     par.FREQU = static_cast<float>(width);
     par.POINT = PowerOfTwoFrom(par.FIDPoints);
     par.SMODE = 0;
-    if (!IsFrequency(par.OBFRQ0PPM)) par.OBFRQ0PPM = par.ObsCenter;
+    if (!IsSameNucleus(par.OBFRQ0PPM, par.ObsCenter)) par.OBFRQ0PPM = par.ObsCenter;
     par.FileRefMHz = par.OBFRQ0PPM;
     par.GroupDelay = BrukerGroupDelay(acqus);
     par.ACQTM = static_cast<float>(par.FIDPoints / width);
@@ -195,6 +221,9 @@ Status ReadDataBruker(GlobalBlock& g, std::int16_t slot, const BrukerParameters&
     if (Status made = AllocateSpecBuffer(g, set.par.POINT, slot); !made) return made;
     const bool reversed = procs != nullptr && EqualsNoCase(procs->Text("REVERSE").value_or("no"), "yes");
     StoreFid(*values, parts, reversed ? -1 : 1, set.spec);
+    const auto silent = [](float value) { return std::fabs(value) < kSilence; };
+    if (std::ranges::all_of(set.spec.DataRe[0], silent) && std::ranges::all_of(set.spec.DataIm[0], silent))
+        set.Warnings.emplace_back("fid holds no signal: all its values are the same.");
     if (parts == 1)
         set.Warnings.emplace_back("The FID has one channel (AQ_mod 0): every line has a mirror image at the other side "
                                   "of the carrier.");
@@ -214,10 +243,15 @@ Status FillParaBrukerProcs(GlobalBlock& g, std::int16_t slot, const BrukerParame
     const double mhz = procs.Number("SF").value_or(0);
     const double width = procs.Number("SW_p").value_or(0);
     const auto offset = procs.Number("OFFSET");
-    if (!(points >= 1) || !IsFrequency(mhz) || !IsWidth(width) || !offset || std::fabs(*offset) > kMaxShift ||
-        std::fabs(procs.Number("NC_proc").value_or(0)) > kMaxExponent)
-        return ParameterError(ErrorCode::bad_value, where);
-    if (points > kMaxPoints) return ParameterError(ErrorCode::too_large, where);
+    const auto refused = [&](ErrorCode code, std::string_view name) {
+        return ParameterError(code, where, procs, name);
+    };
+    if (!(points >= 1)) return refused(ErrorCode::bad_value, "SI");
+    if (!IsFrequency(mhz)) return refused(ErrorCode::bad_value, "SF");
+    if (!IsWidth(width)) return refused(ErrorCode::bad_value, "SW_p");
+    if (!offset || std::fabs(*offset) > kMaxShift) return refused(ErrorCode::bad_value, "OFFSET");
+    if (std::fabs(procs.Number("NC_proc").value_or(0)) > kMaxExponent) return refused(ErrorCode::bad_value, "NC_proc");
+    if (points > kMaxPoints) return refused(ErrorCode::too_large, "SI");
     par.POINT = static_cast<std::int32_t>(points);
     par.SMODE = 1;
     par.FREQU = static_cast<float>(width);

@@ -5,6 +5,7 @@
 
 #include "core/error_report.h"
 #include "core/file_layer.h"
+#include "core/numbers.h"
 #include "core/text.h"
 #include "formats/probes.h"
 #include "formats/registry.h"
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <initializer_list>
+#include <map>
 #include <optional>
 
 namespace nmr {
@@ -21,6 +23,9 @@ namespace {
 constexpr std::size_t kHeadBytes = 65536;
 /// Parameter files are read whole; the largest in use are below 1 MB.
 constexpr std::uint64_t kLargestParameterFile = std::uint64_t{64} << 20;
+/// Of what is read whole because its head does not tell enough. The largest one-dimensional data set as
+/// text is a fifth of it.
+constexpr std::uint64_t kLargestProbedFile = std::uint64_t{256} << 20;
 
 using OptionalPath = std::optional<std::filesystem::path>;
 
@@ -110,19 +115,36 @@ OptionalPath RealPath(std::string_view path)
     return whole.has_filename() ? whole : whole.parent_path();
 }
 
+/// False for an empty file and for what is no file; true for one that can't be read, so that the reason is told.
+bool MayHoldData(const std::filesystem::path& path)
+{
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error) && FileLen(path.string()) != 0;
+}
+
+/// The numbered folders below "pdata", from the lowest number.
+std::vector<std::filesystem::path> ProcessingFolders(const std::filesystem::path& pdata)
+{
+    std::map<std::int64_t, std::filesystem::path> folders;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(pdata, error), end; !error && entry != end; entry.increment(error))
+        if (const auto number = ParseInteger(entry->path().filename().string()))
+            folders.emplace(*number, entry->path());
+    std::vector<std::filesystem::path> sorted;
+    for (auto& [number, folder] : folders) sorted.push_back(std::move(folder));
+    return sorted;
+}
+
 /// The data file inside a folder.
 OptionalPath DataFileOf(const std::string& folder)
 {
-    constexpr int kMostProcessings = 99;
     for (const std::string_view name : kFolderFiles)
-        if (auto file = FindInFolder(folder, name); file && HoldsData(file->string())) return file;
+        if (auto file = FindInFolder(folder, name); file && MayHoldData(*file)) return file;
     const OptionalPath processed = FindInFolder(folder, "pdata");
     if (!processed) return std::nullopt;
-    for (int number = 1; number <= kMostProcessings; ++number)
-        for (const char* name : {"/1r", "/2rr"})
-            if (auto file = FindInFolder(processed->string(), std::to_string(number) + name);
-                file && HoldsData(file->string()))
-                return file;
+    for (const auto& processing : ProcessingFolders(*processed))
+        for (const char* name : {"1r", "2rr"})
+            if (auto file = FindInFolder(processing.string(), name); file && MayHoldData(*file)) return file;
     return std::nullopt;
 }
 
@@ -302,7 +324,7 @@ ProbeAnswer Detector::ProbeData(const std::string& path, ProbeFunction probe)
     if (!head) return Unreadable(head.error(), probe);
     ProbeAnswer answer = probe(*head, context_);
     if (!answer.needs_more || head->size() < kHeadBytes) return answer;
-    const Result<Bytes> whole = ReadWholeFile(path);
+    const Result<Bytes> whole = ReadWholeFile(path, kLargestProbedFile);
     if (!whole) return Unreadable(whole.error(), probe);
     return probe(*whole, context_);
 }
@@ -525,7 +547,7 @@ Result<std::string> ReadDataMode(const std::string& path)
     const std::int64_t length = whole_file ? static_cast<std::int64_t>(head->size()) : FileLen(path);
     Sniff sniff = SniffDataMode(*head, static_cast<std::uint64_t>(std::max<std::int64_t>(length, 0)));
     if (sniff.needs_more && !whole_file) {
-        const Result<Bytes> whole = ReadWholeFile(path);
+        const Result<Bytes> whole = ReadWholeFile(path, kLargestProbedFile);
         if (!whole) return failure(whole.error());
         sniff = SniffDataMode(*whole, whole->size());
     }
@@ -534,7 +556,14 @@ Result<std::string> ReadDataMode(const std::string& path)
 
 FileType ReadFileType(const std::string& path, Asker& asker, const NuclearTable& nuclides)
 {
-    return Detector(asker, nuclides).Run(path);
+    FileType type = Detector(asker, nuclides).Run(path);
+    if (type.code > 0) return type;
+    // A link to the data file alone: its companions stand beside what it points to.
+    std::error_code error;
+    const OptionalPath real = RealPath(path);
+    if (!real || !std::filesystem::is_symlink(*real, error)) return type;
+    const std::filesystem::path target = std::filesystem::canonical(*real, error);
+    return error ? type : Detector(asker, nuclides).Run(target.string());
 }
 
 } // namespace nmr

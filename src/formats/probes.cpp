@@ -112,20 +112,6 @@ Sniff SniffDataMode(ByteSpan head, std::uint64_t length)
     return {SniffToken(head)};
 }
 
-bool Split_KeyValue(std::string_view line, std::string& key, std::string& value)
-{
-    line = Trim(line);
-    const auto end = line.find_first_of("= \t");
-    key = std::string(line.substr(0, end));
-    value.clear();
-    if (key.empty()) return false;
-    if (end == std::string_view::npos) return true;
-    std::string_view rest = Trim(line.substr(end));
-    if (rest.starts_with('=')) rest.remove_prefix(1);
-    value = std::string(Trim(rest));
-    return true;
-}
-
 namespace probe_detail {
 
 std::string FieldText(ByteSpan bytes, std::int64_t offset, std::int64_t length)

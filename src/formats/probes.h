@@ -70,17 +70,6 @@ struct Sniff {
 /// @param length  of the whole file: the first 520 bytes decide, and for labelled text all its labels
 Sniff SniffDataMode(ByteSpan head, std::uint64_t length);
 
-/// One record of a Varian parameter file.
-struct VarianRecord {
-    std::string name;                ///< as written; "ERROR:" for a record that can't be read
-    std::vector<std::string> values; ///< without quotes
-};
-/// Reads the record at `position` and moves behind it. An empty name means the end of the file.
-VarianRecord Varian_Line(ByteSpan file, std::size_t& position);
-
-/// Key and value of a line "key value" or "key=value"; false for a line without a key.
-bool Split_KeyValue(std::string_view line, std::string& key, std::string& value);
-
 namespace probe_detail {
 inline ProbeAnswer Failed(int status = -1)
 {

@@ -1,8 +1,7 @@
-// Probes of the JEOL families. Delta: its published header, which is big-endian in every file seen,
-// whatever byte 8 says of the sections behind it. Alice, Lambda, Alpha: the offsets are all that is
-// known of these files; no sample was found.
+// Probes of the JEOL families. Alice, Lambda, Alpha: the offsets are all that is known of these files; no
+// sample was found.
 
-#include "core/text.h"
+#include "formats/delta_header.h"
 #include "formats/probes.h"
 
 #include <array>
@@ -26,59 +25,11 @@ bool WithinShare(double a, double b, double share)
 
 // --- Delta
 
-constexpr std::size_t kDeltaSmallest = 1537;
-constexpr std::int64_t kDeltaRecordSmallest = 64;
-
-struct DeltaSections {
-    bool little_header = false;
-    bool little_sections = false;
-};
-
-std::int64_t DeltaLong(ByteSpan head, std::int64_t offset, bool little)
+std::string DeltaMode2D(const DeltaHeader& header, const NuclearTable& nuclides, int& kind)
 {
-    const std::int32_t word = little ? GetLongLE(head, Index(offset)) : GetLongBE(head, Index(offset));
-    return static_cast<std::uint32_t>(word);
-}
-
-DeltaSections DeltaOrder(ByteSpan head)
-{
-    const bool little = std::to_integer<int>(head[8]) != 0;
-    // Parameters stand close behind the header: read in the wrong order their place is beyond any file.
-    const bool header_is_big = DeltaLong(head, 1212, false) < 0x1000000;
-    return {.little_header = little && !header_is_big, .little_sections = little};
-}
-
-/// Text of the parameter "experiment"; empty when there is none.
-std::string DeltaExperiment(ByteSpan head, const DeltaSections& order, bool& needs_more)
-{
-    const std::int64_t start = DeltaLong(head, 1212, order.little_header);
-    if (!Holds(head, start, 16)) {
-        needs_more = true;
-        return {};
-    }
-    const std::int64_t size = DeltaLong(head, start, order.little_sections);
-    const std::int64_t count = DeltaLong(head, start + 8, order.little_sections) + 1;
-    if (size < kDeltaRecordSmallest) return {};
-    for (std::int64_t i = 0; i < count; ++i) {
-        const std::int64_t record = start + 16 + i * size;
-        if (!Holds(head, record, size)) {
-            needs_more = true;
-            return {};
-        }
-        if (EqualsNoCase(FieldText(head, record + 36, 28), "EXPERIMENT")) return FieldText(head, record + 16, 16);
-    }
-    return {};
-}
-
-std::string DeltaMode2D(ByteSpan head, const DeltaSections& order, const NuclearTable& nuclides, int& kind)
-{
-    const auto points1 = static_cast<double>(DeltaLong(head, 176, order.little_header));
-    const auto points2 = static_cast<double>(DeltaLong(head, 180, order.little_header));
-    const auto length = static_cast<double>(DeltaLong(head, 1292, order.little_header));
-    const double values = points1 * points2 * 8.0;
-    const bool phase_sensitive = values > 0.0 && length / values > 2.0;
-    const bool same =
-        nuclides.Nucleus_Normalize(FieldText(head, 808, 8)) == nuclides.Nucleus_Normalize(FieldText(head, 840, 8));
+    const double values = static_cast<double>(header.points) * static_cast<double>(header.points2) * 8.0;
+    const bool phase_sensitive = values > 0.0 && static_cast<double>(header.data_bytes) / values > 2.0;
+    const bool same = nuclides.Nucleus_Normalize(header.nucleus) == nuclides.Nucleus_Normalize(header.nucleus2);
     return ModeOf2D(phase_sensitive, same, kind);
 }
 
@@ -105,14 +56,13 @@ bool AlicePhaseSensitive(std::int64_t data_bytes, std::int64_t points1, std::int
 
 ProbeAnswer ReadModeECP(ByteSpan head, const ProbeContext& context)
 {
-    if (head.size() < kDeltaSmallest || GetText(head, 0, 8) != "JEOL.NMR") return Failed();
-    const auto byte = [&](std::size_t offset) { return std::to_integer<int>(head[offset]); };
-    const DeltaSections order = DeltaOrder(head);
-    const bool one_dimension = byte(12) == 1 || (byte(34) == 0 && byte(35) == 0);
-    // Base unit of the first axis: ppm or hertz; a FID has seconds.
-    ProbeAnswer answer = Found("1D:", byte(33) == 26 || byte(33) == 13);
-    if (!one_dimension) answer.mode = DeltaMode2D(head, order, context.nuclides, answer.kind_2d);
-    answer.mode += DeltaExperiment(head, order, answer.needs_more);
+    if (!StartsDeltaFile(head)) return Failed();
+    const DeltaHeader header = ReadDeltaHeader(head, kDeltaUnknownSize);
+    ProbeAnswer answer = Found("1D:", header.IsSpectrum());
+    if (!header.OneDimensional()) answer.mode = DeltaMode2D(header, context.nuclides, answer.kind_2d);
+    const DeltaParameters parameters = DeltaParameters::Parse(head, header);
+    answer.needs_more = parameters.cut() && parameters.Find("EXPERIMENT") == nullptr;
+    answer.mode += parameters.Text("EXPERIMENT");
     return answer;
 }
 

@@ -4,6 +4,8 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
+#include "formats/csv_table.h"
+#include "formats/key_values.h"
 #include "formats/probes.h"
 
 #include <algorithm>
@@ -217,15 +219,6 @@ ExValues LineHeader(LineReader& reader)
     return values;
 }
 
-/// The value of a key in a file of "key value" lines.
-std::optional<std::string> FindKey(ByteSpan head, std::string_view wanted)
-{
-    LineReader reader(head);
-    for (std::string line, key, value; !(line = reader.Read_TextLine()).empty();)
-        if (Split_KeyValue(line, key, value) && EqualsNoCase(key, wanted)) return value;
-    return std::nullopt;
-}
-
 } // namespace
 
 ProbeAnswer ReadModeBruker(ByteSpan head, const ProbeContext&)
@@ -245,12 +238,12 @@ ProbeAnswer ReadModeJCAMP(ByteSpan head, const ProbeContext&)
 
 ProbeAnswer ReadModeCSV(ByteSpan head, const ProbeContext& context)
 {
-    std::string text(reinterpret_cast<const char*>(head.data()), head.size());
-    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3); // byte order mark
-    const std::string_view line = std::string_view(text).substr(0, text.find_first_of("\r\n"));
-    // Columns are separated by commas; tables with tabs or semicolons are told apart by the reader.
+    const std::string_view text =
+        WithoutMark(std::string_view(reinterpret_cast<const char*>(head.data()), head.size()));
+    const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
+    // A table may stand behind lines of words; which separator it has is the reader's to find out.
     const std::string_view field = Trim(line.substr(0, line.find_first_of(",;\t")));
-    if (ParseNumber(field) || line.starts_with("$CSVSTART")) return Found("1D:", false);
+    if (ParseNumber(field) || line.starts_with("$CSVSTART") || IsCsvTable(text)) return Found("1D:", false);
     context.asker.Message({.text = "Invalid Data", .title = "Data Error"});
     return Failed(1);
 }
@@ -270,16 +263,18 @@ ProbeAnswer ReadModeEX(ByteSpan head, const ProbeContext&)
 ProbeAnswer ReadModeGEOmega(ByteSpan head, const ProbeContext&)
 {
     constexpr double kMostRows = 128;
-    const auto text = FindKey(head, "DIM1");
-    const auto rows = text ? ParseNumber(*text) : std::nullopt;
+    const KeyValues keys = KeyValues::Parse(head);
+    const std::string* text = keys.Find("DIM1");
+    const auto rows = text != nullptr ? ParseNumber(*text) : std::nullopt;
     if (!rows) return Failed();
     return Found(*rows < kMostRows ? "1D" : "V2D", false);
 }
 
 ProbeAnswer ReadModeCMX(ByteSpan head, const ProbeContext&)
 {
-    const auto experiment = FindKey(head, "PPFN");
-    if (!experiment) return Failed();
+    const KeyValues acq = KeyValues::Parse(head);
+    const std::string* experiment = acq.Find("PPFN");
+    if (experiment == nullptr) return Failed();
     return Found("1D:" + *experiment, false);
 }
 

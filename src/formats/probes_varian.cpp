@@ -1,95 +1,16 @@
-// The parameter file of Varian consoles: records of text, read as tokens separated by blanks, since a
-// quoted string may run over lines. Grammar as the OpenVnmrJ sources write and read it.
+// The probe of Varian parameter files: FID or array of one dimension, or two dimensions.
 
-#include "core/numbers.h"
 #include "core/text.h"
 #include "formats/probes.h"
+#include "formats/varian_procpar.h"
 
 #include <cmath>
-#include <optional>
 
 namespace nmr {
 
 using namespace probe_detail;
 
 namespace {
-
-constexpr int kFieldsBehindName = 10;
-constexpr int kStringType = 2;
-
-/// Tokens of a parameter file: words between blanks, or text in double quotes.
-class VarianTokens {
-public:
-    VarianTokens(ByteSpan file, std::size_t position) : file_(file), position_(position) {}
-    std::size_t position() const { return position_; }
-
-    /// Nothing at the end of the file.
-    std::optional<std::string> Word()
-    {
-        SkipBlanks();
-        std::string word;
-        while (position_ < file_.size() && Char() > ' ') word += static_cast<char>(file_[position_++]);
-        return word.empty() ? std::nullopt : std::optional(word);
-    }
-    /// Nothing when no quote stands here or none closes.
-    std::optional<std::string> Quoted()
-    {
-        SkipBlanks();
-        if (position_ >= file_.size() || Char() != '"') return std::nullopt;
-        ++position_;
-        std::string text;
-        while (position_ < file_.size() && Char() != '"') {
-            if (Char() == '\\' && position_ + 1 < file_.size() && file_[position_ + 1] == std::byte{'"'})
-                ++position_; // a quote inside the text; nothing else is escaped
-            text += static_cast<char>(file_[position_++]);
-        }
-        if (position_ >= file_.size()) return std::nullopt;
-        ++position_;
-        return text;
-    }
-    std::optional<std::int64_t> Count()
-    {
-        const auto word = Word();
-        return word ? ParseInteger(*word) : std::nullopt;
-    }
-
-private:
-    unsigned char Char() const { return std::to_integer<unsigned char>(file_[position_]); }
-    void SkipBlanks()
-    {
-        while (position_ < file_.size() && Char() <= ' ') ++position_;
-    }
-
-    ByteSpan file_;
-    std::size_t position_;
-};
-
-/// "count value value ..."; an unreadable count or value gives false. The list grows by what the
-/// file holds, never by the count alone.
-bool ReadList(VarianTokens& tokens, bool quoted, std::vector<std::string>& values)
-{
-    const auto count = tokens.Count();
-    if (!count || *count < 0) return false;
-    for (std::int64_t i = 0; i < *count; ++i) {
-        auto value = quoted ? tokens.Quoted() : tokens.Word();
-        if (!value) return false;
-        values.push_back(std::move(*value));
-    }
-    return true;
-}
-
-bool ReadRecord(VarianTokens& tokens, VarianRecord& record)
-{
-    std::optional<std::int64_t> basic_type;
-    for (int i = 0; i < kFieldsBehindName; ++i) {
-        const auto word = tokens.Word();
-        if (!word || !ParseNumber(*word)) return false;
-        if (i == 1) basic_type = ParseInteger(*word);
-    }
-    const bool text = basic_type == kStringType;
-    std::vector<std::string> allowed; // the values that the console offers
-    return ReadList(tokens, text, record.values) && ReadList(tokens, text, allowed);
-}
 
 /// What the decision needs.
 struct VarianValues {
@@ -98,25 +19,16 @@ struct VarianValues {
     std::string observe = "NUL", decouple = "NUL";
 };
 
-/// False for a file without a record, or with one that can't be read.
-bool ReadValues(ByteSpan file, const NuclearTable& nuclides, VarianValues& values)
+VarianValues ValuesOf(const VarianParameters& parameters, const NuclearTable& nuclides)
 {
-    bool any = false;
-    for (std::size_t position = 0;;) {
-        const VarianRecord record = Varian_Line(file, position);
-        if (record.name == "ERROR:") return false;
-        if (record.name.empty()) return any;
-        any = true;
-        if (record.values.empty()) continue;
-        const std::string name = ToUpper(record.name);
-        const std::string& value = record.values.front();
-        if (name == "ARRAY") values.array = ToUpper(Trim(value));
-        if (name == "ARRAYDIM") values.array_rows = ParseNumber(value).value_or(0.0);
-        if (name == "SFRQ") values.observe_mhz = ParseNumber(value).value_or(0.0);
-        if (name == "DFRQ") values.decouple_mhz = ParseNumber(value).value_or(0.0);
-        if (name == "TN") values.observe = nuclides.Nucleus_Normalize(value);
-        if (name == "DN") values.decouple = nuclides.Nucleus_Normalize(value);
-    }
+    VarianValues values;
+    values.array = ToUpper(parameters.Text("array").value_or(""));
+    values.array_rows = parameters.Number("arraydim").value_or(0.0);
+    values.observe_mhz = parameters.Number("sfrq").value_or(0.0);
+    values.decouple_mhz = parameters.Number("dfrq").value_or(0.0);
+    if (const auto name = parameters.Text("tn")) values.observe = nuclides.Nucleus_Normalize(*name);
+    if (const auto name = parameters.Text("dn")) values.decouple = nuclides.Nucleus_Normalize(*name);
+    return values;
 }
 
 /// Rows of one parameter look like increments of a second dimension: only the user can tell.
@@ -159,22 +71,11 @@ ProbeAnswer VarianMode2D(VarianValues values)
 
 } // namespace
 
-VarianRecord Varian_Line(ByteSpan file, std::size_t& position)
-{
-    VarianTokens tokens(file, position);
-    VarianRecord record;
-    if (auto name = tokens.Word()) {
-        record.name = std::move(*name);
-        if (!ReadRecord(tokens, record)) record = {"ERROR:", {}};
-    }
-    position = tokens.position();
-    return record;
-}
-
 ProbeAnswer ReadModeVarian(ByteSpan head, const ProbeContext& context)
 {
-    VarianValues values;
-    if (!ReadValues(head, context.nuclides, values)) return Failed();
+    const auto parameters = VarianParameters::Parse(head);
+    if (!parameters) return Failed();
+    VarianValues values = ValuesOf(*parameters, context.nuclides);
     if (!IsTwoDimensionalSet(values, context.asker)) return Found("1D:", false);
     return VarianMode2D(std::move(values));
 }

@@ -2,7 +2,12 @@
 
 #include "core/text.h"
 #include "formats/bruker.h"
+#include "formats/cmx.h"
+#include "formats/csv.h"
+#include "formats/delta.h"
+#include "formats/jcamp.h"
 #include "formats/tavo4.h"
+#include "formats/varian.h"
 
 #include <algorithm>
 
@@ -12,24 +17,24 @@ namespace {
 constexpr FidSense kOpposite = FidSense::opposite;
 constexpr FidSense kAsTransformed = FidSense::as_transformed;
 
-// FID sense: shown on pairs of FID and vendor spectrum for Bruker, Varian and Delta, taken from other
-// readers' handling for CMX. JCAMP-DX has the sense of the program that exported the file.
+// FID sense: shown on pairs of FID and spectrum for Bruker, Varian, Delta and text, taken from other
+// readers' handling for CMX. JCAMP-DX FIDs have the sense of Bruker data; its reader turns those of JEOL.
 constexpr FormatRow kRows[] = {
     {0, "JEOL Alice", "*.als", "ALS1", "ALS2D", "ALS2F", kAsTransformed},
     {1, "JEOL GX/GSX/EX", "*.gxd (*.gxp)", "GXD1", "GXD2D", "GXD2F", kAsTransformed},
     {2, "JEOL Lambda", "*.nmdata, *.nmfid", "LAMBDA1", "LAMBDA2D", "LAMBDA2F", kAsTransformed},
-    {3, "JEOL Delta", "*.jdf", "ECP1", "ECP2D", "ECP2F", kAsTransformed},
+    {3, "JEOL Delta", "*.jdf", "ECP1", "ECP2D", "ECP2F", kAsTransformed, ReadDelta},
     {4, "Bruker directory", "fid, ser, 1r (acqus, procs)", "BRU1", "BRU2D", "BRU2F", kOpposite, ReadBruker},
     {5, "JEOL Alpha", "*.nmf, *.nmd", "ALPHA1", "ALPHA2D", "ALPHA2F", kAsTransformed},
-    {6, "Varian", "fid, data, phasefile (procpar, curpar)", "VAR1", "VAR2D", "VAR2F", kAsTransformed},
+    {6, "Varian", "fid, data, phasefile (procpar, curpar)", "VAR1", "VAR2D", "VAR2F", kAsTransformed, ReadVarian},
     {7, "Nuts", "*.fid, *.h1, *.c13", "NUTS1", "NUTS2D", "NUTS2F", kAsTransformed},
     {8, "Bruker flat files", "*.fid (*.aqs), *.1r (*.fqs)", "BRUX1D", "BRUX2D", "BRUX2F", kOpposite, ReadBruker},
-    {9, "Varian CMX", "data (acq, acq_2, proc)", "CMX1", "", "", kOpposite},
+    {9, "Varian CMX", "data (acq, acq_2, proc)", "CMX1", "", "", kOpposite, ReadCmx},
     {10, "GE Omega", "*.fid (*.hed)", "GE1", "GE2D", "GE2F", kAsTransformed},
     {11, "Native Ver.3", "*.tv1", "TAVO1", "TAVO2D", "TAVO2F", kAsTransformed},
     {12, "Native Ver.4", "*.tvo, *.tvo1", "TAVO1_V4", "TAVO2D_V4", "TAVO2D_V4", kAsTransformed, ReadTavo4, true},
-    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kAsTransformed},
-    {14, "CSV", "*.csv, *.txt, *.dat, *.asc", "CSV1", "", "", kAsTransformed},
+    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kOpposite, ReadDataJCAMP},
+    {14, "CSV", "*.csv, *.txt, *.dat, *.asc", "CSV1", "", "", kOpposite, ReadDataCSV, true},
     {15, "MSL/Aspect", "*.msl", "MSL1", "MSL2D", "MSL2F", kAsTransformed},
     {16, "Siemens/DICOM", "*.ima, *.dcm", "SIEMENS", "", "", kAsTransformed},
     {17, "Mac Alice", "*.import", "MAC1", "MAC2D", "MAC2F", kAsTransformed},

@@ -13,10 +13,10 @@ namespace {
 constexpr double kPhase0Limit = 360.0;
 constexpr double kPhase1Limit = 1800.0;
 
-/// What the scroll bar of a phase can hold: whole tenths within its limits.
-float Tenths(double deg, double limit)
+/// A phase as typed or given on a command line; the scroll bars show the nearest tenth of it.
+float Limited(double deg, double limit)
 {
-    return static_cast<float>(RoundHalfEven(std::clamp(deg, -limit, limit) * 10.0) / 10.0);
+    return static_cast<float>(std::clamp(deg, -limit, limit));
 }
 
 void CopyRows(const RowArray<float>& from, RowArray<float>& to, std::int32_t points)
@@ -85,7 +85,9 @@ Status FftForm::SetZeroFill(std::int32_t factor)
         if (factor == 1) return WindowChanged();
         return Error{ErrorCode::unreadable, "Command1/F11", "The FID could not be kept, so it can't be filled"};
     }
-    if (Status set = Set_Zero_Fill(g_, 0, factor); !set) return set;
+    // A window that can't be made is reported by WindowChanged, which also gives the preview.
+    if (Status set = Set_Zero_Fill(g_, 0, factor); !set && points() != g_.Slots[0].par.FIDPointsRaw * factor)
+        return set;
     return WindowChanged();
 }
 
@@ -113,14 +115,14 @@ void FftForm::SetShift(std::int32_t shift)
 void FftForm::SetPhase0(double deg)
 {
     if (!std::isfinite(deg)) return;
-    g_.Phase0Deg = Tenths(deg, kPhase0Limit);
+    g_.Phase0Deg = Limited(deg, kPhase0Limit);
     RotateShownRow();
 }
 
 void FftForm::SetPhase1(double deg)
 {
     if (!std::isfinite(deg)) return;
-    g_.Phase1Deg = Tenths(deg, kPhase1Limit);
+    g_.Phase1Deg = Limited(deg, kPhase1Limit);
     RotateShownRow();
 }
 

@@ -28,7 +28,7 @@ public:
     /// After a change of a window field: curve and preview anew.
     Status WindowChanged();
     void SetShift(std::int32_t points);
-    void SetPhase0(double deg); ///< clamped to -360..360, stored in tenths as the scroll bar has it
+    void SetPhase0(double deg); ///< clamped to -360..360
     void SetPhase1(double deg); ///< clamped to -1800..1800
     void AddPhase0(double deg) { SetPhase0(static_cast<double>(g_.Phase0Deg) + deg); }
     void AddPhase1(double deg) { SetPhase1(static_cast<double>(g_.Phase1Deg) + deg); }

@@ -7,6 +7,7 @@
 #include "formats/bruker.h"
 #include "formats/detect.h"
 #include "formats/registry.h"
+#include "formats/varian.h"
 #include "session/display_scope.h"
 #include "session/fft_form.h"
 #include "session/fid_intake.h"
@@ -25,6 +26,7 @@ constexpr char kWhere[] = "NMR1D_m11_Click/1DF1";
 constexpr int kFileNotFound = 53; // run-time error number
 constexpr float kReadYFill = 0.95F;
 constexpr int kBrukerDirectory = 4;
+constexpr int kVarian = 6;
 // The two native families carry their own display range.
 constexpr int kNativeVer3 = 11;
 constexpr int kNativeVer4 = 12;
@@ -77,12 +79,21 @@ Status Refuse(Asker& asker, const Error& error)
 bool MayRetry(ErrorCode code)
 {
     return code == ErrorCode::not_nmr || code == ErrorCode::two_dimensional || code == ErrorCode::unsupported ||
-           code == ErrorCode::not_found;
+           code == ErrorCode::not_found || code == ErrorCode::unreadable;
 }
 
-Error KindError(std::int32_t code)
+Error MissingError(const std::string& path)
 {
-    if (IsTwoDimensional(code)) return {ErrorCode::two_dimensional, kWhere, "Two-dimensional data"};
+    if (const std::string obstacle = ReadObstacle(path); !obstacle.empty())
+        return {ErrorCode::unreadable, kWhere, path + ": " + obstacle};
+    return {ErrorCode::not_found, kWhere, FileErrorText(kFileNotFound) + ": " + path};
+}
+
+Error KindError(const FileType& type)
+{
+    if (const std::string obstacle = ReadObstacle(type.path); !obstacle.empty())
+        return {ErrorCode::unreadable, kWhere, type.path + ": " + obstacle};
+    if (IsTwoDimensional(type.code)) return {ErrorCode::two_dimensional, kWhere, "Two-dimensional data"};
     return {ErrorCode::not_nmr, kWhere, "No NMR data that this program knows"};
 }
 
@@ -93,13 +104,13 @@ struct Candidate {
 };
 
 /// Everything that is known before slot 0 is touched.
-Result<Candidate> Inspect(Session& s, const std::string& path)
+Result<Candidate> Inspect(Session& s, const std::string& path, FileType& detected)
 {
-    if (!ResolvePath(path)) return Error{ErrorCode::not_found, kWhere, FileErrorText(kFileNotFound) + ": " + path};
+    if (!ResolvePath(path)) return MissingError(path);
     Candidate found;
-    found.type = ReadFileType(path, s.asker, s.g.nuclides);
+    found.type = detected = ReadFileType(path, s.asker, s.g.nuclides);
     s.g.DataKind = found.type.code;
-    if (!IsOneDimensional(found.type.code)) return KindError(found.type.code);
+    if (!IsOneDimensional(found.type.code)) return KindError(found.type);
     s.g.FormatIndex = FamilyOf(found.type.code);
     found.row = FindFormat(s.g.FormatIndex);
     if (found.row == nullptr || found.row->read == nullptr) {
@@ -263,6 +274,12 @@ Status FillSlot(Session& s, const Candidate& found, bool& fid_overwritten)
     return transformed ? Status() : Refuse(s.asker, transformed.error());
 }
 
+void LeaveDummy(const FileType& type)
+{
+    if (FamilyOf(type.code) == kBrukerDirectory) LeaveBrukerDummy(type);
+    if (FamilyOf(type.code) == kVarian) LeaveVarianDummy(type);
+}
+
 void RememberFile(Session& s, const Candidate& found)
 {
     GlobalBlock& g = s.g;
@@ -270,7 +287,7 @@ void RememberFile(Session& s, const Candidate& found)
     g.settings.access_read_dir = g.LastDirs[0];
     ClaimFile(g, found.file);
     AddRecentFile(g, found.file);
-    if (s.may_leave_dummy_files && g.FormatIndex == kBrukerDirectory) LeaveBrukerDummy(found.type);
+    if (s.may_leave_dummy_files) LeaveDummy(found.type);
     ShowTitle(s, found.file);
 }
 
@@ -295,9 +312,9 @@ Status ReadCandidate(Session& s, const Candidate& found)
     return {};
 }
 
-Status ReadFrom(Session& s, const std::string& path)
+Status ReadFrom(Session& s, const std::string& path, FileType& detected)
 {
-    const Result<Candidate> found = Inspect(s, path);
+    const Result<Candidate> found = Inspect(s, path, detected);
     if (!found) return Refuse(s.asker, found.error());
     return ReadCandidate(s, *found);
 }
@@ -340,22 +357,29 @@ std::optional<std::string> AskForFile(Session& s)
 Status NMR1D_m11_Click(Session& s)
 {
     s.g.ToolMode = 0;
+    FileType detected;
     const std::string named = std::exchange(s.g.CmdLineFile, {});
     if (!MayReplaceData(s)) return Cancelled();
-    if (!named.empty()) return ReadFrom(s, named);
+    if (!named.empty()) return ReadFrom(s, named, detected);
     for (;;) {
         const std::optional<std::string> path = AskForFile(s);
         if (!path) return Cancelled();
-        Status status = ReadFrom(s, *path);
+        Status status = ReadFrom(s, *path, detected);
         if (status || !MayRetry(status.error().code)) return status;
     }
 }
 
 Status Read_Path(Session& s, const std::string& path)
 {
+    FileType detected;
+    return Read_Path(s, path, detected);
+}
+
+Status Read_Path(Session& s, const std::string& path, FileType& detected)
+{
     s.g.ToolMode = 0;
     if (!MayReplaceData(s)) return Cancelled();
-    return ReadFrom(s, path);
+    return ReadFrom(s, path, detected);
 }
 
 bool ConfirmDeleteMulti(Session& s, MultiState state)

@@ -2,6 +2,7 @@
 // Read: from a user's choice to a filled slot 0 on the display.
 
 #include "core/result.h"
+#include "formats/detect.h"
 #include "session/session.h"
 
 #include <string>
@@ -14,12 +15,14 @@ Status NMR1D_m11_Click(Session& s);
 
 /// The same for a path at hand, without the file dialog: drag and drop, recent files, nmr1d-cli.
 ///
-/// @return not_found, not_nmr, two_dimensional, unsupported or in_use before anything is touched;
+/// @return not_found, unreadable, not_nmr, two_dimensional, unsupported or in_use before anything is touched;
 ///         what the reader said (too_large, bad_value, truncated ...); cancelled when a question or
 ///         the transform form was answered so. The user has been told of each but cancelled. Unsaved
 ///         data that were replaced are back after every failure, with DataChanged 1; without unsaved
 ///         data a read that failed behind its first questions leaves slot 0 empty.
 Status Read_Path(Session& s, const std::string& path);
+/// The same, and what the detection said of the path.
+Status Read_Path(Session& s, const std::string& path, FileType& detected);
 
 enum class MultiState : std::int16_t { normal = 0, keep = 3 };
 /// Asks what becomes of the multi spectra when slots 1 to 20 hold some; false when the read is to end.

@@ -58,6 +58,13 @@ void SetMode(QFileDialog& window, FileDialog::Kind kind)
     window.setOption(QFileDialog::ShowDirsOnly, kind == FileDialog::Kind::folder);
 }
 
+/// A box must stand over the form that asks, which may be a modal one over the main window.
+QWidget* Front(QWidget* main_window)
+{
+    QWidget* modal = QApplication::activeModalWidget();
+    return modal != nullptr ? modal : main_window;
+}
+
 } // namespace
 
 QString FilterText(const FilterRow& row)
@@ -72,8 +79,9 @@ QString FilterText(const FilterRow& row)
 
 Button QtAsker::Message(const MessageBox& box)
 {
+    if (before_question_) before_question_();
     if (box.beep) Beep();
-    QMessageBox window(parent_);
+    QMessageBox window(Front(parent_));
     window.setIcon(ToQt(box.icon));
     window.setWindowTitle(ToQString(box.title));
     window.setTextFormat(Qt::PlainText);
@@ -88,7 +96,8 @@ Button QtAsker::Message(const MessageBox& box)
 
 std::optional<FileChoice> QtAsker::File(const FileDialog& dialog)
 {
-    QFileDialog window(parent_, ToQString(dialog.title), ToQString(dialog.folder));
+    if (before_question_) before_question_();
+    QFileDialog window(Front(parent_), ToQString(dialog.title), ToQString(dialog.folder));
     SetMode(window, dialog.kind);
     const QStringList filters = FilterTexts(dialog);
     if (!filters.isEmpty()) {
@@ -104,7 +113,8 @@ std::optional<FileChoice> QtAsker::File(const FileDialog& dialog)
 
 FormAnswer QtAsker::Form(const FormRequest& request)
 {
-    if (const FormFunction show = FindForm(request.form)) return show(request, parent_);
+    if (before_question_) before_question_();
+    if (const FormFunction show = FindForm(request.form)) return show(request, Front(parent_));
     // Never taken for a yes: a form that is missing must not decide anything.
     std::fprintf(stderr, "nmr1d: there is no form %s\n", request.form.c_str());
     return {"CANCEL", {}};

@@ -14,6 +14,8 @@ class QtAsker : public Asker {
 public:
     /// The window that questions stand over; may come later than the first question.
     void SetParent(QWidget* parent) { parent_ = parent; }
+    /// Called before every question: the splash must not hide it.
+    void SetBeforeQuestion(std::function<void()> hook) { before_question_ = std::move(hook); }
     /// Where notices go; standard error until it is set.
     void SetNoticeLine(std::function<void(const QString&)> line) { notice_line_ = std::move(line); }
 
@@ -26,6 +28,7 @@ public:
 private:
     QPointer<QWidget> parent_;
     std::function<void(const QString&)> notice_line_;
+    std::function<void()> before_question_;
 };
 
 /// "JCAMP File (*.jdx *.dx)".

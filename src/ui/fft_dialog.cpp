@@ -4,12 +4,14 @@
 #include "fid/window.h"
 #include "ui/fft_controls.h"
 #include "ui/form_parts.h"
+#include "ui/help_sheet.h"
 #include "ui/window_dialog.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
@@ -62,6 +64,7 @@ FftDialog::FftDialog(FftForm& logic, QWidget* parent) : QDialog(parent), logic_(
     row->addWidget(controls_);
     const QSize room = screen()->availableSize();
     resize(std::min(1180, room.width() * 95 / 100), std::min(780, room.height() * 90 / 100));
+    preview_->setFocus(); // its keys work at once; those that it leaves are the form's
     TransformChanged();
 }
 
@@ -87,6 +90,14 @@ void FftDialog::resizeEvent(QResizeEvent* event)
     const int room = splitter_->height() - splitter_->handleWidth();
     const int above = static_cast<int>(std::lround(room * upper));
     splitter_->setSizes({above, room - above});
+}
+
+void FftDialog::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_F1)
+        ShowHelpSheet(this);
+    else
+        QDialog::keyPressEvent(event);
 }
 
 void FftDialog::KeepRatio()
@@ -275,7 +286,6 @@ void FftDialog::AddFoot(QBoxLayout& column)
     column.addWidget(progress_);
     column.addWidget(complete);
     column.addWidget(close);
-    complete->setFocus();
 }
 
 // ---- what happens

@@ -30,6 +30,13 @@ std::span<const float> ShownRow(const RowArray<float>& rows, std::int16_t row, s
     return r < rows.rows() ? rows[r].first(std::min(points, rows.columns())) : std::span<const float>();
 }
 
+std::span<const float> WindowLine(const GlobalBlock& g, std::size_t points)
+{
+    if (g.WindowCurve.empty()) return {};
+    const auto line = g.WindowCurve.from_zero();
+    return line.first(std::min(points, line.size()));
+}
+
 // Room of a plot inside its panel, the same for both, so that their frames stand above each other.
 RectD FrameRect(QtCanvas& canvas, const QWidget& panel, const AxisStyle& style)
 {
@@ -55,23 +62,20 @@ double FidPanel::Dwell() const
 
 void FidPanel::Refresh()
 {
-    GlobalBlock& g = logic_.block();
-    points_ = static_cast<std::size_t>(std::max(g.Slots[0].par.FIDPoints, 1));
-    const auto re = ShownRow(g.WorkRe, g.CurrentRow, points_), im = ShownRow(g.WorkIm, g.CurrentRow, points_);
-    points_ = re.size();
-    re_.Build(re);
-    im_.Build(im);
-    window_.Build(g.WindowCurve.from_zero().first(std::min(points_, g.WindowCurve.from_zero().size())));
+    const GlobalBlock& g = logic_.block();
+    const ParamBlock& par = g.Slots[0].par;
+    const auto measured = static_cast<std::size_t>(std::max(par.FIDPoints, 1));
+    re_.Build(ShownRow(g.WorkRe, g.CurrentRow, measured));
+    im_.Build(ShownRow(g.WorkIm, g.CurrentRow, measured));
+    window_.Build(WindowLine(g, re_.size()));
     full_ = 1e-30;
-    if (points_ > 0)
-        for (const MinMaxPyramid* p : {&re_, &im_}) {
-            const auto range = p->Over(0, points_ - 1);
-            full_ =
-                std::max({full_, std::abs(static_cast<double>(range.low)), std::abs(static_cast<double>(range.high))});
-        }
-    const double shift = g.Slots[0].par.FIDShift;
+    for (const SeenRow* part : {&re_, &im_}) {
+        const auto range = part->Limits();
+        full_ = std::max({full_, std::abs(static_cast<double>(range.low)), std::abs(static_cast<double>(range.high))});
+    }
+    const double shift = par.FIDShift;
     // A shift moves the left end only: who looks at the start of the FID goes on looking there.
-    view().FollowWhole({std::max(0.0, shift) * Dwell(), -static_cast<double>(points_) * Dwell()});
+    view().FollowWhole({std::max(0.0, shift) * Dwell(), -static_cast<double>(re_.size()) * Dwell()});
     update();
 }
 
@@ -104,18 +108,18 @@ void FidPanel::Draw(QtCanvas& canvas, const PlotFrame& frame)
     const GlobalBlock& g = logic_.block();
     const PlotColors colors = ColorsOf(g.settings, dark());
     Fill(canvas, *this, colors.background);
-    if (points_ < 2) return;
+    if (re_.size() < 2) return;
     const double dwell = Dwell(), first = g.Slots[0].par.FIDShift * dwell;
     PlotFrame scaled = frame;
     scaled.low *= full_;
     scaled.high *= full_;
     canvas.PushClip(frame.rect);
-    DrawCurve(canvas, scaled, im_, ShownRow(g.WorkIm, g.CurrentRow, points_), first, -dwell, {colors.imaginary, 1});
-    DrawCurve(canvas, scaled, re_, ShownRow(g.WorkRe, g.CurrentRow, points_), first, -dwell, {colors.curve, 1});
+    im_.Draw(canvas, scaled, ShownRow(g.WorkIm, g.CurrentRow, im_.size()), first, -dwell, {colors.imaginary, 1});
+    re_.Draw(canvas, scaled, ShownRow(g.WorkRe, g.CurrentRow, re_.size()), first, -dwell, {colors.curve, 1});
     PlotFrame unit = frame; // the window is drawn at its own height whatever the height of the FID
     unit.high = 1.05;
     unit.low = -1.05;
-    DrawCurve(canvas, unit, window_, g.WindowCurve.from_zero().first(window_.size()), 0, -dwell, {colors.window, 2});
+    window_.Draw(canvas, unit, WindowLine(g, window_.size()), 0, -dwell, {colors.window, 2});
     if (g.Slots[0].par.FIDShift > 0) {
         const Segment zero{{frame.X(0), frame.rect.y}, {frame.X(0), frame.rect.bottom()}};
         canvas.SetPen({colors.mark, 1, PenStyle::dash});
@@ -162,7 +166,18 @@ void PreviewPanel::Refresh()
     const Axis axis = PreviewAxis();
     const double n = static_cast<double>(points);
     view().SetWhole({axis.first + n * axis.step, axis.first});
+    low_share_ = LowShare();
     update();
+}
+
+double PreviewPanel::LowShare() const
+{
+    const double full = static_cast<double>(logic_.block().Slots[0].par.DispLeft);
+    if (re_.size() < 1 || !(full > 0)) return 0.25;
+    const double needed = -1.08 * static_cast<double>(re_.Limits().low) / full;
+    for (const double share : {0.25, 0.6})
+        if (needed <= share) return share;
+    return 1.08;
 }
 
 PlotFrame PreviewPanel::Frame(QtCanvas& canvas)
@@ -174,7 +189,7 @@ PlotFrame PreviewPanel::Frame(QtCanvas& canvas)
     const auto& par = logic_.block().Slots[0].par;
     const double full = par.DispLeft > 0 ? static_cast<double>(par.DispLeft) : 1;
     frame.high = 1.08 * full / view().magnification();
-    frame.low = -0.25 * full / view().magnification();
+    frame.low = -low_share_ * full / view().magnification();
     return frame;
 }
 
@@ -191,10 +206,9 @@ void PreviewPanel::Draw(QtCanvas& canvas, const PlotFrame& frame)
     canvas.Lines(std::span(&zero, 1));
     const auto& spec = g.Slots[0].spec;
     if (show_imaginary)
-        DrawCurve(canvas, frame, im_, ShownRow(spec.DataIm, g.CurrentRow, im_.size()), axis.first, axis.step,
-                  {colors.imaginary, 1});
-    DrawCurve(canvas, frame, re_, ShownRow(spec.DataRe, g.CurrentRow, re_.size()), axis.first, axis.step,
-              {colors.curve, 1});
+        im_.Draw(canvas, frame, ShownRow(spec.DataIm, g.CurrentRow, im_.size()), axis.first, axis.step,
+                 {colors.imaginary, 1});
+    re_.Draw(canvas, frame, ShownRow(spec.DataRe, g.CurrentRow, re_.size()), axis.first, axis.step, {colors.curve, 1});
     canvas.PopClip();
     DrawMarks(canvas, frame);
     DrawXAxis(canvas, AxisRect(frame, *this), frame.left_ppm, frame.right_ppm, Style());

@@ -5,8 +5,33 @@
 #include "ui/zoom_panel.h"
 
 #include <functional>
+#include <span>
 
 namespace nmr {
+
+/// A row as it was at the last Refresh. A message box may let the plots paint while a new length has moved
+/// the rows and the form hasn't come to refresh them: what is gone is not drawn then.
+class SeenRow {
+public:
+    void Build(std::span<const float> row)
+    {
+        row_ = row;
+        pyramid_.Build(row);
+    }
+    std::size_t size() const { return row_.size(); }
+    MinMaxPyramid::Range Limits() const { return row_.empty() ? MinMaxPyramid::Range{} : pyramid_.Over(0, size() - 1); }
+    /// @param now  the row where it stands now
+    void Draw(Canvas& canvas, const PlotFrame& frame, std::span<const float> now, double first, double step,
+              const Pen& pen) const
+    {
+        if (now.data() == row_.data() && now.size() >= size())
+            DrawCurve(canvas, frame, pyramid_, row_, first, step, pen);
+    }
+
+private:
+    std::span<const float> row_;
+    MinMaxPyramid pyramid_;
+};
 
 /// FID of the shown row over time, with the window curve. What a shift cuts off stands left of zero.
 class FidPanel : public ZoomPanel {
@@ -23,8 +48,7 @@ private:
     double Dwell() const;
     AxisStyle Style() const;
     FftForm& logic_;
-    MinMaxPyramid re_, im_, window_;
-    std::size_t points_ = 0;
+    SeenRow re_, im_, window_;
     double full_ = 1;
 };
 
@@ -60,8 +84,12 @@ private:
     double SecondX(const PlotFrame& frame) const;
     void DrawMarks(QtCanvas& canvas, const PlotFrame& frame) const;
 
+    /// Share of the full height that is kept below zero: in steps, so that the plot stands still while
+    /// a phase is turned, and so large that upside-down lines are whole.
+    double LowShare() const;
+    double low_share_ = 0.25;
     FftForm& logic_;
-    MinMaxPyramid re_, im_;
+    SeenRow re_, im_;
     Mark grabbed_ = Mark::none;
 };
 

@@ -30,14 +30,14 @@ struct TypeSlot {
     QLineEdit* description;
 };
 
-void FillDescription(const TypeSlot& slot, int row)
+constexpr char kNoType[] = "-----";
+
+// The rows to pick from, each with the description that it brings.
+void FillTypes(QComboBox& box)
 {
-    const auto table = FileTypeTable();
-    if (row <= 0 || row >= static_cast<int>(table.size())) {
-        if (row == 0) slot.description->clear();
-        return;
-    }
-    slot.description->setText(Qs(table[static_cast<std::size_t>(row)].description) + " File");
+    box.addItem(kNoType, QString());
+    for (const FileTypeRow& row : FileTypeTable())
+        if (!row.expression.empty()) box.addItem(Qs(row.expression), Qs(row.description) + " File");
 }
 
 TypeSlot AddTypeSlot(PlainForm& form, QGridLayout& grid, int index, const FormRequest& request)
@@ -46,12 +46,13 @@ TypeSlot AddTypeSlot(PlainForm& form, QGridLayout& grid, int index, const FormRe
     slot.expression->setEditable(true);
     slot.expression->setMinimumWidth(190);
     slot.description->setMinimumWidth(260);
-    for (const FileTypeRow& row : FileTypeTable())
-        if (!row.expression.empty()) slot.expression->addItem(Qs(row.expression));
+    slot.expression->setInsertPolicy(QComboBox::NoInsert);
+    FillTypes(*slot.expression);
     const std::string expression = Text(request.values, Indexed(kExpression, index));
-    slot.expression->setCurrentText(expression.empty() ? QString("-----") : Qs(expression));
+    slot.expression->setCurrentText(expression.empty() ? QString(kNoType) : Qs(expression));
     slot.description->setText(Qs(Text(request.values, Indexed(kDescription, index))));
-    QObject::connect(slot.expression, &QComboBox::activated, &form, [slot](int row) { FillDescription(slot, row); });
+    QObject::connect(slot.expression, &QComboBox::activated, &form,
+                     [slot](int row) { slot.description->setText(slot.expression->itemData(row).toString()); });
     grid.addWidget(new QLabel(QString::number(index + 1), &form), index, 0);
     grid.addWidget(slot.expression, index, 1);
     grid.addWidget(slot.description, index, 2);
@@ -102,7 +103,7 @@ FormAnswer NMR1D_Form101(const FormRequest& request, QWidget* parent)
     for (int i = 1; i <= kFileTypeSlots; ++i) {
         const TypeSlot& slot = slots_of_form[static_cast<std::size_t>(i - 1)];
         const QString expression = slot.expression->currentText().trimmed();
-        answer.values[Indexed(kExpression, i)] = expression == "-----" ? "" : expression.toStdString();
+        answer.values[Indexed(kExpression, i)] = expression == kNoType ? "" : expression.toStdString();
         answer.values[Indexed(kDescription, i)] = slot.description->text().toStdString();
     }
     return answer;

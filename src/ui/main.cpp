@@ -5,6 +5,7 @@
 #include "session/read_flow.h"
 #include "session/startup.h"
 #include "ui/asker_qt.h"
+#include "ui/fft_dialog.h"
 #include "ui/main_window.h"
 #include "ui/picture_run.h"
 #include "ui/quiet_asker.h"
@@ -53,6 +54,12 @@ bool StartProgram(const std::string& program, const std::string& argument)
     return QFileInfo(path).isExecutable() && QProcess::startDetached(path, {QString::fromStdString(argument)});
 }
 
+/// The offscreen platform warns of what it lacks, in pictures of no interest.
+void OnlyFaults(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg) std::fprintf(stderr, "nmr1d: %s\n", qPrintable(text));
+}
+
 StartOptions MakeStartOptions(const RunOptions& run, const fs::path& program_folder, std::unique_ptr<Splash>& splash)
 {
     StartOptions options;
@@ -83,6 +90,7 @@ int RunWindow(QApplication& app, const RunOptions& run)
     session.may_leave_dummy_files = !run.quiet();
     std::unique_ptr<Splash> splash;
     StartOptions options = MakeStartOptions(run, program_folder, splash);
+    asker.SetBeforeQuestion([&splash] { splash.reset(); });
     if (run.quiet()) options.app_path = scratch.path().toStdString();
     ApplyTheme(app, run.theme.value_or(0));
     if (Start(session, options) == StartResult::ended) return 0;
@@ -91,6 +99,7 @@ int RunWindow(QApplication& app, const RunOptions& run)
     NMR1D_Form1 window(session, asker);
     asker.SetParent(&window);
     if (run.quiet()) return PictureRun(session, window, run, quiet);
+    session.run_fft_form = [&window](FftForm& form) { return ShowFftForm(form, &window); };
     window.show();
     QTimer::singleShot(0, &window, [&] { window.ReadCommandLineFile(); });
     return QApplication::exec();
@@ -115,6 +124,7 @@ int main(int argc, char** argv)
         return 0;
     }
     if (run.scale != 1) qputenv("QT_SCALE_FACTOR", QByteArray::number(run.scale));
+    if (run.quiet()) qInstallMessageHandler(OnlyFaults);
     if (!run.screenshot.isEmpty() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     int qt_argc = 1; // the command line is ours alone

@@ -5,6 +5,7 @@
 #include "session/session.h"
 #include "ui/asker_qt.h"
 #include "ui/plot_widget.h"
+#include "ui/theme.h"
 
 #include <QMainWindow>
 
@@ -57,6 +58,10 @@ private:
     void AddOwnEntries();
     QAction* AddEntry(QMenu& menu, const MenuRow& row);
     void BuildToolBar();
+    QAction* AddButton(Glyph glyph, const QString& name, const QString& tip, const std::function<void()>& step);
+    void AddHeight();
+    void AddUnit();
+    void AddRowSelector();
     void BuildStatusLine();
     void Run(const std::function<void()>& command);
     void RefreshMenu();

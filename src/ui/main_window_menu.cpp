@@ -24,13 +24,11 @@ namespace {
 constexpr std::string_view kUnits[] = {"ppm", "Hz", "kHz"};
 constexpr std::string_view kThemes[] = {"As the Desktop", "Light", "Dark"};
 
-QWidget* Gap(QWidget* parent, int width)
+/// Pushes what follows in the tool bar to its end.
+QWidget* Gap(QWidget* parent)
 {
     auto* gap = new QWidget(parent);
-    if (width > 0)
-        gap->setFixedWidth(width);
-    else
-        gap->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    gap->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     return gap;
 }
 
@@ -40,7 +38,7 @@ void NMR1D_Form1::BuildMenu()
 {
     for (const MenuRow& row : MenuRows()) {
         if (row.parent.empty()) {
-            menus_[std::string(row.control)] = menuBar()->addMenu(ToQString(row.caption));
+            menus_[std::string(row.control)] = menuBar()->addMenu(QLatin1Char('&') + ToQString(row.caption));
             continue;
         }
         QMenu& menu = *menus_.find(row.parent)->second;
@@ -154,26 +152,49 @@ void NMR1D_Form1::RefreshRowSelector(const MenuState& state)
     for (QAction* action : row_actions_) action->setVisible(combo.visible);
 }
 
+QAction* NMR1D_Form1::AddButton(Glyph glyph, const QString& name, const QString& tip, const std::function<void()>& step)
+{
+    QAction* action = tools_->addAction(GlyphIcon(glyph), tip);
+    action->setObjectName(name);
+    connect(action, &QAction::triggered, this, [this, step] {
+        step();
+        plot_->setFocus();
+    });
+    return action;
+}
+
 void NMR1D_Form1::BuildToolBar()
 {
     tools_ = addToolBar(QStringLiteral("Display"));
     tools_->setMovable(false);
     tools_->setContextMenuPolicy(Qt::PreventContextMenu);
     tools_->setIconSize(QSize(20, 20));
-    const auto button = [this](Glyph glyph, const QString& name, const QString& tip, auto step) {
-        QAction* action = tools_->addAction(GlyphIcon(glyph), tip);
-        action->setObjectName(name);
-        connect(action, &QAction::triggered, this, [this, step] {
-            step();
-            plot_->setFocus();
-        });
-        return action;
-    };
-    button(Glyph::open, QStringLiteral("Read"), QStringLiteral("Read (Ctrl+O)"),
-           [this] { Run([this] { NMR1D_m11_Command(session_); }); });
+    AddButton(Glyph::open, QStringLiteral("Read"), QStringLiteral("Read (Ctrl+O)"),
+              [this] { Run([this] { NMR1D_m11_Command(session_); }); });
     tools_->addSeparator();
-    data_actions_ << button(Glyph::lower, QStringLiteral("BasicYMag_Down"), QStringLiteral("Lower (Down)"),
-                            [this] { plot_->ScaleHeight(1 / kMagnificationStep); });
+    AddHeight();
+    tools_->addSeparator();
+    data_actions_ << AddButton(Glyph::narrower, QStringLiteral("Wider"), QStringLiteral("Show more (Ctrl+\u2212)"),
+                               [this] { plot_->ScaleWidth(kMagnificationStep); });
+    data_actions_ << AddButton(Glyph::wider, QStringLiteral("Narrower"), QStringLiteral("Show less (Ctrl++)"),
+                               [this] { plot_->ScaleWidth(1 / kMagnificationStep); });
+    data_actions_ << AddButton(Glyph::back, QStringLiteral("Back"), QStringLiteral("Back one zoom (Backspace)"),
+                               [this] { plot_->ZoomBack(); });
+    data_actions_ << AddButton(Glyph::all, QStringLiteral("All"), QStringLiteral("Whole spectrum (Home)"),
+                               [this] { plot_->ShowAll(); });
+    tools_->addSeparator();
+    AddUnit();
+    grid_action_ = AddButton(Glyph::grid, QStringLiteral("Grid"), QStringLiteral("Grid (G)"), [this] { ToggleGrid(); });
+    grid_action_->setCheckable(true);
+    data_actions_ << grid_action_;
+    AddRowSelector();
+}
+
+/// BasicYMag_Down, BasicText1, BasicYMag_Up.
+void NMR1D_Form1::AddHeight()
+{
+    data_actions_ << AddButton(Glyph::lower, QStringLiteral("BasicYMag_Down"), QStringLiteral("Lower (Down)"),
+                               [this] { plot_->ScaleHeight(1 / kMagnificationStep); });
     BasicText1 = new QLineEdit(this);
     BasicText1->setObjectName(QStringLiteral("BasicText1"));
     BasicText1->setFixedWidth(fontMetrics().horizontalAdvance(QStringLiteral("000000.0")) + 16);
@@ -184,18 +205,12 @@ void NMR1D_Form1::BuildToolBar()
     BasicText1->setValidator(numbers);
     connect(BasicText1, &QLineEdit::editingFinished, this, [this] { TakeMagnification(); });
     tools_->addWidget(BasicText1);
-    data_actions_ << button(Glyph::taller, QStringLiteral("BasicYMag_Up"), QStringLiteral("Taller (Up)"),
-                            [this] { plot_->ScaleHeight(kMagnificationStep); });
-    tools_->addSeparator();
-    data_actions_ << button(Glyph::narrower, QStringLiteral("Wider"), QStringLiteral("Show more (Ctrl+\u2212)"),
-                            [this] { plot_->ScaleWidth(kMagnificationStep); });
-    data_actions_ << button(Glyph::wider, QStringLiteral("Narrower"), QStringLiteral("Show less (Ctrl++)"),
-                            [this] { plot_->ScaleWidth(1 / kMagnificationStep); });
-    data_actions_ << button(Glyph::back, QStringLiteral("Back"), QStringLiteral("Back one zoom (Backspace)"),
-                            [this] { plot_->ZoomBack(); });
-    data_actions_ << button(Glyph::all, QStringLiteral("All"), QStringLiteral("Whole spectrum (Home)"),
-                            [this] { plot_->ShowAll(); });
-    tools_->addSeparator();
+    data_actions_ << AddButton(Glyph::taller, QStringLiteral("BasicYMag_Up"), QStringLiteral("Taller (Up)"),
+                               [this] { plot_->ScaleHeight(kMagnificationStep); });
+}
+
+void NMR1D_Form1::AddUnit()
+{
     unit_ = new QComboBox(this);
     unit_->setObjectName(QStringLiteral("Unit"));
     for (const auto unit : kUnits) unit_->addItem(ToQString(unit));
@@ -207,10 +222,11 @@ void NMR1D_Form1::BuildToolBar()
         plot_->setFocus();
     });
     tools_->addWidget(unit_);
-    grid_action_ = button(Glyph::grid, QStringLiteral("Grid"), QStringLiteral("Grid (G)"), [this] { ToggleGrid(); });
-    grid_action_->setCheckable(true);
-    data_actions_ << grid_action_;
-    tools_->addWidget(Gap(tools_, 0));
+}
+
+void NMR1D_Form1::AddRowSelector()
+{
+    tools_->addWidget(Gap(tools_));
     Label6 = new QLabel(QStringLiteral("Row "), this);
     DataCombo = new QComboBox(this);
     DataCombo->setObjectName(QStringLiteral("DataCombo"));
@@ -221,10 +237,10 @@ void NMR1D_Form1::BuildToolBar()
         plot_->setFocus();
     });
     row_actions_ << tools_->addWidget(Label6) << tools_->addWidget(DataCombo)
-                 << button(Glyph::previous, QStringLiteral("RowUp"), QStringLiteral("Previous row (Page Up)"),
-                           [this] { StepRow(-1); })
-                 << button(Glyph::next, QStringLiteral("RowDown"), QStringLiteral("Next row (Page Down)"),
-                           [this] { StepRow(1); });
+                 << AddButton(Glyph::previous, QStringLiteral("RowUp"), QStringLiteral("Previous row (Page Up)"),
+                              [this] { StepRow(-1); })
+                 << AddButton(Glyph::next, QStringLiteral("RowDown"), QStringLiteral("Next row (Page Down)"),
+                              [this] { StepRow(1); });
 }
 
 void NMR1D_Form1::RefreshToolBar()
@@ -233,7 +249,7 @@ void NMR1D_Form1::RefreshToolBar()
     for (QAction* action : data_actions_) action->setEnabled(some);
     BasicText1->setEnabled(some);
     if (!BasicText1->hasFocus() || !some)
-        BasicText1->setText(some ? QString::number(plot_->magnification(), 'g', 4) : QString());
+        BasicText1->setText(some ? QString::number(plot_->magnification(), 'g', 3) : QString());
     unit_->setEnabled(some && g_.Slots[0].par.OBFRQ0PPM > 0);
     unit_->setCurrentIndex(unit_->isEnabled() ? std::clamp(g_.settings.axis_mode_ppm, 0, 2) : 0);
     grid_action_->setChecked(g_.settings.display_grid != 0);

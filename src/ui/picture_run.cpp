@@ -1,7 +1,10 @@
 #include "ui/picture_run.h"
 
 #include "session/display_scope.h"
+#include "session/forms.h"
+#include "session/menu.h"
 #include "session/read_flow.h"
+#include "ui/fft_dialog.h"
 #include "ui/form_table.h"
 #include "ui/help_sheet.h"
 #include "ui/main_window.h"
@@ -24,6 +27,7 @@ namespace nmr {
 namespace {
 
 constexpr int kFailed = 1, kUnreadable = 3, kUnwritable = 6;
+constexpr char kTransformForm[] = "NMR1D_Form11";
 constexpr int kStartTimeField = 22; // of /proc/self/stat, in clock ticks since boot
 
 /// Milliseconds since the process began, as the kernel has it; its clock ticks every 10 ms.
@@ -79,7 +83,7 @@ int Probe(Session& session, NMR1D_Form1& window, const RunOptions& run)
             std::printf("read and shown: %.0f ms, %.1f MB\n", static_cast<double>(timer.nsecsElapsed()) * 1e-6,
                         PeakMegabytes());
         }
-        QApplication::quit();
+        QApplication::exit(); // not quit(), which would close the window with its questions
     };
     window.show();
     QApplication::exec();
@@ -89,41 +93,67 @@ int Probe(Session& session, NMR1D_Form1& window, const RunOptions& run)
 /// Waits for a form to come up, takes its picture, and closes it.
 class FormPicture : public QObject {
 public:
-    explicit FormPicture(QString file) : file_(std::move(file))
+    FormPicture(QString file, QSize size) : file_(std::move(file)), size_(size)
     {
         connect(&timer_, &QTimer::timeout, this, [this] { Look(); });
         timer_.start(50);
     }
-    bool saved = false;
+    bool saved() const { return saved_; }
 
 private:
     void Look()
     {
         QWidget* form = QApplication::activeModalWidget();
         // A few rounds for previews and layouts to settle.
-        if (form == nullptr || ++rounds_ < 6) return;
-        if (!saved) saved = form->grab().save(file_);
+        if (form == nullptr) return;
+        if (++rounds_ == 1 && size_.isValid()) form->resize(size_);
+        if (rounds_ < 6) return;
+        if (!saved_) saved_ = form->grab().save(file_);
         form->close();
         if (form->isVisible()) form->hide();
     }
     QString file_;
+    QSize size_; ///< invalid: as the form has it
     QTimer timer_;
     int rounds_ = 0;
+    bool saved_ = false;
 };
+
+/// Forms that a command opens with values of its own.
+struct FormCommand {
+    const char* form;
+    void (*run)(Session&);
+};
+constexpr FormCommand kFormCommands[] = {{forms::kDisplayScope, m31_Click},
+                                         {forms::kGrid, m30_Click},
+                                         {forms::kFileTypes, m121_Click},
+                                         {forms::kProcessableFiles, m47_Click}};
+
+bool OpenForm(Session& session, NMR1D_Form1& window, const QString& name)
+{
+    const std::string form = name.toStdString();
+    for (const FormCommand& row : kFormCommands)
+        if (form == row.form) return row.run(session), true;
+    if (name == QLatin1String("HelpSheet")) return ShowHelpSheet(&window), true;
+    const FormFunction show = FindForm(form);
+    if (show != nullptr) show({form, {}}, &window);
+    return show != nullptr;
+}
 
 int TakeFormPicture(Session& session, NMR1D_Form1& window, const RunOptions& run)
 {
-    FormPicture picture(run.screenshot);
-    if (run.form == QLatin1String("HelpSheet"))
-        ShowHelpSheet(&window);
-    else if (const FormFunction show = FindForm(run.form.toStdString()))
-        show({run.form.toStdString(), {}}, &window);
-    else {
+    FormPicture picture(run.screenshot, run.sized ? run.size : QSize());
+    const bool transform = run.form == QLatin1String(kTransformForm);
+    if (transform) {
+        session.run_fft_form = [&](FftForm& form) { return ShowFftForm(form, &window); };
+        Read(session, window, run);
+    } else if (!Read(session, window, run)) {
+        return kUnreadable;
+    } else if (!OpenForm(session, window, run.form)) {
         std::fprintf(stderr, "nmr1d: there is no form %s\n", qPrintable(run.form));
         return kFailed;
     }
-    static_cast<void>(session);
-    return picture.saved ? 0 : kUnwritable;
+    return picture.saved() ? 0 : kUnwritable;
 }
 
 } // namespace
@@ -134,9 +164,12 @@ int PictureRun(Session& session, NMR1D_Form1& window, const RunOptions& run, Qui
     window.setWindowState(Qt::WindowNoState);
     window.resize(run.size);
     window.show();
+    if (!run.form.isEmpty()) {
+        asker.shown_form = run.form.toStdString();
+        return TakeFormPicture(session, window, run);
+    }
     if (!Read(session, window, run)) return kUnreadable;
     QApplication::processEvents();
-    if (!run.form.isEmpty()) return TakeFormPicture(session, window, run);
     if (!window.grab().save(run.screenshot)) {
         std::fprintf(stderr, "nmr1d: %s can't be written\n", qPrintable(run.screenshot));
         return kUnwritable;

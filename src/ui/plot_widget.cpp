@@ -109,6 +109,8 @@ void PlotWidget::Draw(QtCanvas& canvas, const PlotFrame& frame)
         DrawInvitation(canvas);
         return;
     }
+    // A zoom by key moves the spectrum under a resting cursor.
+    if (cursor_ && cursor_moved) cursor_moved(PositionAt(*cursor_));
     if (!cursor_ || cursor_->x() < frame.rect.x || cursor_->x() > frame.rect.right()) return;
     const double pixel = 1 / canvas.Resolution();
     const double x = std::floor(cursor_->x() / pixel) * pixel;

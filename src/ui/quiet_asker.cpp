@@ -21,6 +21,7 @@ std::optional<FileChoice> QuietAsker::File(const FileDialog&)
 FormAnswer QuietAsker::Form(const FormRequest& request)
 {
     if (request.form == forms::kUserSelection) return {forms::kOk, {{forms::kName, "COMMON"}}};
+    if (request.form == shown_form) return QtAsker::Form(request);
     std::fprintf(stderr, "nmr1d: %s is not answered\n", request.form.c_str());
     failed = true;
     return {forms::kCancel, {}};

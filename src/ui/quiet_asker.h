@@ -14,7 +14,8 @@ public:
     FormAnswer Form(const FormRequest& request) override;
     void Beep() override {}
 
-    bool failed = false; ///< something was said that a user would have had to read
+    std::string shown_form; ///< the one form that is shown all the same
+    bool failed = false;    ///< something was said that a user would have had to read
 };
 
 } // namespace nmr

@@ -9,6 +9,7 @@ bool ReadSize(const QString& text, RunOptions& options)
 {
     const auto parts = text.split(QLatin1Char('x'));
     if (parts.size() != 2) return false;
+    options.sized = true;
     options.size = {parts[0].toInt(), parts[1].toInt()};
     return options.size.width() >= 100 && options.size.height() >= 100 && options.size.width() <= 10000 &&
            options.size.height() <= 10000;

@@ -16,6 +16,7 @@ struct RunOptions {
     QString screenshot;    ///< picture to make; empty: an ordinary run
     QString form;          ///< --form: the form to take a picture of instead of the window
     QSize size{1180, 760}; ///< of the pictured window
+    bool sized = false;    ///< --size was given: it counts for a pictured form too
     double scale = 1;
     std::optional<int> theme; ///< 1 light, 2 dark
     std::optional<std::pair<double, double>> range;

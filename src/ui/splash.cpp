@@ -3,8 +3,10 @@
 #include "session/startup.h"
 #include "ui/canvas/qt_canvas.h"
 
+#include <QGuiApplication>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScreen>
 
 #include <cmath>
 
@@ -13,6 +15,8 @@ namespace nmr {
 Splash::Splash() : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint)
 {
     setFixedSize(440, 220);
+    const QScreen* where = QGuiApplication::primaryScreen();
+    if (where != nullptr) move(where->availableGeometry().center() - rect().center());
 }
 
 void Splash::paintEvent(QPaintEvent*)

@@ -2,8 +2,7 @@
 
 #include <QApplication>
 #include <QPalette>
-#include <QStyle>
-#include <QStyleFactory>
+#include <QProxyStyle>
 
 namespace nmr {
 namespace {
@@ -13,7 +12,7 @@ struct Tones {
 };
 constexpr Tones kLight{0xfff5f6f7, 0xffffffff, 0xfff0f1f3, 0xff1d2126, 0xff6b7280,
                        0xfffcfcfd, 0xffc9ced4, 0xff0072b2, 0xffffffff, 0xff0062a0};
-constexpr Tones kDark{0xff25282c, 0xff1d1f22, 0xff2b2e33, 0xffe4e7ea, 0xff969ca4,
+constexpr Tones kDark{0xff25282c, 0xff3a3f46, 0xff33373d, 0xffe4e7ea, 0xff969ca4,
                       0xff30343a, 0xff484d54, 0xff3d9fdc, 0xff0e1114, 0xff6cb8e8};
 
 QPalette MakePalette(const Tones& tones)
@@ -45,6 +44,17 @@ QPalette MakePalette(const Tones& tones)
     return p;
 }
 
+/// Fusion, without pictures on the buttons of dialogs.
+class QuietStyle : public QProxyStyle {
+public:
+    QuietStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override
+    {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
 /// What the desktop handed over, before any palette of our own.
 bool DesktopIsDark()
 {
@@ -57,8 +67,7 @@ bool DesktopIsDark()
 void ApplyTheme(QApplication& app, std::int32_t theme)
 {
     const bool desktop_dark = DesktopIsDark();
-    if (app.style()->objectName().compare(QLatin1String("fusion"), Qt::CaseInsensitive) != 0)
-        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    if (dynamic_cast<QuietStyle*>(app.style()) == nullptr) QApplication::setStyle(new QuietStyle);
     const bool dark = theme == 2 || (theme != 1 && desktop_dark);
     QApplication::setPalette(MakePalette(dark ? kDark : kLight));
 }

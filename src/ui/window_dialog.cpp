@@ -124,7 +124,8 @@ struct CodeReader {
         }
         const char letter = rest.front();
         rest.remove_prefix(1);
-        if (letter == ' ' && (line.empty() || line.back() == ' ')) return;
+        if (letter == ' ' && (line.empty() || line.back() == ' ' || line.back() == '(')) return;
+        if (letter == ')' && line.ends_with(' ')) line.pop_back();
         if (raised && letter == '2')
             line += "²";
         else if (symbols && letter == 'p')

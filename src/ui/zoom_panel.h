@@ -20,6 +20,8 @@ public:
     const ZoomView& view() const { return view_; }
     double magnification() const { return view_.magnification(); }
     void ShowAll();
+    /// Of the last paint; what mouse positions are read with.
+    const PlotFrame& frame() const { return frame_; }
     void ZoomBack();
     void ScaleHeight(double factor);
     /// Around the cursor when it is over the plot, else around the middle.
@@ -47,9 +49,6 @@ protected:
 
     /// Height of the last press or move.
     double cursor_y() const { return cursor_y_; }
-    /// Of the last paint; what mouse positions are read with.
-    const PlotFrame& frame() const { return frame_; }
-
     void paintEvent(QPaintEvent*) override;
     void wheelEvent(QWheelEvent*) override;
     void mousePressEvent(QMouseEvent*) override;

@@ -156,12 +156,16 @@ TEST_F(CliSample, ABroaderWindowMakesBroaderAndLowerLines)
 
 TEST_F(CliSample, WritesEachKindOfFileAndTheRangeOfTheCsv)
 {
-    std::string options;
-    for (const char* name : {"a.csv", "a.png", "a.svg", "a.pdf"}) options += " --out " + Path(name);
+    std::string options = " --out " + Path("a.csv");
+    const bool pictures = std::filesystem::exists(kBin + "nmr1d-picture.so"); // not in a build without the window
+    for (const char* name : {"a.png", "a.svg", "a.pdf"})
+        if (pictures) options += " --out " + Path(name);
     ASSERT_EQ(Cli("process " + Sample() + " --range 5:4" + options).exit, 0);
-    EXPECT_EQ(ReadText(Path("a.png")).substr(1, 3), "PNG");
-    EXPECT_EQ(ReadText(Path("a.pdf")).substr(0, 4), "%PDF");
-    EXPECT_NE(ReadText(Path("a.svg")).find("<svg"), std::string::npos);
+    if (pictures) {
+        EXPECT_EQ(ReadText(Path("a.png")).substr(1, 3), "PNG");
+        EXPECT_EQ(ReadText(Path("a.pdf")).substr(0, 4), "%PDF");
+        EXPECT_NE(ReadText(Path("a.svg")).find("<svg"), std::string::npos);
+    }
     std::istringstream csv(ReadText(Path("a.csv")));
     std::string line;
     std::getline(csv, line);

@@ -249,7 +249,7 @@ TEST(BrukerFid, NoCutOfAGoodFileIsTakenForAWholeOne)
             continue;
         }
         ASSERT_TRUE(read.status);
-        EXPECT_EQ(read.set().Warnings.size(), size < whole.size() ? 1U : 0U);
+        EXPECT_EQ(read.set().Warnings.empty(), size == whole.size());
         EXPECT_EQ(read.par().FIDPoints, 32);
         for (std::size_t i = size / 8; i < 32; ++i) ASSERT_EQ(read.set().spec.DataRe[0][i], 0);
     }
@@ -275,7 +275,8 @@ TEST(BrukerFid, DamagedValuesReadAsZeroAndAreCounted)
         WriteText(folder / "fid", Encode<double>(values, false));
         const BrukerRead read(folder / "fid", kFolderFid);
         ASSERT_TRUE(read.status);
-        EXPECT_EQ(read.set().Warnings.size(), c.damaged ? 2U : 1U) << "the first: acqus has no end";
+        const auto counted = [](const std::string& warning) { return warning.starts_with("1 values of fid are no "); };
+        EXPECT_EQ(std::ranges::any_of(read.set().Warnings, counted), c.damaged);
         EXPECT_EQ(read.set().spec.DataIm[0][1], c.damaged ? 0 : 1);
     }
 }
@@ -286,6 +287,7 @@ TEST(BrukerFid, BadInputIsRefusedWithItsReason)
         const char* name;
         std::string acqus;
         ErrorCode expected;
+        std::string names{}; ///< the parameter that the reason begins with
     };
     const std::string head = kOrigin + "##$SFO1= 400.13\n##$SW_h= 8000\n";
     const Case cases[] = {
@@ -293,19 +295,20 @@ TEST(BrukerFid, BadInputIsRefusedWithItsReason)
         {"another vendor", "##ORIGIN= Acme\n##$SFO1= 400.13\n##$SW_h= 8000\n##$TD= 64\n", ErrorCode::bad_format},
         {"empty", "", ErrorCode::bad_format},
         {"TD cut off", head + "##$TD", ErrorCode::bad_format},
-        {"no TD", head, ErrorCode::bad_value},
-        {"TD 0", head + "##$TD= 0\n", ErrorCode::bad_value},
-        {"TD 1", head + "##$TD= 1\n", ErrorCode::bad_value},
-        {"TD negative", head + "##$TD= -5\n", ErrorCode::bad_value},
-        {"TD no number", head + "##$TD= many\n", ErrorCode::bad_value},
-        {"TD not finite", head + "##$TD= nan\n", ErrorCode::bad_value},
-        {"TD 2^40", head + "##$TD= 1099511627776\n", ErrorCode::too_large},
-        {"TD 1e308", head + "##$TD= 1e308\n", ErrorCode::too_large},
-        {"one point over the limit", head + "##$TD= 2097154\n", ErrorCode::too_large},
-        {"one channel over the limit", head + "##$TD= 1048577\n##$AQ_mod= 0\n", ErrorCode::too_large},
-        {"no width", kOrigin + "##$SFO1= 400.13\n##$TD= 64\n", ErrorCode::bad_value},
-        {"width negative", head + "##$SW_h= -8000\n##$TD= 64\n", ErrorCode::bad_value},
-        {"frequency 0", head + "##$SFO1= 0\n##$TD= 64\n", ErrorCode::bad_value},
+        {"no TD", head, ErrorCode::bad_value, "TD is "},
+        {"TD 0", head + "##$TD= 0\n", ErrorCode::bad_value, "TD is "},
+        {"TD 1", head + "##$TD= 1\n", ErrorCode::bad_value, "TD is "},
+        {"TD negative", head + "##$TD= -5\n", ErrorCode::bad_value, "TD is "},
+        {"TD no number", head + "##$TD= many\n", ErrorCode::bad_value, "TD is "},
+        {"TD not finite", head + "##$TD= nan\n", ErrorCode::bad_value, "TD is "},
+        {"TD 2^40", head + "##$TD= 1099511627776\n", ErrorCode::too_large, "TD is "},
+        {"TD 1e308", head + "##$TD= 1e308\n", ErrorCode::too_large, "TD is "},
+        {"one point over the limit", head + "##$TD= 2097154\n", ErrorCode::too_large, "TD is "},
+        {"one channel over the limit", head + "##$TD= 1048577\n##$AQ_mod= 0\n", ErrorCode::too_large, "TD is "},
+        {"no width", kOrigin + "##$SFO1= 400.13\n##$TD= 64\n", ErrorCode::bad_value, "SW_h is "},
+        {"width negative", head + "##$SW_h= -8000\n##$TD= 64\n", ErrorCode::bad_value, "SW_h is "},
+        {"width that is no float", head + "##$SW_h= 1e-320\n##$TD= 64\n", ErrorCode::bad_value, "SW_h is "},
+        {"frequency 0", head + "##$SFO1= 0\n##$TD= 64\n", ErrorCode::bad_value, "SFO1 is "},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -316,9 +319,7 @@ TEST(BrukerFid, BadInputIsRefusedWithItsReason)
         ASSERT_FALSE(read.status);
         EXPECT_EQ(read.status.error().code, c.expected);
         EXPECT_EQ(read.status.error().where, "ReadParaBruker/1DDRW");
-        if (c.expected != ErrorCode::bad_format) {
-            EXPECT_EQ(read.status.error().text, "Data is too Large, or Parameter Error");
-        }
+        EXPECT_TRUE(read.status.error().text.starts_with(c.names)) << read.status.error().text;
         EXPECT_TRUE(read.set().spec.DataRe.empty()) << "nothing is sized by an unchecked count";
     }
 }

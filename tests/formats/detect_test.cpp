@@ -3,8 +3,10 @@
 #include "formats/detect.h"
 
 #include "formats/family_samples.h"
+#include "formats/key_values.h"
 #include "formats/probes.h"
 #include "formats/steady_asker.h"
+#include "formats/varian_procpar.h"
 #include "support/files.h"
 #include "support/scripted_asker.h"
 
@@ -290,6 +292,8 @@ TEST(Detect, NumberTables)
         {"byte order mark", {{"x.csv", "\xEF\xBB\xBF" + CsvRows()}}, "x.csv", csv},
         {"block form", {{"x.csv", block}}, "x.csv", csv},
         {"block form as text", {{"x.txt", block}}, "x.txt", csv},
+        {"headings before the table", {{"x.csv", "Time (us);real\n0;2,7E+04\n20;5,0E+03\n"}}, "x.csv", csv},
+        {"blanks and a comment", {{"x.txt", "# ppm  intensity\n1.50 20\n1.25 30\n1.00 5"}}, "x.txt", csv},
         {"a table named like instrument data", {{"data", CsvRows()}}, "data", csv},
         // The word is not followed by a blank or a zero byte, so the head says nothing.
         {"block form under another name", {{"data.xyz", block}}, "data.xyz", {}},
@@ -299,11 +303,17 @@ TEST(Detect, NumberTables)
 
 TEST(Detect, TextThatIsNoTableIsSaidToBeInvalid)
 {
-    ScriptedAsker asker;
-    Check({"words", {{"x.csv", "Time;Amplitude\n" + std::string(400, '1')}}, "x.csv", {}}, asker);
-    ASSERT_EQ(asker.boxes.size(), 1U);
-    EXPECT_EQ(asker.boxes[0].text, "Invalid Data");
-    EXPECT_EQ(asker.boxes[0].title, "Data Error");
+    const std::string texts[] = {
+        "Time;Amplitude\n" + std::string(400, '1'),
+        "A letter of 1998\nabout the sample\n25\nand its price\n12.5\nwhich was too high.\n",
+    };
+    for (const std::string& text : texts) {
+        ScriptedAsker asker;
+        Check({"words", {{"x.csv", text}}, "x.csv", {}}, asker);
+        ASSERT_EQ(asker.boxes.size(), 1U);
+        EXPECT_EQ(asker.boxes[0].text, "Invalid Data");
+        EXPECT_EQ(asker.boxes[0].title, "Data Error");
+    }
 }
 
 // --- Instrument folders

@@ -2,8 +2,10 @@
 // (below the number of probes: that probe) and, by its top bit, how questions are answered; the rest
 // is the file.
 
+#include "formats/key_values.h"
 #include "formats/probes.h"
 #include "formats/steady_asker.h"
+#include "formats/varian_procpar.h"
 
 #include <cstdint>
 #include <cstdlib>

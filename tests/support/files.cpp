@@ -38,7 +38,7 @@ std::filesystem::path RealData(std::string_view name)
 {
     auto path = std::filesystem::path(NMR1D_SHARED_DATA) / name;
     std::error_code ignored;
-    return std::filesystem::exists(path, ignored) ? path : std::filesystem::path();
+    return std::filesystem::exists(path, ignored) ? std::filesystem::canonical(path, ignored) : std::filesystem::path();
 }
 
 } // namespace nmr::test

@@ -88,6 +88,7 @@ inline void Write(QLineEdit& edit, const QString& text)
 {
     edit.setFocus();
     edit.selectAll();
+    if (text.isEmpty()) Key(edit, Qt::Key_Backspace);
     for (const QChar letter : text) Key(edit, 0, letter);
 }
 inline void Type(QLineEdit& edit, const QString& text)

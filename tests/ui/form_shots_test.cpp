@@ -7,31 +7,18 @@
 #include "support/files.h"
 #include "ui/fft_dialog.h"
 #include "ui/form_dialogs.h"
+#include "ui/theme.h"
 #include "ui/window_dialog.h"
 
 #include <QComboBox>
 #include <QDir>
-#include <QPalette>
 #include <QPixmap>
 #include <QPushButton>
-#include <QStyleFactory>
 
 namespace nmr {
 namespace {
 
 using namespace test;
-
-void SetLook(bool dark)
-{
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
-    QPalette p = QApplication::style()->standardPalette();
-    if (dark) {
-        p = QPalette(QColor(0x30, 0x34, 0x3a), QColor(0x25, 0x28, 0x2c));
-        p.setColor(QPalette::Base, QColor(0x1d, 0x1f, 0x22));
-        p.setColor(QPalette::Highlight, QColor(0x3d, 0x9f, 0xdc));
-    }
-    QApplication::setPalette(p);
-}
 
 void Shoot(QWidget& widget, const QString& name)
 {
@@ -42,15 +29,15 @@ void Shoot(QWidget& widget, const QString& name)
 
 struct Look {
     const char* name;
-    bool dark;
+    std::int32_t theme;
 };
-constexpr Look kLooks[] = {{"light", false}, {"dark", true}};
+constexpr Look kLooks[] = {{"light", 1}, {"dark", 2}};
 
 // The form on a file, as "Read" opens it.
 void ShootFft(const std::string& path, const QString& name)
 {
     for (const Look& look : kLooks) {
-        SetLook(look.dark);
+        ApplyTheme(App(), look.theme);
         auto g = std::make_unique<GlobalBlock>();
         Start_Batch(*g);
         ScriptedAsker asker;
@@ -131,7 +118,7 @@ TEST(FormShots, SmallForms)
     FormRig rig;
     rig.g.ViewLeft = 10;
     for (const Look& look : kLooks) {
-        SetLook(look.dark);
+        ApplyTheme(App(), look.theme);
         for (const SmallForm& form : SmallForms(rig.g)) {
             WhenModal([&](QDialog& shown) { Shoot(shown, QString("form-%1-%2").arg(form.name, look.name)); });
             static_cast<void>(form.show({form.name, form.values}, nullptr));

@@ -5,15 +5,23 @@
 #include <QGuiApplication>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
 namespace {
 
+/// A batch machine has no session, and what the toolkit has to say of that concerns no picture.
+void DropSessionWarnings(QtMsgType, const QMessageLogContext&, const QString& text)
+{
+    if (!text.startsWith(QLatin1String("QStandardPaths:"))) std::fprintf(stderr, "%s\n", qPrintable(text));
+}
+
 /// Pictures need fonts but no display.
 void EnsureApplication()
 {
     if (QCoreApplication::instance() != nullptr) return;
+    qInstallMessageHandler(DropSessionWarnings);
     static int argc = 3;
     static char name[] = "nmr1d-cli", option[] = "-platform", platform[] = "offscreen";
     static char* argv[] = {name, option, platform, nullptr};

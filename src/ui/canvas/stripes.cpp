@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
+#include <vector>
 
 namespace nmr {
 namespace {
@@ -63,7 +65,7 @@ class Painter {
 public:
     Painter(QImage& image, QRgb color, float share) :
         bits_(reinterpret_cast<QRgb*>(image.bits())), pitch_(image.bytesPerLine() / 4), shades_(Shades(color)),
-        scale_(share * kFull)
+        scale_(share * kFull), steps_(static_cast<std::size_t>(image.height()) + 3)
     {
     }
 
@@ -89,12 +91,38 @@ private:
     void Fill(int x, const Column& column, int from, int to)
     {
         if (column.count == 0) return;
-        Weigh(x, column.first, column.core_first, column);
-        const QRgb shade = shades_[static_cast<std::size_t>(Covered(static_cast<float>(column.count)))];
-        const bool split = from < to;
-        Run(x, column.core_first, split ? from : column.core_last, shade);
-        if (split) Run(x, to, column.core_last, shade);
-        Weigh(x, column.core_last, column.last, column);
+        for (std::size_t i = 0; i < column.count; ++i) AddSteps(column.parts[i]);
+        int covered = Weigh(x, column.first, column.core_first, 0);
+        if (column.core_first < column.core_last) {
+            covered += std::exchange(Step(column.core_first), 0);
+            const QRgb shade = Shade(covered);
+            const bool split = from < to;
+            Run(x, column.core_first, split ? from : column.core_last, shade);
+            if (split) Run(x, to, column.core_last, shade);
+            Weigh(x, column.core_last, column.last, covered);
+        }
+        Step(column.last) = Step(column.last + 1) = 0;
+    }
+
+    int& Step(int row) { return steps_[static_cast<std::size_t>(row)]; }
+
+    /// What a part covers of row after row is a sum of four steps: its first row and the one below it
+    /// rise, its last row and the one below that fall.
+    void AddSteps(const Part& part)
+    {
+        const int first = static_cast<int>(part.top), last = static_cast<int>(part.bottom);
+        const int rise = Fixed(static_cast<float>(first + 1) - part.top);
+        const int fall = Fixed(static_cast<float>(last + 1) - part.bottom);
+        Step(first) += rise;
+        Step(first + 1) += Fixed(1) - rise;
+        Step(last) -= fall;
+        Step(last + 1) -= Fixed(1) - fall;
+    }
+
+    int Fixed(float share) const { return static_cast<int>(share * scale_ * kOne); }
+    QRgb Shade(int covered) const
+    {
+        return shades_[static_cast<std::size_t>(std::clamp((covered + kOne / 2) / kOne, 0, kFull))];
     }
 
     void Run(int x, int first, int last, QRgb shade)
@@ -103,23 +131,23 @@ private:
         for (int y = first; y < last; ++y, pixel += pitch_) *pixel = shade;
     }
 
-    void Weigh(int x, int first, int last, const Column& column)
+    /// Sums the steps up over rows, which clears them. Returns what the last row is covered by.
+    int Weigh(int x, int first, int last, int covered)
     {
         QRgb* pixel = bits_ + first * pitch_ + x;
         for (int y = first; y < last; ++y, pixel += pitch_) {
-            const auto row = static_cast<float>(y);
-            float covered = 0;
-            for (std::size_t i = 0; i < column.count; ++i)
-                covered +=
-                    std::max(0.0F, std::min(column.parts[i].bottom, row + 1) - std::max(column.parts[i].top, row));
-            *pixel = shades_[static_cast<std::size_t>(Covered(covered))];
+            covered += std::exchange(Step(y), 0);
+            *pixel = Shade(covered);
         }
+        return covered;
     }
 
+    static constexpr int kOne = 1 << 16; ///< of the fixed-point coverage
     QRgb* bits_;
     std::ptrdiff_t pitch_;
     std::array<QRgb, kFull + 1> shades_;
     float scale_;
+    std::vector<int> steps_; ///< of the coverage from row to row; zero between columns
 };
 
 } // namespace

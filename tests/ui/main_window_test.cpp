@@ -1,0 +1,380 @@
+#include "form_rig.h"
+#include "session/display_scope.h"
+#include "session/read_flow.h"
+#include "support/files.h"
+#include "ui/canvas/qt_canvas.h"
+#include "ui/help_sheet.h"
+#include "ui/main_window.h"
+#include "ui/run_options.h"
+#include "ui/theme.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPainter>
+#include <QPushButton>
+#include <QScreen>
+
+#include <gmock/gmock.h>
+
+namespace nmr {
+namespace {
+
+using namespace test;
+using testing::HasSubstr;
+
+/// A window on a spectrum of 8193 points over -2 to 12 ppm with one line at 7.26 ppm.
+struct WindowRig {
+    explicit WindowRig(int rows = 1)
+    {
+        App();
+        ApplyTheme(App(), 1);
+        Start_Batch(g);
+        if (rows > 0) Fill(rows);
+        window = std::make_unique<NMR1D_Form1>(session, asker);
+        window->resize(1000, 600);
+        Settle(*window);
+    }
+    void Fill(int rows)
+    {
+        DataSet& set = g.Slots[0];
+        set.RowCount = rows;
+        constexpr int kPoints = 8193;
+        EXPECT_TRUE(AllocateSpecBuffer(g, kPoints, 0));
+        set.par.POINT = kPoints;
+        set.par.SMODE = 1;
+        set.par.OBFRQ0PPM = 400;
+        set.par.OBNUC = "1H";
+        set.par.YFill = 0.95F;
+        set.par.DispLeft = set.par.DataMax = 1000;
+        for (int i = 0; i < kPoints; ++i) set.spec.XAxis[static_cast<std::size_t>(i)] = -2 + 14.0 * i / (kPoints - 1);
+        const auto top = static_cast<std::size_t>(PpmToPoint(set, 7.26));
+        for (int row = 0; row < rows; ++row)
+            set.spec.DataRe[static_cast<std::size_t>(row)][top] = 1000.0F / static_cast<float>(row + 1);
+        Show_All_Data(g);
+    }
+    double X(double ppm) const
+    {
+        QImage image(window->plot().size(), QImage::Format_RGB32);
+        QPainter painter(&image);
+        QtCanvas canvas(painter);
+        const auto scene = window->plot().Scene();
+        return SceneFrame(canvas, {0, 0, double(image.width()), double(image.height())}, scene).X(ppm);
+    }
+    double Width() const { return static_cast<double>(g.ViewLeft) - static_cast<double>(g.ViewRight); }
+    QString LabelText(const char* name) { return Find<QLabel>(*window, name).text(); }
+    QAction* Entry(const QString& caption)
+    {
+        for (QAction* action : window->findChildren<QAction*>())
+            if (action->text() == caption) return action;
+        return nullptr;
+    }
+
+    std::unique_ptr<GlobalBlock> block = std::make_unique<GlobalBlock>();
+    GlobalBlock& g = *block;
+    QtAsker asker;
+    Session session{g, asker, {}, {}, {}, {}};
+    std::unique_ptr<NMR1D_Form1> window;
+};
+
+TEST(MainWindow, MouseAndKeysMoveTheViewAsTheSheetSays)
+{
+    WindowRig rig;
+    PlotWidget& plot = rig.window->plot();
+    const double at = rig.X(7.26);
+    Wheel(plot, {at, 100}, 120, Qt::ControlModifier);
+    EXPECT_NEAR(rig.Width(), 14 / 1.25, 1e-4);
+    EXPECT_NEAR(rig.X(7.26), at, 0.1) << "the place under the cursor stays";
+    Wheel(plot, {at, 100}, 240);
+    EXPECT_NEAR(plot.magnification(), 1.25 * 1.25, 1e-6);
+    EXPECT_NEAR(Magnification(rig.g.Slots[0]), 1.25 * 1.25, 1e-6) << "the data set carries it";
+
+    Key(plot, Qt::Key_Home);
+    EXPECT_NEAR(rig.Width(), 14, 1e-4);
+    EXPECT_EQ(plot.magnification(), 1);
+    plot.grab();
+    Drag(plot, {rig.X(8), 100}, {rig.X(7), 150});
+    EXPECT_NEAR(static_cast<double>(rig.g.ViewLeft), 8, 0.02);
+    EXPECT_NEAR(static_cast<double>(rig.g.ViewRight), 7, 0.02);
+    plot.grab();
+    Drag(plot, {rig.X(7.5), 100}, {rig.X(7.6), 100}, Qt::RightButton);
+    EXPECT_NEAR(static_cast<double>(rig.g.ViewLeft), 7.9, 0.02) << "what was taken hold of follows the cursor";
+    EXPECT_NEAR(rig.Width(), 1, 0.02);
+    Key(plot, Qt::Key_Right);
+    EXPECT_NEAR(static_cast<double>(rig.g.ViewLeft), 7.8, 0.03);
+    Key(plot, Qt::Key_Left);
+    Key(plot, Qt::Key_Plus);
+    EXPECT_NEAR(plot.magnification(), 1.25, 1e-6);
+    Key(plot, Qt::Key_Down);
+    EXPECT_NEAR(plot.magnification(), 1, 1e-6);
+    Mouse(plot, QEvent::MouseButtonDblClick, {200, 100});
+    EXPECT_NEAR(rig.Width(), 14, 1e-4) << "back one zoom";
+}
+
+TEST(MainWindow, FollowsARangeThatACommandSets)
+{
+    WindowRig rig;
+    rig.g.ViewLeft = 4;
+    rig.g.ViewRight = 3;
+    rig.window->RefreshAll();
+    EXPECT_NEAR(rig.window->plot().Scene().left_ppm, 4, 1e-6);
+    Key(rig.window->plot(), Qt::Key_Backspace);
+    EXPECT_NEAR(rig.Width(), 14, 1e-4);
+    // A deep zoom keeps the digits that the block's single precision has not.
+    for (int i = 0; i < 40; ++i) rig.window->plot().ScaleWidth(0.8);
+    const auto scene = rig.window->plot().Scene();
+    rig.window->RefreshAll();
+    EXPECT_EQ(rig.window->plot().Scene().left_ppm, scene.left_ppm);
+    EXPECT_LT(scene.left_ppm - scene.right_ppm, 0.01);
+}
+
+TEST(MainWindow, StatusLineTellsPlaceAndData)
+{
+    WindowRig rig;
+    PlotWidget& plot = rig.window->plot();
+    rig.g.ViewLeft = 7.27F;
+    rig.g.ViewRight = 7.25F;
+    rig.window->RefreshAll();
+    plot.grab();
+    Mouse(plot, QEvent::MouseMove, {rig.X(7.26), 80}, Qt::NoButton);
+    EXPECT_THAT(rig.LabelText("Position").toStdString(), HasSubstr("7.26"));
+    EXPECT_THAT(rig.LabelText("Position").toStdString(), HasSubstr("2904."));
+    EXPECT_THAT(rig.LabelText("Position").toStdString(), HasSubstr("Intensity 1000"));
+    EXPECT_THAT(rig.LabelText("Data").toStdString(), HasSubstr("1H"));
+    EXPECT_THAT(rig.LabelText("Data").toStdString(), HasSubstr("400.00 MHz"));
+    EXPECT_THAT(rig.LabelText("Data").toStdString(), HasSubstr("8,193 points"));
+    const QString before = rig.LabelText("Position");
+    Key(plot, Qt::Key_Right);
+    plot.grab();
+    EXPECT_NE(rig.LabelText("Position"), before) << "the spectrum has moved under the cursor";
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(&plot, &leave);
+    EXPECT_EQ(rig.LabelText("Position"), "");
+}
+
+TEST(MainWindow, UnitAndGridFollowTheirKeys)
+{
+    WindowRig rig;
+    PlotWidget& plot = rig.window->plot();
+    auto& unit = Find<QComboBox>(*rig.window, "Unit");
+    for (const char* expected : {"Hz", "kHz", "ppm"}) {
+        Key(plot, Qt::Key_U);
+        EXPECT_EQ(unit.currentText(), expected);
+        EXPECT_EQ(plot.Scene().axis.title, expected);
+    }
+    Key(plot, Qt::Key_G);
+    EXPECT_TRUE(plot.Scene().show_grid);
+    EXPECT_TRUE(rig.Entry("Grid")->isChecked());
+    rig.g.Slots[0].par.OBFRQ0PPM = 0;
+    rig.window->RefreshAll();
+    EXPECT_FALSE(unit.isEnabled());
+    Key(plot, Qt::Key_U);
+    EXPECT_EQ(plot.Scene().axis.title, "ppm");
+}
+
+TEST(MainWindow, ShowsOneRowOfSeveralAndStepsThroughThem)
+{
+    WindowRig rig(3);
+    auto& rows = Find<QComboBox>(*rig.window, "DataCombo");
+    EXPECT_EQ(rows.count(), 3);
+    EXPECT_TRUE(rows.isVisibleTo(rig.window.get()));
+    for (const int expected : {1, 2, 2}) {
+        Key(rig.window->plot(), Qt::Key_PageDown);
+        EXPECT_EQ(rig.g.CurrentRow, expected);
+        EXPECT_EQ(rows.currentIndex(), expected);
+    }
+    const auto scene = rig.window->plot().Scene();
+    EXPECT_EQ(scene.curves.front().row.data(), rig.g.Slots[0].spec.DataRe[2].data());
+    const WindowRig single;
+    EXPECT_FALSE(Find<QComboBox>(*single.window, "DataCombo").isVisibleTo(single.window.get()));
+}
+
+TEST(MainWindow, WithoutASpectrumItInvitesAndOffersNothingElse)
+{
+    WindowRig empty(0);
+    EXPECT_FALSE(empty.window->plot().HasSpectrum());
+    EXPECT_TRUE(empty.window->plot().Scene().curves.empty());
+    for (const char* name : {"BasicYMag_Up", "BasicYMag_Down", "All", "Back", "Grid"})
+        EXPECT_FALSE(Find<QAction>(*empty.window, name).isEnabled()) << name;
+    EXPECT_TRUE(empty.Entry("Read")->isEnabled());
+    EXPECT_FALSE(empty.Entry("Show All Data")->isEnabled());
+    // A FID in slot 0 belongs to the transform form; nothing of it is drawn here.
+    WindowRig fid;
+    fid.g.Slots[0].par.SMODE = 0;
+    fid.window->plot().grab();
+    fid.window->RefreshAll();
+    EXPECT_FALSE(fid.window->plot().HasSpectrum());
+}
+
+TEST(MainWindow, SurvivesAPaintWhileACommandReplacesTheData)
+{
+    WindowRig rig;
+    EXPECT_TRUE(AllocateSpecBuffer(rig.g, 64, 0)); // shorter arrays, POINT not yet told
+    rig.window->plot().grab();
+    rig.g.Slots[0].par.POINT = 64;
+    rig.window->plot().grab();
+    ClearDataSet(rig.g, 0);
+    rig.window->plot().grab();
+    rig.window->grab();
+    EXPECT_FALSE(rig.window->plot().HasSpectrum());
+}
+
+TEST(MainWindow, ListsRecentFilesWithTheirAccessKeys)
+{
+    WindowRig rig;
+    rig.g.RecentFiles = {"/data/one/fid", "/data/two & three/fid"};
+    rig.window->RefreshAll();
+    EXPECT_NE(rig.Entry("  &1. /data/one/fid"), nullptr);
+    EXPECT_NE(rig.Entry("  &2. /data/two && three/fid"), nullptr);
+    EXPECT_TRUE(rig.Entry("Delete History")->isVisible());
+    rig.Entry("Delete History")->trigger();
+    EXPECT_EQ(rig.Entry("  &1. /data/one/fid"), nullptr);
+    EXPECT_FALSE(rig.Entry("Delete History")->isVisible());
+}
+
+TEST(MainWindow, ReadsWhatIsDropped)
+{
+    WindowRig rig;
+    const TempFolder folder;
+    WriteText(folder / "notes.xyz", "nothing of NMR");
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(folder / "notes.xyz"))});
+    QDragEnterEvent enter(QPoint(100, 100), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(rig.window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(100, 100), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(rig.window.get(), &drop);
+    QString text;
+    WhenModal([&](QDialog& box) {
+        text = static_cast<QMessageBox&>(box).text();
+        box.close();
+    });
+    QCoreApplication::processEvents();
+    EXPECT_THAT(text.toStdString(), HasSubstr("NMR"));
+    EXPECT_TRUE(rig.window->plot().HasSpectrum()) << "what was there stays";
+}
+
+TEST(MainWindow, ComesBackOnAScreenThatIsThere)
+{
+    WindowRig rig;
+    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
+    struct Case {
+        const char* name;
+        int left, top, width, height;
+    };
+    for (const Case& c : {Case{"far right of every screen", 90000, 10, 600, 400}, Case{"above", 10, -5000, 600, 400},
+                          Case{"larger than the screen", 0, 0, 90000, 90000}, Case{"no size", 10, 10, 0, 0}}) {
+        SCOPED_TRACE(c.name);
+        Settings& s = rig.g.settings;
+        s.window_left = c.left, s.window_top = c.top, s.window_width = c.width, s.window_height = c.height;
+        rig.window->RestorePlace();
+        EXPECT_TRUE(room.contains(rig.window->geometry()));
+        EXPECT_GE(rig.window->width(), 300);
+    }
+}
+
+TEST(MainWindow, TheSheetListsEveryShortcut)
+{
+    WindowRig rig;
+    std::string all;
+    for (const HelpSection& section : HelpSections())
+        for (const HelpRow& row : section.rows) all += std::string(row.gesture) + "\n";
+    std::erase(all, ' ');
+    for (QAction* action : rig.window->findChildren<QAction*>()) {
+        if (action->shortcut().isEmpty()) continue;
+        EXPECT_THAT(all, HasSubstr(action->shortcut().toString().toStdString())) << action->text().toStdString();
+    }
+}
+
+// To look at: set NMR1D_SHOTS to a folder.
+TEST(MainWindow, Pictures)
+{
+    if (ShotFolder().isEmpty()) GTEST_SKIP() << "NMR1D_SHOTS is not set";
+    WindowRig rig(3);
+    rig.g.settings.display_grid = 1;
+    for (const int theme : {1, 2}) {
+        rig.window->SetTheme(theme);
+        SetMagnification(rig.g.Slots[0], 1);
+        QCoreApplication::processEvents();
+        rig.window->RefreshAll();
+        Mouse(rig.window->plot(), QEvent::MouseMove, {300, 100}, Qt::NoButton);
+        EXPECT_TRUE(rig.window->grab().save(ShotFolder() + QStringLiteral("/main-rows-%1.png").arg(theme)));
+    }
+}
+
+TEST(QtAsker, ShowsTextTitleAndButtonsToTheLetter)
+{
+    App();
+    QtAsker asker;
+    struct Case {
+        const char* name;
+        std::vector<Button> buttons;
+        Button closed; ///< what closing the box answers
+    };
+    const Case cases[] = {{"note", {Button::ok}, Button::ok},
+                          {"question", {Button::yes, Button::no}, Button::no},
+                          {"three ways", {Button::yes, Button::no, Button::cancel}, Button::cancel},
+                          {"failure", {Button::abort, Button::retry, Button::ignore}, Button::abort}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        WhenModal([&](QDialog& form) {
+            auto& box = static_cast<QMessageBox&>(form);
+            EXPECT_EQ(box.text(), "Data <b>was</b> Changed !");
+            EXPECT_EQ(box.textFormat(), Qt::PlainText);
+            EXPECT_EQ(box.windowTitle(), "Caution!");
+            EXPECT_EQ(static_cast<std::size_t>(box.buttons().size()), c.buttons.size());
+            box.close();
+        });
+        EXPECT_EQ(asker.Message({"Data <b>was</b> Changed !", "Caution!", c.buttons, Icon::warning, false}), c.closed);
+    }
+    WhenModal([](QDialog& box) { static_cast<QMessageBox&>(box).button(QMessageBox::Yes)->click(); });
+    EXPECT_EQ(asker.Message({"Go on?", "", {Button::yes, Button::no}, Icon::question, false}), Button::yes);
+}
+
+TEST(QtAsker, AFormThatIsNotThereDecidesNothing)
+{
+    App();
+    QtAsker asker;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(asker.Form({"NMR1D_Form999", {}}).dialog_result, "CANCEL");
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("NMR1D_Form999"));
+    EXPECT_EQ(FilterText({"JCAMP File(s)", "*.jdx;*.dx"}), "JCAMP File[s] (*.jdx *.dx)");
+}
+
+TEST(RunOptions, TakesWhatItKnowsAndRefusesTheRest)
+{
+    struct Case {
+        QStringList arguments;
+        bool good;
+    };
+    const Case cases[] = {
+        {{"/data/1"}, true},
+        {{"--screenshot", "a.png", "--size", "800x500", "--scale", "2", "--theme", "dark", "x"}, true},
+        {{"--range", "4:2.5"}, true},
+        {{"--size", "800"}, false},
+        {{"--size", "0x0"}, false},
+        {{"--theme", "pink"}, false},
+        {{"--scale", "100"}, false},
+        {{"--range", "a:b"}, false},
+        {{"--screenshot"}, false},
+        {{"--frobnicate"}, false},
+        {{"a", "b"}, false},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(ParseRunOptions(c.arguments).error.isEmpty(), c.good) << c.arguments.join(' ').toStdString();
+        for (const QString& argument : c.arguments)
+            EXPECT_TRUE(!c.good || !argument.startsWith("--") || RunHelp().contains(argument));
+    }
+    const auto options = ParseRunOptions({"--range", "2.5:4", "--screenshot", "a.png", "dir"});
+    EXPECT_EQ(options.range->first, 4);
+    EXPECT_EQ(options.file, "dir");
+    EXPECT_TRUE(options.quiet());
+}
+
+} // namespace
+} // namespace nmr
