@@ -29,16 +29,16 @@ inline constexpr char kRecentControl[] = "RecentFile";
 inline constexpr char kRedoControl[] = "m20_ReDo";
 
 // Commands.
-void NMR1D_m11_Command(Session& s);  ///< Read
-void NMR1D_m112_Command(Session& s); ///< Read CSV Data
-void m121_Click(Session& s);         ///< File Type definition
-void m47_Click(Session& s);          ///< About Processable Files
-void m102_Click(Session& s);         ///< Delete History
-void m31_Click(Session& s);          ///< Display Area
-void m30_Click(Session& s);          ///< Set Grid
-void m35_Click(Session& s);          ///< Show All Data
-void m367_Click(Session& s);         ///< Grid
-void m41_Click(Session& s);          ///< Version
+void NMR1D_m11_Command(Session& s);   ///< Read
+void NMR1D_m112_Command(Session& s);  ///< Read CSV Data
+void m121_Click(Session& s);          ///< File Type definition
+void m47_Click(Session& s);           ///< About Processable Files
+void m102_Click(Session& s);          ///< Delete History
+void m31_Click(Session& s);           ///< Display Area
+void m30_Click(Session& s);           ///< Set Grid
+void m35_Click(Session& s);           ///< Show All Data
+void m367_Click(Session& s);          ///< Grid
+void m41_Click(Session& s);           ///< Version
 void m20_Click(Session& s);           ///< UnDo
 void ReDo_Click(Session& s);          ///< ReDo
 void m209_Click(Session& s);          ///< Show History
