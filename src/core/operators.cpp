@@ -7,7 +7,8 @@
 namespace nmr {
 namespace {
 
-auto Find(std::vector<std::string>& names, std::string_view name)
+template <class Names>
+auto Find(Names& names, std::string_view name)
 {
     return std::ranges::find_if(names, [&](const std::string& known) { return EqualsNoCase(known, name); });
 }
@@ -38,11 +39,10 @@ bool DeleteOperator(std::vector<std::string>& names, std::string_view name)
     return true;
 }
 
-void OfferOperator(GlobalBlock& g)
+std::string OfferedOperator(const GlobalBlock& g)
 {
-    DataSet& set = g.Slots[0];
-    if (set.FFTUser.empty() && Find(g.Operators, Trim(set.par.Operator)) != g.Operators.end())
-        set.FFTUser = set.par.Operator;
+    const auto found = Find(g.Operators, Trim(g.Slots[0].par.Operator));
+    return found == g.Operators.end() ? std::string() : *found;
 }
 
 } // namespace nmr

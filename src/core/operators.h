@@ -16,7 +16,7 @@ bool AddOperator(std::vector<std::string>& names, std::string_view name);
 /// False when the name is not listed.
 bool DeleteOperator(std::vector<std::string>& names, std::string_view name);
 
-/// FFTUser of slot 0, when it is empty, takes the operator of the measurement if that one is listed.
-void OfferOperator(GlobalBlock& g);
+/// The operator of the measurement in slot 0 when that one is listed, else empty.
+std::string OfferedOperator(const GlobalBlock& g);
 
 } // namespace nmr

@@ -34,7 +34,7 @@ void CopyRows(const RowArray<float>& from, RowArray<float>& to, std::int32_t poi
 
 Status FftForm::Open()
 {
-    OfferOperator(g_);
+    user_ = OfferedOperator(g_);
     Auto_ZeroFill(g_, 0);
     if (Status loaded = Load_FID_Work(g_); !loaded) return loaded;
     // Behind the fill, which changes where zero frequency stands.
@@ -185,10 +185,18 @@ Status FftForm::Command3(const std::function<void(int)>& progress)
     ParamBlock& par = g_.Slots[0].par;
     if (par.OBFRQ0PPMRead == 0) par.OBFRQ0PPMRead = par.OBFRQ0PPM;
     Set_Display_Range(g_);
-    AppendHistory(g_.Slots[0], g_.Slots[0].FFTUser, kHistoryTransform);
-    WriteLog(g_, asker_, kLogTransform, par.FileName);
+    RecordTransform();
     g_.DialogResult = "OK";
     return {};
+}
+
+/// The commit has put the user of the run in front of the date; an operator who was chosen takes that place.
+void FftForm::RecordTransform()
+{
+    DataSet& set = g_.Slots[0];
+    if (!user_.empty() && set.FFTUser.starts_with(g_.CurrentUser)) set.FFTUser.replace(0, g_.CurrentUser.size(), user_);
+    AppendHistory(set, user_.empty() ? g_.CurrentUser : user_, kHistoryTransform);
+    WriteLog(g_, asker_, kLogTransform, set.par.FileName);
 }
 
 bool FftForm::Close()

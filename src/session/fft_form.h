@@ -48,8 +48,9 @@ public:
     bool Close();
 
     std::int32_t points() const { return g_.Slots[0].par.POINT; }
-    /// The operator of the transform, who stands in the history: one of g.Operators, or empty.
-    void SetUser(const std::string& name) { g_.Slots[0].FFTUser = name; }
+    /// The operator of the transform, who stands in FFTUser and the history; empty for the user of the run.
+    void SetUser(const std::string& name) { user_ = name; }
+    const std::string& user() const { return user_; }
     bool can_transform_again() const { return !g_.NoFIDFile; }
     GlobalBlock& block() { return g_; }
     Asker& asker() { return asker_; }
@@ -57,12 +58,14 @@ public:
 private:
     void RunAutoPhase(PhaseMode mode);
     void RotateShownRow();
+    void RecordTransform();
 
     GlobalBlock& g_;
     Asker& asker_;
     // The first-order phase that the group delay leaves behind, and the shift it belongs to.
     float delay_phase1_deg_ = 0.0F;
     std::int32_t delay_shift_ = 0;
+    std::string user_;
 };
 
 } // namespace nmr

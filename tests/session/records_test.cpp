@@ -41,6 +41,7 @@ TEST(History, EachTransformAppendsAnEntryOfItsUser)
     EXPECT_EQ(shown.at("SUBJECT 1"), "Measured");
     EXPECT_EQ(shown.at("SUBJECT 2"), "FFT");
     EXPECT_EQ(shown.at("OPERATOR 2"), "Anna");
+    EXPECT_TRUE(rig.g.Slots[0].FFTUser.starts_with("Anna " + FormatDate("dd/mmm/yyyy", NowLocal())));
     EXPECT_EQ(shown.at("DATE 2").substr(0, 10), FormatDate("yyyy-mm-dd", NowLocal()));
     EXPECT_EQ(shown.at(forms::kHead), rig.g.Slots[0].par.OrgFile);
     // A data set without any entry shows its measurement.
@@ -283,7 +284,7 @@ TEST(ParameterFile, ChangesAreNotDroppedUnasked)
 
 TEST(Undo, AReadEmptiesTheStackAndAFailedOneKeepsIt)
 {
-    Rig rig{Pressed("Do not Save")};
+    Rig rig{Pressed("Do not Save"), Pressed("Do not Save")};
     rig.Boot();
     ASSERT_TRUE(Read_Path(rig.s, WriteBrukerFid(rig.folder.path() / "exp")));
     PushUndoStep(rig.g, UndoKind::add_peak);
