@@ -97,6 +97,9 @@ int Run(int argc, char** argv)
     CLI::App* info = app.add_subcommand("info", "what a file is, and its parameters");
     info->add_option("path", info_path, "data file or folder")->required();
     info->add_flag("--json", info_json, "one JSON object on standard output");
+    CLI::App* history = app.add_subcommand("history", "what was done to the data of a file, by whom and when");
+    history->add_option("path", info_path, "data file or folder")->required();
+    history->add_flag("--json", info_json, "one JSON object on standard output");
     CLI::App* process = app.add_subcommand("process", "from FID to spectrum");
     AddProcess(*process, options);
     ConvertOptions conversion;
@@ -111,6 +114,7 @@ int Run(int argc, char** argv)
         fmt::print("{}", FormatsText());
         return 0;
     }
+    if (*history) return static_cast<int>(RunHistory(info_path, info_json));
     if (*convert) return static_cast<int>(RunConvert(conversion));
     return static_cast<int>(*info ? RunInfo(info_path, info_json) : RunProcess(options));
 }

@@ -113,20 +113,44 @@ struct ScriptedTransform {
 
 } // namespace
 
-Exit RunInfo(const std::string& path, bool json)
+namespace {
+
+/// Reads a file and prints what `print` makes of it; a FID is left as it is.
+template <class Print>
+Exit ReadAndPrint(const std::string& path, bool json, Print print)
 {
     Run run;
     bool printed = false;
     run.session.run_fft_form = [&](FftForm&) {
-        PrintReport(Report(*run.g, run.type, path, {}, 0, run.asker.warnings()), json);
+        print(run);
         printed = true;
         return std::string("CANCEL"); // information needs no spectrum
     };
     const Status status = Read_Path(run.session, path, run.type);
     if (printed) return Exit::done;
     if (!status) return Refuse(run, path, status.error(), json);
-    PrintReport(Report(*run.g, run.type, path, {}, 0, run.asker.warnings()), json);
+    print(run);
     return Exit::done;
+}
+
+} // namespace
+
+Exit RunInfo(const std::string& path, bool json)
+{
+    return ReadAndPrint(path, json, [&](const Run& run) {
+        PrintReport(Report(*run.g, run.type, path, {}, 0, run.asker.warnings()), json);
+    });
+}
+
+Exit RunHistory(const std::string& path, bool json)
+{
+    return ReadAndPrint(path, json, [&](const Run& run) {
+        const nlohmann::ordered_json report = HistoryReport(*run.g, path);
+        if (json)
+            PrintReport(report, true);
+        else
+            fmt::print("{}", HistoryText(report));
+    });
 }
 
 Exit RunProcess(const ProcessOptions& options)

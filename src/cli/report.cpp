@@ -1,5 +1,6 @@
 #include "cli/report.h"
 
+#include "core/history.h"
 #include "core/param_table.h"
 #include "formats/registry.h"
 
@@ -124,6 +125,28 @@ Json RefusalReport(const FileType& type, const std::string& file, const std::str
 {
     return {{"file", file},      {"tag", type.tag}, {"code", type.code},
             {"mode", type.mode}, {"error", reason}, {"warnings", warnings}};
+}
+
+Json HistoryReport(const GlobalBlock& g, const std::string& file)
+{
+    const DataSet& set = g.Slots[0];
+    Json rows = Json::array();
+    for (const HistoryRow& row : HistoryRows(set))
+        rows.push_back({{"subject", row.subject}, {"operator", row.operator_name}, {"date", row.date}});
+    return {{"file", file}, {"original_file", set.par.OrgFile}, {"history", std::move(rows)}};
+}
+
+std::string HistoryText(const Json& report)
+{
+    std::string text = fmt::format("Original File Name {}\n{:<14} {:<20} {}\n",
+                                   report["original_file"].get<std::string>(), "Subject", "Operator", "Date");
+    for (const Json& row : report["history"]) {
+        std::string line = fmt::format("{:<14} {:<20} {}", row["subject"].get<std::string>(),
+                                       row["operator"].get<std::string>(), row["date"].get<std::string>());
+        line.erase(line.find_last_not_of(' ') + 1);
+        text += line + "\n";
+    }
+    return text;
 }
 
 std::string ReportText(const Json& report)

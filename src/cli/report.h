@@ -26,7 +26,12 @@ nlohmann::ordered_json Report(const GlobalBlock& g, const FileType& type, const 
 nlohmann::ordered_json RefusalReport(const FileType& type, const std::string& file, const std::string& reason,
                                      const std::vector<std::string>& warnings);
 
-/// The same object as lines "key  value" for a terminal.
+/// What was done to slot 0: {"original_file": ..., "history": [{"subject", "operator", "date"}]}.
+nlohmann::ordered_json HistoryReport(const GlobalBlock& g, const std::string& file);
+/// The same as a table.
+std::string HistoryText(const nlohmann::ordered_json& report);
+
+/// A report as lines "key  value" for a terminal.
 std::string ReportText(const nlohmann::ordered_json& report);
 
 /// The table of families.

@@ -19,8 +19,13 @@ std::span<const FormTableRow> FormTable()
         {forms::kProcessableFiles, NMR1D_Form93},
         {forms::kFileTypes, NMR1D_Form101},
         {forms::kFourierState, NMR1D_Form102},
+        {forms::kParameterEditor, NMR1D_Form103},
+        {forms::kParameterList, NMR1D_ListView},
+        {forms::kParameterFile, Form17},
         {forms::kQuestion, Form110},
+        {forms::kHistoryForm, Form111_History},
         {forms::kNumberType, Form120},
+        {forms::kOperatorForm, Operator_Form22},
     };
     return kRows;
 }

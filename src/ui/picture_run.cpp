@@ -127,7 +127,12 @@ struct FormCommand {
 constexpr FormCommand kFormCommands[] = {{forms::kDisplayScope, m31_Click},
                                          {forms::kGrid, m30_Click},
                                          {forms::kFileTypes, m121_Click},
-                                         {forms::kProcessableFiles, m47_Click}};
+                                         {forms::kProcessableFiles, m47_Click},
+                                         {forms::kHistoryForm, m209_Click},
+                                         {forms::kOperatorForm, m43_Click},
+                                         {forms::kParameterList, BasicCommand1_Click},
+                                         {forms::kParameterEditor, m292_Click},
+                                         {forms::kParameterFile, m42_Click}};
 
 bool OpenForm(Session& session, NMR1D_Form1& window, const QString& name)
 {

@@ -56,6 +56,20 @@ TEST_F(CliSample, PutsTheKnownLinesAtTheirPlacesAndInPhase)
     EXPECT_LT(negative / positive, 0.02);
 }
 
+TEST_F(CliSample, HistoryBeginsWithTheMeasurement)
+{
+    const auto json = Cli("history " + Sample() + " --json");
+    ASSERT_EQ(json.exit, 0);
+    ASSERT_EQ(json.json()["history"].size(), 1U) << "nothing has been done to a FID";
+    EXPECT_EQ(json.json()["history"][0]["subject"], "Measured");
+    const auto text = Cli("history " + Sample());
+    EXPECT_EQ(text.exit, 0);
+    EXPECT_TRUE(text.out.starts_with("Original File Name " + Sample()));
+    EXPECT_NE(text.out.find("\nMeasured"), std::string::npos);
+    EXPECT_EQ(Cli("history " + Path("missing")).exit, 3);
+    EXPECT_EQ(Cli("history").exit, 2);
+}
+
 TEST_F(CliSample, OptionsOfTheTransformDoWhatTheySay)
 {
     struct Case {

@@ -109,7 +109,30 @@ std::vector<SmallForm> SmallForms(const GlobalBlock& g)
               {"BUTTON 1", "Save"},
               {"BUTTON 2", "Do not Save"},
               {"BUTTON 3", "Cancel"}}},
-            {"120", Form120, {}}};
+            {"120", Form120, {}},
+            {"17",
+             Form17,
+             {{kFile, "/home/anna/nmr/1D_Eng.prt"},
+              {kCount, "3"},
+              {"KEY 1", "$"},
+              {"LABEL 1", "Experiment"},
+              {"KEY 2", "OBFRQ"},
+              {"LABEL 2", "ObsFreq"},
+              {"FORMAT 2", "#####0.0### MHz"},
+              {"KEY 3", "COMNT"},
+              {"LABEL 3", "Comment"},
+              {"FORMAT 3", "@"}}},
+            {"operators", Operator_Form22, {{kNames, "Anna\nBen\nClara"}}},
+            {"history",
+             Form111_History,
+             {{kHead, "/data/strychnine/1/fid"},
+              {kCount, "2"},
+              {"SUBJECT 1", "Measured"},
+              {"OPERATOR 1", "Anna"},
+              {"DATE 1", "2024-03-07 13:05:09"},
+              {"SUBJECT 2", "FFT"},
+              {"OPERATOR 2", "Ben"},
+              {"DATE 2", "2024-03-08 09:00:00"}}}};
 }
 
 TEST(FormShots, SmallForms)
