@@ -6,6 +6,7 @@
 #include "session/forms.h"
 #include "session/other_runs.h"
 #include "session/read_flow.h"
+#include "session/save_flow.h"
 #include "session/startup.h"
 
 #include <array>
@@ -18,19 +19,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* kOwnPatterns[] = {"UndoSpecData1.*", "UndoSpecData2.*", "temp*.emf",
                                         "temp*.wmf",       "temp*.temp",      "Temp.dat"};
-
-/// True when the run may end.
-bool Confirm_End(Session& s)
-{
-    if (s.g.Slots[0].par.DataChanged != 1) return true;
-    const FormAnswer answer = s.asker.Form({forms::kQuestion,
-                                            {{forms::kTitle, "Exit 1D NMR"},
-                                             {forms::kText, "Before End, Data is"},
-                                             {forms::kCount, "2"},
-                                             {forms::Indexed(forms::kButton, 1), "Do not Save"},
-                                             {forms::Indexed(forms::kButton, 2), "Cancel"}}});
-    return answer.dialog_result == "Do not Save";
-}
 
 void Write_Settings(Session& s)
 {
@@ -76,7 +64,7 @@ void Remove_Files(const Session& s)
 
 bool m19_Click(Session& s)
 {
-    if (!Confirm_End(s)) {
+    if (!Settle_Unsaved(s, "Exit 1D NMR", "Before End, Data is")) {
         s.g.DialogResult = forms::kCancel;
         return false;
     }
