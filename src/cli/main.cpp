@@ -48,7 +48,7 @@ void AddProcess(CLI::App& app, ProcessOptions& options)
         ->check(CLI::IsMember({"file", "none"}));
     app.add_option("--row", options.row, "row of array data, from 1")->check(CLI::Range(1, kMaxRows));
     AddParsed(app, "--range", ParseRange, options.range_ppm, "LEFT:RIGHT in ppm, for pictures and .csv");
-    app.add_option("--out", options.outputs, "write FILE: .npy, .csv, .png, .svg or .pdf; may be given again")
+    app.add_option("--out", options.outputs, "write FILE: .tvo1, .npy, .csv, .png, .svg or .pdf; may be given again")
         ->take_all()
         ->allow_extra_args(false);
     app.add_flag("--json", options.json, "one JSON object on standard output");
