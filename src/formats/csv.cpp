@@ -4,6 +4,7 @@
 #include "core/numbers.h"
 #include "core/param_table.h"
 #include "core/text.h"
+#include "formats/probes.h"
 
 #include <fmt/format.h>
 
@@ -14,6 +15,7 @@ namespace nmr {
 namespace {
 
 constexpr char kWhere[] = "ReadDataCSV/1DDRW";
+constexpr int kCsvFamily = 14;
 constexpr std::uint64_t kMaxFile = std::uint64_t{1} << 30;
 constexpr double kMaxValue = 1e30;
 constexpr double kAssumedMHz = 1.0; ///< shifts then count Hz
@@ -417,6 +419,24 @@ Status ReadTable(const ReadRequest& request, std::string_view text)
 }
 
 } // namespace
+
+FileType CsvFileType(const std::string& path, Asker& asker, const NuclearTable& nuclides)
+{
+    constexpr std::size_t kHead = 65536;
+    FileType type;
+    const auto real = ResolvePath(path);
+    if (!real) return type;
+    type.path = std::filesystem::absolute(*real).lexically_normal().string();
+    const auto head = ReadFileHead(type.path, kHead);
+    const ProbeAnswer answer = head ? ReadModeCSV(*head, {asker, nuclides}) : ProbeAnswer();
+    if (answer.status != 0) return type;
+    type.code = kOneDimensionalBit + kCsvFamily;
+    type.tag = "CSV1";
+    type.mode = answer.mode;
+    type.directory = std::filesystem::path(type.path).parent_path().string();
+    type.extension = ".CSV";
+    return type;
+}
 
 Status ReadCsvText(const ReadRequest& request, std::string_view text)
 {

@@ -33,7 +33,7 @@ constexpr FormatRow kRows[] = {
     {10, "GE Omega", "*.fid (*.hed)", "GE1", "GE2D", "GE2F", kAsTransformed},
     {11, "Native Ver.3", "*.tv1", "TAVO1", "TAVO2D", "TAVO2F", kAsTransformed},
     {12, "Native Ver.4", "*.tvo, *.tvo1", "TAVO1_V4", "TAVO2D_V4", "TAVO2D_V4", kAsTransformed, ReadTavo4, true},
-    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kOpposite, ReadDataJCAMP},
+    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kOpposite, ReadDataJCAMP, true},
     {14, "CSV", "*.csv, *.txt, *.dat, *.asc", "CSV1", "", "", kOpposite, ReadDataCSV, true},
     {15, "MSL/Aspect", "*.msl", "MSL1", "MSL2D", "MSL2F", kAsTransformed},
     {16, "Siemens/DICOM", "*.ima, *.dcm", "SIEMENS", "", "", kAsTransformed},
