@@ -61,7 +61,7 @@ TEST(Cmx, AFidIsRead)
     const ParamBlock& par = read.par();
     EXPECT_EQ(read.type.code, 0x1009);
     EXPECT_EQ(par.POINT, 16);
-    EXPECT_EQ(par.ObsCenter, 200.13) << "the second channel observes";
+    EXPECT_EQ(par.ObsCenter, 300.13) << "the second channel observes";
     EXPECT_EQ(par.FREQU, 4000.0F);
     EXPECT_EQ(par.OBNUC, "1H");
     EXPECT_FLOAT_EQ(par.IRFRQ, 50.3075F);
@@ -72,11 +72,11 @@ TEST(Cmx, AFidIsRead)
     EXPECT_EQ(par.SCANS, 3);
     EXPECT_EQ(par.PulseProg + " " + par.COMNT + " " + par.Instrument, "1pulse a comment CMX***");
     EXPECT_EQ(par.DATIM, "29/Dec/2014 14:07:34");
-    // 200.132 MHz is 10 ppm. The sample's line has the sense of the other vendors, so it stands below
+    // 300.132 MHz is 10 ppm. The sample's line has the sense of the other vendors, so it stands below
     // the carrier here.
-    EXPECT_NEAR(par.FileRefMHz, 200.132 / (1 + 10e-6), 1e-9);
-    const double line = 10 - (2000.0 + 500.0) / 200.13;
-    EXPECT_NEAR(StrongestLine(read.set(), 0, FidSense::opposite).first, line, 4000.0 / 32 / 200);
+    EXPECT_NEAR(par.FileRefMHz, 300.132 / (1 + 10e-6), 1e-9);
+    const double line = 10 - (2000.0 + 500.0) / 300.13;
+    EXPECT_NEAR(StrongestLine(read.set(), 0, FidSense::opposite).first, line, 4000.0 / 32 / 300);
     EXPECT_EQ(FindFormat(9)->sense, FidSense::opposite);
 }
 

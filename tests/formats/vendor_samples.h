@@ -121,12 +121,12 @@ inline Image VarianFile(const VarianSample& s = {})
 
 inline std::string SampleAcq(std::string_view more = "")
 {
-    return "ppfn=1pulse\nch1=2\nch2=1\nsf1=50.3075\nsf2=200.13\npw90X=0.0000028s\nrd=4u\ndw=0.00025s\nsw=4.0\n" +
+    return "ppfn=1pulse\nch1=2\nch2=1\nsf1=50.3075\nsf2=300.13\npw90X=0.0000028s\nrd=4u\ndw=0.00025s\nsw=4.0\n" +
            std::string(more) + "pd=5.0s\nna=4\nrg=50.0\nal=16\n";
 }
 inline std::string SampleProc(std::string_view more = "")
 {
-    return "com=a comment\nrmv1=10.0\nrmvunits1=1\nrmp1=200.132\n" + std::string(more) + "datatype=0\ndomain1=0\n";
+    return "com=a comment\nrmv1=10.0\nrmvunits1=1\nrmp1=300.132\n" + std::string(more) + "datatype=0\ndomain1=0\n";
 }
 /// All real values, then all imaginary ones.
 inline Image CmxData(int points = 16, int rows = 1)
