@@ -1,5 +1,6 @@
 #include "ui/form_table.h"
 
+#include "formats/csv_choice.h"
 #include "session/forms.h"
 #include "ui/form_dialogs.h"
 
@@ -19,6 +20,8 @@ std::span<const FormTableRow> FormTable()
         {forms::kProcessableFiles, NMR1D_Form93},
         {forms::kFileTypes, NMR1D_Form101},
         {forms::kFourierState, NMR1D_Form102},
+        {kCsvForm, NMR1D_Form103_CSV},
+        {forms::kAsciiData, NMR1D_Form104},
         {forms::kQuestion, Form110},
         {forms::kNumberType, Form120},
     };
