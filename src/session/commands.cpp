@@ -114,7 +114,10 @@ void m30_Click(Session& s)
 {
     const FormAnswer answer = s.asker.Form({forms::kGrid, GridChoice::From(s.g.settings).ToValues()});
     if (answer.dialog_result != forms::kOk) return;
-    if (!GridChoice::From(answer.values).Apply(s.g.settings)) return;
+    const GridChoice choice = GridChoice::From(answer.values);
+    if (Settings tried = s.g.settings; !choice.Apply(tried)) return;
+    PushUndoStep(s.g, UndoKind::change_grid);
+    static_cast<void>(choice.Apply(s.g.settings));
     s.g.SettingsChanged = true;
     Refresh(s);
 }

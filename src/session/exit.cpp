@@ -2,6 +2,7 @@
 
 #include "core/error_report.h"
 #include "core/file_layer.h"
+#include "core/log.h"
 #include "core/settings_file.h"
 #include "session/forms.h"
 #include "session/other_runs.h"
@@ -17,8 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kOwnPatterns[] = {"UndoSpecData1.*", "UndoSpecData2.*", "temp*.emf",
-                                        "temp*.wmf",       "temp*.temp",      "Temp.dat"};
+constexpr const char* kOwnPatterns[] = {"temp*.emf", "temp*.wmf", "temp*.temp", "Temp.dat"};
+constexpr const char* kMultiSnapshots = "UndoSpecData2.*";
 
 void Write_Settings(Session& s)
 {
@@ -46,18 +47,22 @@ void Remove_Own(const GlobalBlock& g, const fs::path& file)
     if (fs::is_regular_file(fs::symlink_status(file, ignored))) fs::remove(file, ignored);
 }
 
-void Remove_Files(const Session& s)
+void Remove_Files(Session& s)
 {
-    const GlobalBlock& g = s.g;
+    GlobalBlock& g = s.g;
     if (g.AppPath.empty()) return;
+    const bool alone = !(s.another_run_present ? s.another_run_present() : AnotherRunPresent());
+    // Another run may still want to take its steps back.
+    g.Undo.RemoveFiles(g, alone);
     for (const char* pattern : kOwnPatterns)
         for (const std::string& name : ListFiles(g.AppPath, pattern)) Remove_Own(g, g.AppPath / name);
     Remove_Own(g, g.BackupFile);
     Remove_Own(g, g.FIDWorkFile);
     Remove_Own(g, g.WorkFile);
-    if (s.another_run_present ? s.another_run_present() : AnotherRunPresent()) return;
-    // Alone: what runs that were killed have left goes too.
-    for (const std::string& name : ListFiles(g.AppPath, kWorkFilePattern)) Remove_Own(g, g.AppPath / name);
+    if (!alone) return;
+    // What runs that were killed have left goes too.
+    for (const char* pattern : {kMultiSnapshots, kWorkFilePattern})
+        for (const std::string& name : ListFiles(g.AppPath, pattern)) Remove_Own(g, g.AppPath / name);
 }
 
 } // namespace
@@ -70,6 +75,7 @@ bool m19_Click(Session& s)
     }
     Write_Settings(s);
     Offer_Instrument_Table(s);
+    WriteLog(s.g, s.asker, kLogExit, s.g.Slots[0].par.FileName);
     Remove_Files(s);
     s.g.DialogResult = forms::kEnd;
     return true;

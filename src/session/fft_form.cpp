@@ -1,6 +1,9 @@
 #include "session/fft_form.h"
 
 #include "core/error_report.h"
+#include "core/history.h"
+#include "core/log.h"
+#include "core/operators.h"
 #include "fid/fft_pipeline.h"
 #include "session/read_flow.h"
 
@@ -31,6 +34,7 @@ void CopyRows(const RowArray<float>& from, RowArray<float>& to, std::int32_t poi
 
 Status FftForm::Open()
 {
+    OfferOperator(g_);
     Auto_ZeroFill(g_, 0);
     if (Status loaded = Load_FID_Work(g_); !loaded) return loaded;
     // Behind the fill, which changes where zero frequency stands.
@@ -181,6 +185,8 @@ Status FftForm::Command3(const std::function<void(int)>& progress)
     ParamBlock& par = g_.Slots[0].par;
     if (par.OBFRQ0PPMRead == 0) par.OBFRQ0PPMRead = par.OBFRQ0PPM;
     Set_Display_Range(g_);
+    AppendHistory(g_.Slots[0], g_.Slots[0].FFTUser, kHistoryTransform);
+    WriteLog(g_, asker_, kLogTransform, par.FileName);
     g_.DialogResult = "OK";
     return {};
 }

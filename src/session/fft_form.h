@@ -48,6 +48,8 @@ public:
     bool Close();
 
     std::int32_t points() const { return g_.Slots[0].par.POINT; }
+    /// The operator of the transform, who stands in the history: one of g.Operators, or empty.
+    void SetUser(const std::string& name) { g_.Slots[0].FFTUser = name; }
     bool can_transform_again() const { return !g_.NoFIDFile; }
     GlobalBlock& block() { return g_; }
     Asker& asker() { return asker_; }

@@ -96,6 +96,53 @@ inline constexpr char kEditAreas[] = "AREAS";
 inline constexpr char kDefaultAreas[] = "NMR1D_Form34";
 inline constexpr char kGrid[] = "NMR1D_Form33";
 
+// Form111_History: "History of Data". In: kHead, and kCount rows Indexed(kSubject, n),
+// Indexed(kOperator, n), Indexed(kDate, n), n from 1. Ends "CLOSE".
+inline constexpr char kHistoryForm[] = "Form111_History";
+inline constexpr char kHead[] = "HEAD";
+inline constexpr char kSubject[] = "SUBJECT";
+inline constexpr char kOperator[] = "OPERATOR";
+inline constexpr char kDate[] = "DATE";
+
+// Operator_Form22: "Add/Delete Operator Name". In and out: kNames, one a line; changes count at once, so
+// it always ends "CLOSE".
+inline constexpr char kOperatorForm[] = "Operator_Form22";
+inline constexpr char kNames[] = "NAMES";
+
+// NMR1D_ListView: "Parameters". In: kTitle, and kCount rows Indexed(kRowName, n), Indexed(kValue, n), n
+// from 1. Ends "CLOSE", or kSaveList ("Save List"), after which it shows again.
+inline constexpr char kParameterList[] = "NMR1D_ListView";
+inline constexpr char kValue[] = "VALUE";
+inline constexpr char kSaveList[] = "SAVE LIST";
+
+// NMR1D_Form103: "Edit Parameters". In: kCount rows Indexed(kRowName, n), Indexed(kValue, n) and
+// Indexed(kRowKind, n), n from 1: kNumberRow, kTextRow, or kListRow for a text picked from kNames or
+// typed; then kSampleId and kComment; kWrong names a row to begin at. "OK" with Indexed(kValue, n),
+// kSampleId and kComment, or "CANCEL".
+inline constexpr char kParameterEditor[] = "NMR1D_Form103";
+inline constexpr char kRowKind[] = "KIND";
+inline constexpr char kNumberRow[] = "NUMBER";
+inline constexpr char kTextRow[] = "TEXT";
+inline constexpr char kListRow[] = "LIST";
+inline constexpr char kSampleId[] = "SAMPLE ID";
+inline constexpr char kComment[] = "COMMENT";
+inline constexpr char kWrong[] = "WRONG";
+
+// Form17: "Edit Parameter File". In and out: kCount rows Indexed(kKey, n), Indexed(kLabel, n),
+// Indexed(kFormat, n), n from 1; in: kFile, the path that the rows come from, and kChanged, whether rows
+// differ from it. Ends with the word of a button (kOpenFile, kSaveFile, kPublicFile, kAboutFile), after
+// which it shows again, or with "CLOSE"; each hands back the rows and kChanged.
+inline constexpr char kParameterFile[] = "Form17";
+inline constexpr char kKey[] = "KEY";
+inline constexpr char kLabel[] = "LABEL";
+inline constexpr char kFormat[] = "FORMAT";
+inline constexpr char kFile[] = "FILE";
+inline constexpr char kChanged[] = "CHANGED";
+inline constexpr char kOpenFile[] = "OPEN";
+inline constexpr char kSaveFile[] = "SAVE";
+inline constexpr char kPublicFile[] = "PUBLIC";
+inline constexpr char kAboutFile[] = "ABOUT";
+
 /// "EXPRESSION 3".
 std::string Indexed(std::string_view name, int index);
 /// The shortest text that reads back to the same number.

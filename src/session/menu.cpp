@@ -22,6 +22,14 @@ constexpr MenuRow kRows[] = {
     {"m102", "NMR_m1", "Delete History", "", false, false, m102_Click},
     {kExitControl, "NMR_m1", "Exit", "Ctrl+Q", kSeparator},
 
+    {"m2", "", "Edit", ""},
+    {"m20", "m2", "UnDo", "Ctrl+Z", false, false, m20_Click},
+    {kRedoControl, "m2", "ReDo", "Ctrl+Shift+Z", false, false, ReDo_Click},
+    {"m29", "m2", "Other Setting", "", kSeparator},
+    {"m292", "m29", "Edit Parameters", "", false, false, m292_Click},
+    {"m209", "m2", "Show History", "", false, false, m209_Click},
+    {"BasicCommand1", "m2", "Show Parameter", "Ctrl+I", false, false, BasicCommand1_Click},
+
     {"m3", "", "Display/Environment", ""},
     {"m31", "m3", "Display Area", "", false, false, m31_Click},
     {"m30", "m3", "Set Grid", "", false, false, m30_Click},
@@ -30,6 +38,8 @@ constexpr MenuRow kRows[] = {
     {"m367", "m36", "Grid", "", false, kCheckable, m367_Click},
 
     {"m40", "", "ETC", ""},
+    {"m42", "m40", "Edit Parameter File", "", false, false, m42_Click},
+    {"m43", "m40", "Add/Delete Operator Name", "", false, false, m43_Click},
     {"m41", "m40", "Version", "", false, false, m41_Click},
     {"m46", "m40", "About Processable Files", "", false, false, m47_Click},
 };

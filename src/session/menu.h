@@ -26,18 +26,26 @@ struct MenuRow {
 std::span<const MenuRow> MenuRows();
 inline constexpr char kExitControl[] = "m19";
 inline constexpr char kRecentControl[] = "RecentFile";
+inline constexpr char kRedoControl[] = "m20_ReDo";
 
 // Commands.
-void NMR1D_m11_Command(Session& s);  ///< Read
-void NMR1D_m112_Command(Session& s); ///< Read CSV Data
-void m121_Click(Session& s);         ///< File Type definition
-void m47_Click(Session& s);          ///< About Processable Files
-void m102_Click(Session& s);         ///< Delete History
-void m31_Click(Session& s);          ///< Display Area
-void m30_Click(Session& s);          ///< Set Grid
-void m35_Click(Session& s);          ///< Show All Data
-void m367_Click(Session& s);         ///< Grid
-void m41_Click(Session& s);          ///< Version
+void NMR1D_m11_Command(Session& s);   ///< Read
+void NMR1D_m112_Command(Session& s);  ///< Read CSV Data
+void m121_Click(Session& s);          ///< File Type definition
+void m47_Click(Session& s);           ///< About Processable Files
+void m102_Click(Session& s);          ///< Delete History
+void m31_Click(Session& s);           ///< Display Area
+void m30_Click(Session& s);           ///< Set Grid
+void m35_Click(Session& s);           ///< Show All Data
+void m367_Click(Session& s);          ///< Grid
+void m41_Click(Session& s);           ///< Version
+void m20_Click(Session& s);           ///< UnDo
+void ReDo_Click(Session& s);          ///< ReDo
+void m209_Click(Session& s);          ///< Show History
+void m292_Click(Session& s);          ///< Edit Parameters
+void m42_Click(Session& s);           ///< Edit Parameter File
+void m43_Click(Session& s);           ///< Add/Delete Operator Name
+void BasicCommand1_Click(Session& s); ///< Show Parameter
 /// Reads the recent file of an index; nothing for an index beyond the list.
 void RecentFile_Click(Session& s, std::size_t index);
 

@@ -2,6 +2,7 @@
 
 #include "core/error_report.h"
 #include "core/file_layer.h"
+#include "core/log.h"
 #include "core/text.h"
 #include "fid/fft_pipeline.h"
 #include "formats/bruker.h"
@@ -157,6 +158,8 @@ void BringBack(GlobalBlock& g, Replaced& old, bool fid_overwritten)
 
 void Empty(Session& s)
 {
+    s.g.Undo.Empty();
+    s.g.PointUndo.Empty();
     ClearDataSet(s.g, 0);
     static_cast<void>(AllocateSpecBuffer(s.g, s.g.DefaultPoints, 0));
     s.g.NoSpectrumYet = false;
@@ -292,6 +295,7 @@ void RememberFile(Session& s, const Candidate& found)
     AddRecentFile(g, found.file);
     if (s.may_leave_dummy_files) LeaveDummy(found.type);
     ShowFileTitle(s, found.file);
+    WriteLog(g, s.asker, kLogRead, found.file);
 }
 
 Status ReadCandidate(Session& s, const Candidate& found)
@@ -311,6 +315,9 @@ Status ReadCandidate(Session& s, const Candidate& found)
         Refresh(s);
         return filled;
     }
+    // The steps belong to the data that are gone; after a failure, which brings those back, they hold.
+    g.Undo.Empty();
+    g.PointUndo.Empty();
     if (g.FormatIndex != kNativeVer3 && g.FormatIndex != kNativeVer4) Set_Display_Range(g);
     RememberFile(s, found);
     Refresh(s);

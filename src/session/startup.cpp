@@ -1,6 +1,7 @@
 #include "session/startup.h"
 
 #include "core/file_layer.h"
+#include "core/log.h"
 #include "core/numbers.h"
 #include "core/settings_file.h"
 #include "core/text.h"
@@ -212,6 +213,7 @@ StartResult Start(Session& s, const StartOptions& options)
     }
     if (options.hide_splash) options.hide_splash();
     g.LastRecent = -1;
+    if (user_chosen) WriteLog(g, s.asker, kLogStart, VersionText());
     return user_chosen ? StartResult::run : StartResult::ended;
 }
 

@@ -1,0 +1,103 @@
+// Taking a step back and doing it again, at the largest length.
+
+#include "bench.h"
+#include "core/global_block.h"
+#include "sample_block.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <unistd.h>
+
+namespace nmr::bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr double kDataLimitMs = 50, kListLimitMs = 1;
+constexpr std::size_t kPeaks = 1000;
+
+/// A folder for the snapshots, where temporary files of this machine are.
+class Folder {
+public:
+    Folder() : path_(fs::temp_directory_path() / fmt::format("nmr1d-bench-{}", ::getpid()))
+    {
+        fs::create_directories(path_);
+    }
+    ~Folder()
+    {
+        std::error_code ignored;
+        fs::remove_all(path_, ignored);
+    }
+    const fs::path& path() const { return path_; }
+
+private:
+    fs::path path_;
+};
+
+void ChangePoints(DataSet& set)
+{
+    for (float& value : set.spec.DataRe.all()) value *= 1.01F;
+    CopyDataToSource(set);
+}
+
+struct Times {
+    double push = 0, undo = 0, redo = 0;
+};
+
+/// The best of some rounds; each round pushes a step anew.
+template <class Change>
+Times Measure(GlobalBlock& g, Change change)
+{
+    Times best{1e9, 1e9, 1e9};
+    for (int round = 0; round < 8; ++round) {
+        best.push = std::min(best.push, change());
+        best.undo = std::min(best.undo, OnceMs([&] { g.Undo.UnDo(g); }));
+        best.redo = std::min(best.redo, OnceMs([&] { g.Undo.ReDo(g); }));
+    }
+    return best;
+}
+
+void AddRows(std::vector<BenchRow>& rows, const std::string& name, const Times& times, double limit)
+{
+    rows.push_back({name + ", step kept", times.push, "ms", 0, {}});
+    rows.push_back({name + ", undo", times.undo, "ms", limit, {}});
+    rows.push_back({name + ", redo", times.redo, "ms", limit, {}});
+}
+
+std::vector<BenchRow> Undo()
+{
+    const Folder folder;
+    SampleBlock sample(kMaxPoints);
+    GlobalBlock& g = sample.g();
+    g.AppPath = folder.path();
+    DataSet& set = g.Slots[0];
+    set.Peaks.resize(kPeaks);
+    std::vector<BenchRow> rows;
+    const auto phase = static_cast<std::int32_t>(UndoKind::phase);
+    AddRows(rows, "phase, 1048576 points",
+            Measure(g,
+                    [&] {
+                        UndoStep step;
+                        double ms = OnceMs([&] { step = g.Undo.Begin(g, phase); });
+                        ChangePoints(set);
+                        ms += OnceMs([&] { g.Undo.Commit(g, std::move(step)); });
+                        return ms;
+                    }),
+            kDataLimitMs);
+    AddRows(rows, "peak list, 1000 peaks",
+            Measure(g,
+                    [&] {
+                        const double ms = OnceMs([&] { PushUndoStep(g, UndoKind::add_peak); });
+                        set.Peaks.back().Point += 1;
+                        return ms;
+                    }),
+            kListLimitMs);
+    return rows;
+}
+
+const bool registered = Register("undo", Undo);
+
+} // namespace
+} // namespace nmr::bench
