@@ -7,6 +7,7 @@
 #include "core/text.h"
 #include "session/fft_form.h"
 #include "session/read_flow.h"
+#include "session/save_flow.h"
 
 #include <fmt/format.h>
 
@@ -75,20 +76,26 @@ Status ApplyOptions(FftForm& form, const ProcessOptions& options)
     return {};
 }
 
-Status WriteOutput(const GlobalBlock& g, const ProcessOptions& options, const std::string& path)
+bool IsNativeExtension(const std::string& extension)
 {
-    const DataSet& set = g.Slots[0];
+    return extension == ".tvo1" || extension == ".tvo" || extension == ".tv1";
+}
+
+Status WriteOutput(Session& s, const ProcessOptions& options, const std::string& path)
+{
+    const DataSet& set = s.g.Slots[0];
     const auto row = static_cast<std::size_t>(options.row - 1);
     const std::string extension = ToLower(std::filesystem::path(path).extension().string());
+    if (IsNativeExtension(extension)) return Save_Ver4(s, path);
     if (extension == ".npy") return WriteNpy(set, path);
     if (extension == ".csv") return WriteCsv(set, row, options.range_ppm, path);
-    return WritePicture(g, options, path);
+    return WritePicture(s.g, options, path);
 }
 
 bool KnownOutput(const std::string& path)
 {
     const std::string extension = ToLower(std::filesystem::path(path).extension().string());
-    return extension == ".npy" || extension == ".csv" || IsPictureExtension(extension);
+    return extension == ".npy" || extension == ".csv" || IsNativeExtension(extension) || IsPictureExtension(extension);
 }
 
 // The transform as the options want it, in place of the form.
@@ -157,7 +164,7 @@ Exit RunProcess(const ProcessOptions& options)
 {
     for (const std::string& out : options.outputs) {
         if (KnownOutput(out)) continue;
-        Complain(out, "the extension must be .npy, .csv, .png, .svg or .pdf");
+        Complain(out, "the extension must be .tvo1, .tvo, .tv1, .npy, .csv, .png, .svg or .pdf");
         return Exit::usage;
     }
     Run run;
@@ -174,7 +181,7 @@ Exit RunProcess(const ProcessOptions& options)
         return Exit::bad_parameters;
     }
     for (const std::string& out : options.outputs)
-        if (const Status written = WriteOutput(*run.g, options, out); !written) {
+        if (const Status written = WriteOutput(run.session, options, out); !written) {
             Complain(out, written.error().text);
             return Exit::not_written;
         }

@@ -16,7 +16,7 @@ inline constexpr std::size_t kHistoryBytes = 32;
 // Subjects.
 inline constexpr char kHistoryMeasured[] = "Measured";
 inline constexpr char kHistoryTransform[] = "FFT";
-inline constexpr char kHistorySave[] = "Save";
+inline constexpr char kHistorySave[] = "Saved";
 
 /// Appends one entry: HistoryA the operator, HistoryB "yyyy-mm-dd hh:nn:ss subject", each cut to what
 /// the file keeps.

@@ -7,6 +7,7 @@
 #include "session/forms.h"
 #include "session/other_runs.h"
 #include "session/read_flow.h"
+#include "session/save_flow.h"
 #include "session/startup.h"
 
 #include <array>
@@ -19,19 +20,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* kOwnPatterns[] = {"temp*.emf", "temp*.wmf", "temp*.temp", "Temp.dat"};
 constexpr const char* kMultiSnapshots = "UndoSpecData2.*";
-
-/// True when the run may end.
-bool Confirm_End(Session& s)
-{
-    if (s.g.Slots[0].par.DataChanged != 1) return true;
-    const FormAnswer answer = s.asker.Form({forms::kQuestion,
-                                            {{forms::kTitle, "Exit 1D NMR"},
-                                             {forms::kText, "Before End, Data is"},
-                                             {forms::kCount, "2"},
-                                             {forms::Indexed(forms::kButton, 1), "Do not Save"},
-                                             {forms::Indexed(forms::kButton, 2), "Cancel"}}});
-    return answer.dialog_result == "Do not Save";
-}
 
 void Write_Settings(Session& s)
 {
@@ -81,7 +69,7 @@ void Remove_Files(Session& s)
 
 bool m19_Click(Session& s)
 {
-    if (!Confirm_End(s)) {
+    if (!Settle_Unsaved(s, "Exit 1D NMR", "Before End, Data is")) {
         s.g.DialogResult = forms::kCancel;
         return false;
     }

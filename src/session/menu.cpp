@@ -1,6 +1,7 @@
 #include "session/menu.h"
 
 #include "session/ascii_commands.h"
+#include "session/save_flow.h"
 
 namespace nmr {
 namespace {
@@ -15,6 +16,7 @@ constexpr MenuRow kRows[] = {
     {"m121", "NMR_m1", "File Type definition", "", false, false, m121_Click},
     {"m47", "NMR_m1", "About Processable Files", "", false, false, m47_Click},
     {"m10", "NMR_m1", "Save as", "", kSeparator},
+    {"m10_4", "m10", "Ver.4 type(*.tvo) ", "Ctrl+S", false, false, m10_4_Click},
     {"m10_7", "m10", "ASCII type(*.txt, *.dat, *.asc)", "", false, false, m10_7_Click},
     {kRecentControl, "NMR_m1", "", "", kSeparator},
     {"m102", "NMR_m1", "Delete History", "", false, false, m102_Click},

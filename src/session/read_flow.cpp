@@ -14,6 +14,7 @@
 #include "session/fft_form.h"
 #include "session/fid_intake.h"
 #include "session/forms.h"
+#include "session/save_flow.h"
 
 #include <fmt/format.h>
 
@@ -38,11 +39,6 @@ void Warn(Asker& asker, const char* text, const char* title)
     asker.Message({text, title, {Button::ok}, Icon::warning, true});
 }
 
-void ShowTitle(const Session& s, const std::string& file)
-{
-    if (s.set_title) s.set_title(WindowTitle(file));
-}
-
 void Refresh(const Session& s)
 {
     if (s.display_changed) s.display_changed();
@@ -51,6 +47,7 @@ void Refresh(const Session& s)
 /// What the user sees of a failure, and the failure itself.
 Status Refuse(Asker& asker, const Error& error)
 {
+    if (error.user_knows) return error;
     switch (error.code) {
     case ErrorCode::not_nmr:
         Warn(asker, "Non NMR Data !", "Data Error");
@@ -167,7 +164,7 @@ void Empty(Session& s)
     static_cast<void>(AllocateSpecBuffer(s.g, s.g.DefaultPoints, 0));
     s.g.NoSpectrumYet = false;
     ClaimFile(s.g, {});
-    ShowTitle(s, {});
+    ShowFileTitle(s, {});
 }
 
 Status CheckRead(const DataSet& set)
@@ -226,7 +223,8 @@ void FinishSpectrum(GlobalBlock& g)
 {
     DataSet& set = g.Slots[0];
     FillDisplayLimits(set);
-    if (set.par.YFill > 0) set.par.YMag = set.par.DataMax / set.par.YFill;
+    // A file of our own brings its scale.
+    if (set.par.YMag == 0 && set.par.YFill > 0) set.par.YMag = set.par.DataMax / set.par.YFill;
     set.par.YOffset = set.par.DataMin;
     if (set.par.OBFRQ0PPMRead == 0) set.par.OBFRQ0PPMRead = set.par.OBFRQ0PPM;
     CopyDataToSource(set);
@@ -262,6 +260,7 @@ Status Transform(Session& s)
     // No file holds the spectrum yet.
     par.DataChanged = 1;
     par.DataFromFile = 0;
+    AppendHistory(g.Slots[0], g.CurrentUser, "FFT", NowLocal());
     g.NoSpectrumYet = false;
     FillDataLimits(g.Slots[0], g.CurrentRow);
     return {};
@@ -295,7 +294,7 @@ void RememberFile(Session& s, const Candidate& found)
     ClaimFile(g, found.file);
     AddRecentFile(g, found.file);
     if (s.may_leave_dummy_files) LeaveDummy(found.type);
-    ShowTitle(s, found.file);
+    ShowFileTitle(s, found.file);
     WriteLog(g, s.asker, kLogRead, found.file);
 }
 
@@ -303,10 +302,12 @@ Status ReadCandidate(Session& s, const Candidate& found)
 {
     GlobalBlock& g = s.g;
     if (!ConfirmDeleteMulti(s, MultiState::normal)) return Error{ErrorCode::cancelled, kWhere, "Cancelled"};
+    Keep_Backup(g);
     std::optional<Replaced> old = PutAside(g);
     bool fid_overwritten = false;
     Status filled = FillSlot(s, found, fid_overwritten);
     if (!filled) {
+        g.OverwriteBackupName.clear();
         if (old)
             BringBack(g, *old, fid_overwritten);
         else
@@ -330,17 +331,10 @@ Status ReadFrom(Session& s, const std::string& path, FileType& detected, Detecti
     return ReadCandidate(s, *found);
 }
 
-/// True when the data in slot 0 may go. There is no writer for them yet, so saving is not offered.
+/// True when the data in slot 0 may go.
 bool MayReplaceData(Session& s)
 {
-    if (s.g.Slots[0].par.DataChanged != 1) return true;
-    const FormAnswer answer = s.asker.Form({forms::kQuestion,
-                                            {{forms::kTitle, "Caution!"},
-                                             {forms::kText, "Data was Changed"},
-                                             {forms::kCount, "2"},
-                                             {forms::Indexed(forms::kButton, 1), "Do not Save"},
-                                             {forms::Indexed(forms::kButton, 2), "Cancel"}}});
-    return answer.dialog_result == "Do not Save";
+    return Settle_Unsaved(s, "Caution!", "Data was Changed");
 }
 
 Status Cancelled()
@@ -392,6 +386,11 @@ Status NMR1D_m112_Click(Session& s)
         Status status = ReadFrom(s, *path, detected, CsvFileType);
         if (status || !MayRetry(status.error().code)) return status;
     }
+}
+
+void ShowFileTitle(const Session& s, const std::string& file)
+{
+    if (s.set_title) s.set_title(WindowTitle(file));
 }
 
 Status NMR1D_m11_Click(Session& s)

@@ -40,6 +40,9 @@ bool IsFileInUse(const GlobalBlock& g, const std::string& path);
 /// Writes the path of the open data file as the only line of WorkFile; an empty one gives the file up.
 void ClaimFile(const GlobalBlock& g, const std::string& path);
 
+/// Window title with the file that is open.
+void ShowFileTitle(const Session& s, const std::string& file);
+
 /// Shown range after a read: the preset group of the nucleus.
 void Set_Display_Range(GlobalBlock& g);
 /// The whole axis.

@@ -104,6 +104,8 @@ std::optional<FileChoice> QtAsker::File(const FileDialog& dialog)
         window.setNameFilters(filters);
         window.selectNameFilter(filters.value(std::clamp<qsizetype>(dialog.filter_index - 1, 0, filters.size() - 1)));
     }
+    // The dialog asks before it hands back a name that exists, so it must know the whole name.
+    if (dialog.kind == FileDialog::Kind::save) window.setDefaultSuffix(ToQString(dialog.extension));
     if (!dialog.name.empty()) window.selectFile(ToQString(dialog.name));
     if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty()) return std::nullopt;
     const QString path = WithExtension(window.selectedFiles().constFirst(), dialog);

@@ -7,21 +7,23 @@ class QWidget;
 
 namespace nmr {
 
-FormAnswer NMR1D_Form01(const FormRequest& request, QWidget* parent);    ///< user selection
-FormAnswer NMR1D_Form20(const FormRequest& request, QWidget* parent);    ///< "Multi(Array) Data"
-FormAnswer NMR1D_Form23(const FormRequest& request, QWidget* parent);    ///< "Confirm Deleting ..."
-FormAnswer NMR1D_Form31(const FormRequest& request, QWidget* parent);    ///< "Change of Display Scope"
-FormAnswer NMR1D_Form33(const FormRequest& request, QWidget* parent);    ///< "Setting of Grid"
-FormAnswer NMR1D_Form34(const FormRequest& request, QWidget* parent);    ///< "Set Default Display Area"
-FormAnswer NMR1D_Form93(const FormRequest& request, QWidget* parent);    ///< processable files
-FormAnswer NMR1D_Form101(const FormRequest& request, QWidget* parent);   ///< "Set File Extensions"
-FormAnswer NMR1D_Form102(const FormRequest& request, QWidget* parent);   ///< "Fourie Transform"
-FormAnswer Form110(const FormRequest& request, QWidget* parent);         ///< a question with its own buttons
-FormAnswer Form120(const FormRequest& request, QWidget* parent);         ///< number type
-FormAnswer NMR1D_Form103(const FormRequest& request, QWidget* parent);   ///< "Edit Parameters"
-FormAnswer NMR1D_ListView(const FormRequest& request, QWidget* parent);  ///< "Parameters"
-FormAnswer Form17(const FormRequest& request, QWidget* parent);          ///< "Edit Parameter File"
-FormAnswer Form111_History(const FormRequest& request, QWidget* parent); ///< "History of Data"
-FormAnswer Operator_Form22(const FormRequest& request, QWidget* parent); ///< "Add/Delete Operator Name"
+FormAnswer NMR1D_Form01(const FormRequest& request, QWidget* parent);      ///< user selection
+FormAnswer NMR1D_Form20(const FormRequest& request, QWidget* parent);      ///< "Multi(Array) Data"
+FormAnswer NMR1D_Form23(const FormRequest& request, QWidget* parent);      ///< "Confirm Deleting ..."
+FormAnswer NMR1D_Form31(const FormRequest& request, QWidget* parent);      ///< "Change of Display Scope"
+FormAnswer NMR1D_Form33(const FormRequest& request, QWidget* parent);      ///< "Setting of Grid"
+FormAnswer NMR1D_Form34(const FormRequest& request, QWidget* parent);      ///< "Set Default Display Area"
+FormAnswer NMR1D_Form93(const FormRequest& request, QWidget* parent);      ///< processable files
+FormAnswer NMR1D_Form101(const FormRequest& request, QWidget* parent);     ///< "Set File Extensions"
+FormAnswer NMR1D_Form102(const FormRequest& request, QWidget* parent);     ///< "Fourie Transform"
+FormAnswer NMR1D_Form103_CSV(const FormRequest& request, QWidget* parent); ///< "Edit Parameter"
+FormAnswer NMR1D_Form104(const FormRequest& request, QWidget* parent);     ///< "Set ASCII Data"
+FormAnswer Form110(const FormRequest& request, QWidget* parent);           ///< a question with its own buttons
+FormAnswer Form120(const FormRequest& request, QWidget* parent);           ///< number type
+FormAnswer NMR1D_Form103(const FormRequest& request, QWidget* parent);     ///< "Edit Parameters"
+FormAnswer NMR1D_ListView(const FormRequest& request, QWidget* parent);    ///< "Parameters"
+FormAnswer Form17(const FormRequest& request, QWidget* parent);            ///< "Edit Parameter File"
+FormAnswer Form111_History(const FormRequest& request, QWidget* parent);   ///< "History of Data"
+FormAnswer Operator_Form22(const FormRequest& request, QWidget* parent);   ///< "Add/Delete Operator Name"
 
 } // namespace nmr

@@ -1,5 +1,6 @@
 #include "ui/form_table.h"
 
+#include "formats/csv_choice.h"
 #include "session/forms.h"
 #include "ui/form_dialogs.h"
 
@@ -22,6 +23,8 @@ std::span<const FormTableRow> FormTable()
         {forms::kParameterEditor, NMR1D_Form103},
         {forms::kParameterList, NMR1D_ListView},
         {forms::kParameterFile, Form17},
+        {kCsvForm, NMR1D_Form103_CSV},
+        {forms::kAsciiData, NMR1D_Form104},
         {forms::kQuestion, Form110},
         {forms::kHistoryForm, Form111_History},
         {forms::kNumberType, Form120},

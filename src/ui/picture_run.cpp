@@ -1,5 +1,6 @@
 #include "ui/picture_run.h"
 
+#include "formats/csv_choice.h"
 #include "session/display_scope.h"
 #include "session/forms.h"
 #include "session/menu.h"
@@ -152,6 +153,8 @@ int TakeFormPicture(Session& session, NMR1D_Form1& window, const RunOptions& run
     if (transform) {
         session.run_fft_form = [&](FftForm& form) { return ShowFftForm(form, &window); };
         Read(session, window, run);
+    } else if (run.form == QLatin1String(kCsvForm) && !run.file.isEmpty()) {
+        Read(session, window, run); // the form comes up on the way
     } else if (!Read(session, window, run)) {
         return kUnreadable;
     } else if (!OpenForm(session, window, run.form)) {

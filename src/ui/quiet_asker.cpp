@@ -1,5 +1,6 @@
 #include "ui/quiet_asker.h"
 
+#include "formats/csv_choice.h"
 #include "session/forms.h"
 
 #include <cstdio>
@@ -22,6 +23,7 @@ FormAnswer QuietAsker::Form(const FormRequest& request)
 {
     if (request.form == forms::kUserSelection) return {forms::kOk, {{forms::kName, "COMMON"}}};
     if (request.form == shown_form) return QtAsker::Form(request);
+    if (request.form == kCsvForm) return {forms::kOk, request.values}; // as the table looks
     std::fprintf(stderr, "nmr1d: %s is not answered\n", request.form.c_str());
     failed = true;
     return {forms::kCancel, {}};

@@ -9,6 +9,7 @@
 #include <deque>
 #include <functional>
 #include <variant>
+#include <vector>
 
 namespace nmr::test {
 
@@ -18,6 +19,9 @@ public:
     ScriptedAsker() = default;
     explicit ScriptedAsker(std::initializer_list<Answer> answers) : answers_(answers) {}
     ~ScriptedAsker() override { EXPECT_TRUE(answers_.empty()) << answers_.size() << " answers were not asked for"; }
+
+    /// The answers to what comes, for a script that is known only when the test runs.
+    void Expect(const std::vector<Answer>& answers) { answers_.insert(answers_.end(), answers.begin(), answers.end()); }
 
     Button Message(const MessageBox& box) override
     {
