@@ -260,7 +260,6 @@ Status Transform(Session& s)
     // No file holds the spectrum yet.
     par.DataChanged = 1;
     par.DataFromFile = 0;
-    AppendHistory(g.Slots[0], g.CurrentUser, "FFT", NowLocal());
     g.NoSpectrumYet = false;
     FillDataLimits(g.Slots[0], g.CurrentRow);
     return {};

@@ -2,6 +2,7 @@
 
 #include "core/error_report.h"
 #include "core/file_layer.h"
+#include "core/history.h"
 #include "core/text.h"
 #include "formats/tavo4.h"
 #include "session/forms.h"
@@ -176,15 +177,6 @@ std::string Ver4Extension(const Settings& settings)
     return kExtensions.at(static_cast<std::size_t>(std::clamp(settings.tvo_extension, 0, 2)));
 }
 
-void AppendHistory(DataSet& set, const std::string& user, std::string_view subject, const DateTime& when)
-{
-    const std::size_t count = std::max(set.HistoryA.size(), set.HistoryB.size());
-    set.HistoryA.resize(count);
-    set.HistoryB.resize(count);
-    set.HistoryA.push_back(user);
-    set.HistoryB.push_back(fmt::format("{} {}", FormatDate("yyyy-mm-dd hh:nn:ss", when), subject));
-}
-
 Status Save_Ver4(Session& s, const std::string& path)
 {
     GlobalBlock& g = s.g;
@@ -201,7 +193,7 @@ Status Save_Ver4(Session& s, const std::string& path)
     const Mark before(set);
     if (set.par.EXMOD.empty()) set.par.EXMOD = "NON";
     set.par.FileName = file.string();
-    AppendHistory(set, g.CurrentUser, "Saved", NowLocal());
+    AppendHistory(set, g.CurrentUser, kHistorySave);
     if (Status written = WriteFile(g, file); !written) {
         before.Restore(set);
         return Tell(s.asker, written.error());

@@ -47,7 +47,4 @@ void Keep_Backup(GlobalBlock& g);
 /// @return not_found without a backup, or what the reader said, with slot 0 empty
 Status Restore_Backup(Session& s);
 
-/// One line of history: operator at the left, date and subject at the right, 32 bytes each in a file.
-void AppendHistory(DataSet& set, const std::string& user, std::string_view subject, const DateTime& when);
-
 } // namespace nmr

@@ -30,6 +30,7 @@ constexpr HelpRow kKeys[] = {
     {"U", "unit of the axis: ppm, Hz, kHz"},
     {"G", "grid"},
     {"Ctrl + O", "read a file"},
+    {"Ctrl + S", "save the data"},
     {"Ctrl + Z", "take the last change back"},
     {"Ctrl + Shift + Z", "do again what was taken back"},
     {"Ctrl + I", "list of the parameters"},
