@@ -3,6 +3,7 @@
 // travel in files and logs, so they keep their spelling.
 
 #include "core/row_array.h"
+#include "core/vendor_processing.h"
 
 #include <array>
 #include <cstdint>
@@ -276,6 +277,8 @@ struct DataSet {
     std::string SimComment;
 
     std::string XLabelPpm, XLabelHz, XLabelKHz;
+
+    VendorProcessing vendor; ///< of a FID as read; starting values of the transform
 
     std::vector<std::string> Warnings; ///< what a reader mended or missed, one sentence each
 };

@@ -201,6 +201,7 @@ Status ReadFid(const ReadRequest& request, const BrukerPaths& paths)
             set.Warnings.emplace_back("procs tells no reference: 0 ppm stands at BF1 of acqus.");
     }
     if (procs) TakeReference(*procs, set.par);
+    if (procs) set.vendor = FindBrukerProcessing(*procs, set.par);
     const auto bytes = ReadPoints(paths.data, "ReadDataBruker/1DDRW", "fid");
     if (!bytes) return bytes.error();
     if (Status read =

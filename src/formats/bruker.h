@@ -10,6 +10,7 @@
 // - DIGMOD 0 (analogue) means no delay of a digital filter even where GRPDLY still names one: the
 //   three CDCl3 lines of such a set agree in phase within 2 degrees without a delay and differ by 43 with it.
 
+#include "core/vendor_processing.h"
 #include "formats/registry.h"
 
 #include <map>
@@ -47,6 +48,10 @@ private:
 
 /// Complex points of delay of the digital filter: GRPDLY, else the table of DSPFVS and DECIM; 0 for none.
 double BrukerGroupDelay(const BrukerParameters& acqus);
+
+/// How the vendor made the spectrum of a FID whose parameters stand in `par`: points, window, phases.
+/// bruker_processing.cpp says how its phases count.
+VendorProcessing FindBrukerProcessing(const BrukerParameters& procs, const ParamBlock& par);
 
 /// What a record of acqus is wanted for: a spectrum has width and point count from procs.
 enum class BrukerUse { fid, spectrum };
