@@ -96,7 +96,7 @@ std::vector<BenchRow> Measurements()
     return rows;
 }
 
-const bool kRegistered = Register("plot repaint, 1600 x 900", Measurements);
+const bool kRegistered = Register("plot", Measurements);
 
 } // namespace
 } // namespace nmr::bench

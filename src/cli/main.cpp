@@ -1,5 +1,6 @@
 // nmr1d-cli: the same commands as the window, without one.
 
+#include "cli/convert.h"
 #include "cli/process.h"
 #include "cli/report.h"
 #include "session/startup.h"
@@ -32,6 +33,18 @@ void AddParsed(CLI::App& app, const std::string& name, Parser parse, T& target, 
         ->type_name("TEXT");
 }
 
+constexpr char kTableHelp[] =
+    "how a text table is read, in place of what it shows: KEY=VALUE[;KEY=VALUE...] with OFR (MHz), OBNUC, FREQU (Hz), "
+    "SMODE (0 FID, 1 spectrum), SEPARATOR, DECIMAL, HEAD LINES, LAYOUT, POSITION, POSITION UNIT, REAL, IMAGINARY ...";
+
+void AddReference(CLI::App& app, bool& file_reference)
+{
+    app.add_option_function<std::string>(
+           "--reference", [&](const std::string& text) { file_reference = text == "file"; },
+           "file: the 0 ppm frequency that the file gives; none: without it")
+        ->check(CLI::IsMember({"file", "none"}));
+}
+
 void AddProcess(CLI::App& app, ProcessOptions& options)
 {
     app.add_option("path", options.path, "data file or folder")->required();
@@ -43,16 +56,33 @@ void AddProcess(CLI::App& app, ProcessOptions& options)
     AddParsed(app, "--shift", ParseShift, options.shift, "points dropped at the start of the FID, or auto");
     AddParsed(app, "--phase", ParsePhase, options.phase,
               "auto, off, vendor (what the files tell), or P0[,P1[,PIVOT]] in degrees and point");
-    app.add_option_function<std::string>(
-           "--reference", [&](const std::string& text) { options.file_reference = text == "file"; },
-           "file: the 0 ppm frequency that the file gives; none: without it")
-        ->check(CLI::IsMember({"file", "none"}));
+    AddReference(app, options.file_reference);
     app.add_option("--row", options.row, "row of array data, from 1")->check(CLI::Range(1, kMaxRows));
     AddParsed(app, "--range", ParseRange, options.range_ppm, "LEFT:RIGHT in ppm, for pictures and .csv");
     app.add_option("--out", options.outputs, "write FILE: .npy, .csv, .png, .svg or .pdf; may be given again")
         ->take_all()
         ->allow_extra_args(false);
     app.add_flag("--json", options.json, "one JSON object on standard output");
+    AddParsed(app, "--table", ParseTable, options.table, kTableHelp);
+}
+
+void AddConvert(CLI::App& app, ConvertOptions& options)
+{
+    app.add_option("in", options.in, "data file or folder")->required();
+    app.add_option("out", options.out, "file to write; its extension tells its form:\n" + ConvertHelp())->required();
+    app.add_option_function<std::string>(
+           "--ascii",
+           [&](const std::string& text) {
+               const auto choice = ParseAsciiWord(text);
+               if (!choice) throw CLI::ValidationError("--ascii takes R, R1, R2 or D[,POINTS], not \"" + text + "\"");
+               options.ascii = *choice;
+           },
+           "intensities as they are (R), relative (R1, R2) or as displayed with a head (D), and how many points")
+        ->type_name("TEXT");
+    app.add_flag("--reduced", options.reduced, "JCAMP-DX with real and imaginary page");
+    AddReference(app, options.file_reference);
+    app.add_option("--row", options.row, "row of array data, from 1")->check(CLI::Range(1, kMaxRows));
+    AddParsed(app, "--table", ParseTable, options.table, kTableHelp);
 }
 
 int Run(int argc, char** argv)
@@ -70,6 +100,9 @@ int Run(int argc, char** argv)
     info->add_flag("--json", info_json, "one JSON object on standard output");
     CLI::App* process = app.add_subcommand("process", "from FID to spectrum");
     AddProcess(*process, options);
+    ConvertOptions conversion;
+    CLI::App* convert = app.add_subcommand("convert", "saves the spectrum of a file in another form");
+    AddConvert(*convert, conversion);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
@@ -79,6 +112,7 @@ int Run(int argc, char** argv)
         fmt::print("{}", FormatsText());
         return 0;
     }
+    if (*convert) return static_cast<int>(RunConvert(conversion));
     return static_cast<int>(*info ? RunInfo(info_path, info_json) : RunProcess(options));
 }
 

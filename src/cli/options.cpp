@@ -2,6 +2,7 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
+#include "formats/csv_choice.h"
 
 #include <algorithm>
 #include <array>
@@ -161,6 +162,20 @@ Result<std::pair<double, double>> ParseRange(const std::string& text)
     const auto right = colon == std::string::npos ? std::nullopt : ParseNumber(text.substr(colon + 1));
     if (!left || !right || *left == *right) return Usage("--range takes LEFT:RIGHT in ppm, not \"" + text + "\"");
     return std::pair{std::max(*left, *right), std::min(*left, *right)};
+}
+
+Result<TableValues> ParseTable(const std::string& text)
+{
+    const TableValues known = CsvChoice().ToValues();
+    TableValues values;
+    for (const std::string& part : Split(text, ';')) {
+        const auto equals = part.find('=');
+        const std::string key = ToUpper(Trim(part.substr(0, equals)));
+        if (equals == std::string::npos || !known.contains(key))
+            return Usage("--table takes KEY=VALUE[;KEY=VALUE...], not \"" + part + "\"");
+        values[key] = Trim(part.substr(equals + 1));
+    }
+    return values;
 }
 
 } // namespace nmr

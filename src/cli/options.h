@@ -5,6 +5,7 @@
 #include "fid/window.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -44,6 +45,9 @@ struct PhaseChoice {
     std::optional<std::int32_t> pivot; ///< point index, as the JSON gives it
 };
 
+/// Values of the form for text tables, in place of what the file shows.
+using TableValues = std::map<std::string, std::string>;
+
 struct ProcessOptions {
     std::string path;
     ZeroFill zero_fill;
@@ -55,6 +59,7 @@ struct ProcessOptions {
     std::optional<std::pair<double, double>> range_ppm; ///< left, right
     std::vector<std::string> outputs;
     bool json = false;
+    TableValues table;
     double width = 1200, height = 700; ///< pixels of a picture
 };
 
@@ -63,5 +68,7 @@ Result<WindowChoice> ParseWindow(const std::string& text);
 Result<std::optional<std::int32_t>> ParseShift(const std::string& text);
 Result<PhaseChoice> ParsePhase(const std::string& text);
 Result<std::pair<double, double>> ParseRange(const std::string& text);
+/// "KEY=VALUE", several of them split at ";", by the keys of the form for text tables.
+Result<TableValues> ParseTable(const std::string& text);
 
 } // namespace nmr

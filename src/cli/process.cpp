@@ -1,40 +1,19 @@
 #include "cli/process.h"
 
 #include "cli/array_writers.h"
-#include "cli/cli_asker.h"
 #include "cli/picture.h"
 #include "cli/report.h"
+#include "cli/run.h"
 #include "core/text.h"
 #include "session/fft_form.h"
 #include "session/read_flow.h"
-#include "session/startup.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <memory>
 
 namespace nmr {
 namespace {
-
-// One run: the global block is large, so it stands on the heap.
-struct Run {
-    std::unique_ptr<GlobalBlock> g = std::make_unique<GlobalBlock>();
-    CliAsker asker;
-    Session session{*g, asker, {}, {}, {}, {}, false};
-    FileType type;
-
-    Run()
-    {
-        Start_Batch(*g);
-        g->settings.vendor_start = 0; // only what the options ask for
-    }
-};
-
-void Complain(const std::string& path, const std::string& text)
-{
-    fmt::print(stderr, "nmr1d-cli: {}: {}\n", path, text);
-}
 
 void PrintReport(const nlohmann::ordered_json& report, bool json)
 {
@@ -42,14 +21,6 @@ void PrintReport(const nlohmann::ordered_json& report, bool json)
         fmt::print("{}\n", report.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
     else
         fmt::print("{}", ReportText(report));
-}
-
-// Where the report on standard output is not for people, what went wrong must not stay unseen.
-void TellWarnings(const Run& run, const std::string& path, std::string_view said = {})
-{
-    for (const std::string& warning : run.g->Slots[0].Warnings) Complain(path, warning);
-    for (const std::string& warning : run.asker.warnings())
-        if (said.empty() || !warning.ends_with(said)) Complain(path, warning);
 }
 
 // A read that failed: the words on standard error, the detection's answer as JSON when asked for.
@@ -151,7 +122,9 @@ struct ScriptedTransform {
     std::string operator()(FftForm& form)
     {
         GlobalBlock& g = form.block();
-        if (options.row <= g.Slots[0].RowCount) form.SetRow(static_cast<std::int16_t>(options.row - 1));
+        const auto row = static_cast<std::int16_t>(options.row - 1);
+        // The form has transformed and phased the row that it shows already.
+        if (row != g.CurrentRow && row < g.Slots[0].RowCount) form.SetRow(row);
         status = ApplyOptions(form, options);
         if (!status) return "CANCEL";
         used = {true, static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), g.PivotPoint};
@@ -186,6 +159,7 @@ Exit RunProcess(const ProcessOptions& options)
         return Exit::usage;
     }
     Run run;
+    run.asker.SetTableValues(options.table);
     run.g->settings.ref_initital = options.file_reference ? 1 : 0;
     ScriptedTransform transform{options, {}, {}};
     run.session.run_fft_form = [&](FftForm& form) { return transform(form); };

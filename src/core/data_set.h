@@ -52,6 +52,9 @@ struct FontRec {
     std::int16_t Bold = 0;
     std::int16_t Italic = 0;
     std::int16_t CharSet = 0;
+    std::int16_t Underline = 0;
+    std::int16_t Strike = 0;
+    std::int32_t Color = 0; ///< red + 256 green + 65536 blue
 };
 
 /// Enlarged inset view.
@@ -60,8 +63,20 @@ struct MultiViewEntry {
     float ShownLeft = 0, ShownRight = 0, ShownTop = 0, ShownBottom = 0;
     float MagnifyX = 2, MagnifyY = 2, Offset = 0;
     FontRec FontAxis, FontPeakPosition, FontPeakNumber, FontIntegral;
+    // Axis and number formats. Words in the order of the record: twelve of the axis (unit, tic mode,
+    // interval pairs), peak unit, peak digits, integral digits, one without a name, use of the display
+    // font, transparency. Values: a reserved one, six of the axis, then height of the leadout line,
+    // its upper and its bottom position.
     std::array<std::int16_t, 24> Words{};
+    std::array<float, 10> Values{};
     std::array<std::string, 4> Labels;
+};
+
+/// A part of a native file that is not used here: kept as bytes, written back when the set is saved.
+struct CarriedSection {
+    std::string Label;        ///< "## PICTURE-0"
+    std::int64_t Address = 0; ///< where it stood: addresses inside it count from the start of that file
+    std::vector<std::byte> Bytes;
 };
 
 /// Peak of the deconvolution table. Position is ppm relative to XAxis[0].
@@ -279,6 +294,15 @@ struct DataSet {
     std::string XLabelPpm, XLabelHz, XLabelKHz;
 
     VendorProcessing vendor; ///< of a FID as read; starting values of the transform
+
+    // What a native file brings besides.
+    std::array<std::int16_t, 17> PrintWords{};  ///< print mode, then words of the print settings
+    std::array<float, 2> PrintValues{};         ///< two more of them
+    std::array<std::uint32_t, 40> PrintTable{}; ///< carried as raw words
+    std::uint32_t RowWord = 0;                  ///< word of the array description, carried
+    std::string CommentRtf;                     ///< the comment as rich text ...
+    std::string CommentRtfPlain;                ///< ... of this COMNT: another one makes it stale
+    std::vector<CarriedSection> Carried;        ///< slot 0 only: page layout and the like
 
     std::vector<std::string> Warnings; ///< what a reader mended or missed, one sentence each
 };

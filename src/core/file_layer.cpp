@@ -156,9 +156,10 @@ Result<Bytes> ReadFile(std::string_view name, std::uint64_t most, Beyond beyond,
 
 constexpr const char* kWriteWhere = "WriteWholeFile/1DFile";
 
-Error WriteError(const fs::path& path, std::string_view reason)
+Error WriteError(const fs::path& path, std::string_view reason, int number = 0)
 {
-    return {ErrorCode::unwritable, kWriteWhere, "Can't write " + path.string() + ": " + std::string(reason) + "."};
+    return {ErrorCode::unwritable, kWriteWhere, "Can't write " + path.string() + ": " + std::string(reason) + ".",
+            number};
 }
 
 /// Where the bytes go in the end: behind a symbolic link, so that the link stays one.
@@ -194,27 +195,32 @@ bool WriteAll(int descriptor, std::span<const std::byte> bytes)
     return true;
 }
 
-/// Why `target` may not be replaced; empty when it may, or is new.
-std::string ReplaceObstacle(const fs::path& target, struct stat& info, bool& is_new)
+struct Obstacle {
+    std::string reason;
+    int number = 0; ///< errno
+};
+
+/// Why `target` may not be replaced; no reason when it may, or is new.
+Obstacle ReplaceObstacle(const fs::path& target, struct stat& info, bool& is_new)
 {
     is_new = ::stat(target.c_str(), &info) != 0;
     if (is_new) return {};
-    if (S_ISDIR(info.st_mode)) return "it is a folder";
-    if (!S_ISREG(info.st_mode)) return "it is no ordinary file";
-    return ::access(target.c_str(), W_OK) == 0 ? std::string() : std::string(std::strerror(errno));
+    if (S_ISDIR(info.st_mode)) return {"it is a folder", EISDIR};
+    if (!S_ISREG(info.st_mode)) return {"it is no ordinary file", ENXIO};
+    if (::access(target.c_str(), W_OK) == 0) return {};
+    return {std::strerror(errno), errno};
 }
 
 /// Fills the file made beside the target and puts it there; errno tells why not.
 bool FillAndRename(FileHandle& file, const fs::path& made, const fs::path& target, std::span<const std::byte> bytes,
-                   const struct stat* replaced)
+                   const struct stat* replaced, Flush flush)
 {
     if (!WriteAll(file.get(), bytes)) return false;
-    if (replaced != nullptr) {
-        // The old contents must not be given up before the new ones are on the disk. A file system
-        // without rights of its own may refuse the mode, which is no reason not to save.
-        if (::fchmod(file.get(), replaced->st_mode & 07777U) != 0) errno = 0;
-        if (::fdatasync(file.get()) != 0 && errno != EINVAL) return false;
-    }
+    // A file system without rights of its own may refuse the mode, which is no reason not to save.
+    if (replaced != nullptr && ::fchmod(file.get(), replaced->st_mode & 07777U) != 0) errno = 0;
+    // The old contents must not be given up before the new ones are on the disk.
+    const bool wanted = replaced != nullptr || flush == Flush::always;
+    if (wanted && ::fdatasync(file.get()) != 0 && errno != EINVAL) return false;
     return file.Close() && ::rename(made.c_str(), target.c_str()) == 0;
 }
 
@@ -323,21 +329,36 @@ Result<Bytes> ReadFileHead(std::string_view path, std::size_t count)
     return ReadFile(path, count, Beyond::cut, "ReadFileHead/1DFile");
 }
 
-Status WriteWholeFile(const fs::path& path, std::span<const std::byte> bytes)
+Status WriteWholeFile(const fs::path& path, std::span<const std::byte> bytes, Flush flush)
 {
     const fs::path target = WriteTarget(path);
     struct stat info {};
     bool is_new = true;
     if (target.filename().empty()) return WriteError(path, "it has no file name");
-    if (const std::string obstacle = ReplaceObstacle(target, info, is_new); !obstacle.empty())
-        return WriteError(path, obstacle);
+    if (const Obstacle obstacle = ReplaceObstacle(target, info, is_new); !obstacle.reason.empty())
+        return WriteError(path, obstacle.reason, obstacle.number);
     fs::path made;
     FileHandle file(CreateBeside(target, made));
-    if (file.get() < 0) return WriteError(path, std::strerror(errno));
-    if (FillAndRename(file, made, target, bytes, is_new ? nullptr : &info)) return {};
+    if (file.get() < 0) {
+        const int number = errno;
+        return WriteError(path, std::strerror(number), number);
+    }
+    if (FillAndRename(file, made, target, bytes, is_new ? nullptr : &info, flush))
+        return flush == Flush::always ? FlushFolder(target.parent_path()) : Status();
     const int number = errno;
     ::unlink(made.c_str());
-    return WriteError(path, std::strerror(number));
+    return WriteError(path, std::strerror(number), number);
+}
+
+Status FlushFolder(const fs::path& folder)
+{
+    const fs::path named = folder.empty() ? fs::path(".") : folder;
+    const FileHandle handle(::open(named.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // A folder may be writable and not readable: then its names reach the disk when the system likes.
+    if (handle.get() < 0 && errno == EACCES) return {};
+    if (handle.get() >= 0 && (::fsync(handle.get()) == 0 || errno == EINVAL || errno == EROFS)) return {};
+    const int number = errno;
+    return WriteError(named, std::strerror(number), number);
 }
 
 Status WriteWholeFile(const fs::path& path, std::string_view text)

@@ -50,9 +50,18 @@ Result<Bytes> ReadWholeFile(std::string_view path, std::uint64_t limit = std::ui
 /// The first `count` bytes, or all of a shorter file.
 Result<Bytes> ReadFileHead(std::string_view path, std::size_t count);
 
+/// When the bytes must be on the disk: before an old file gives way (its contents only), or also of a new
+/// file, and its name in the folder too, before the call returns.
+enum class Flush { replaced_only, always };
+
 /// Writes the file beside its place and renames it there, so that a reader sees the old or the new one.
-Status WriteWholeFile(const std::filesystem::path& path, std::span<const std::byte> bytes);
+Status WriteWholeFile(const std::filesystem::path& path, std::span<const std::byte> bytes,
+                      Flush flush = Flush::replaced_only);
 Status WriteWholeFile(const std::filesystem::path& path, std::string_view text);
+
+/// Puts the names of a folder on the disk: renames and new files of it survive a power cut. A file system
+/// that can't do it is no error.
+Status FlushFolder(const std::filesystem::path& folder);
 
 /// File names (not paths) in `directory` that match a pattern of "*" and "?", case-blind, sorted.
 std::vector<std::string> ListFiles(const std::filesystem::path& directory, std::string_view pattern);

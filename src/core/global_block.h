@@ -7,6 +7,7 @@
 #include "core/numbers.h"
 #include "core/result.h"
 #include "core/settings.h"
+#include "core/undo.h"
 
 #include <array>
 #include <cstdint>
@@ -96,7 +97,7 @@ struct GlobalBlock {
     std::int32_t LastRecent = -1;
 
     // Transform and phase.
-    std::vector<double> SineTable; ///< sine by index, cosine at index + T/4
+    std::vector<double> SineTable; ///< sine by index, cosine at index + T/4; Ready_Sine_Table before use
     RowArray<float> WorkRe, WorkIm;
     RowArray<float> FidMemory; ///< the FID when there is no FIDWorkFile: real rows, then imaginary rows
     OffsetLine<float> WindowCurve{kWindowOrigin};
@@ -125,6 +126,11 @@ struct GlobalBlock {
     float ViewLeft = 0, ViewRight = 0; ///< shown range, ppm; left is the larger
     double ShownHzLeft = 0, ShownHzRight = 0;
     float ArrayRowOffset = 0;
+
+    // Edits that can be taken back.
+    std::vector<BasePointEntry> BasePoints; ///< of the base line, in ascending order of Point
+    UndoStack Undo{UndoKinds(), "UndoSpecData1."};
+    UndoStack PointUndo{PointUndoKinds(), {}}; ///< point tool of the base line; no points of data
 };
 
 /// (Re)creates the arrays of a slot with `points` as upper bound of the point index, and for slot 0

@@ -28,6 +28,8 @@ struct Error {
     ErrorCode code = ErrorCode::internal;
     std::string where;
     std::string text;
+    int system_error = 0;    ///< errno value behind it, 0 when there is none
+    bool user_knows = false; ///< a message box has told it already
 };
 
 /// A value or an Error. `if (!r) return r.error();` passes a failure on.

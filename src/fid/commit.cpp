@@ -30,7 +30,7 @@ Status Prepare(GlobalBlock& g, const DataSet& set, std::int16_t slot)
     if (!fits(spec.DataRe) || !fits(spec.DataIm) || !fits(spec.SourceRe) || !fits(spec.SourceIm))
         return Error{ErrorCode::bad_value, "Commit_Transform", "The set has no room for the spectrum."};
     if (Status loaded = Load_FID_Work(g); !loaded) return loaded;
-    if (g.SineTable.empty()) Make_Sine_Table(g.SineTable);
+    Ready_Sine_Table(g.SineTable, points);
     // The curve follows from the parameters: a curve that can't be must not give a spectrum of zeros.
     return Make_Window_Function(g, slot);
 }

@@ -11,10 +11,19 @@
 #include <cassert>
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <utility>
 
 namespace nmr {
 namespace {
+
+constexpr std::size_t kSineTableLength = kSineTableSize / 4 * 5 + 1;
+
+void FillSines(std::vector<double>& table, std::size_t stride)
+{
+    constexpr double step = 2 * kPi / kSineTableSize;
+    for (std::size_t i = 0; i < table.size(); i += stride) table[i] = std::sin(static_cast<double>(i) * step);
+}
 
 /// One pass over the row: all butterflies whose legs are `leg` points apart.
 void ButterflyPass(std::span<float> re, std::span<float> im, std::span<const double> sine, std::size_t leg)
@@ -82,9 +91,16 @@ FFT_Path BestPath()
 
 void Make_Sine_Table(std::vector<double>& table)
 {
-    constexpr double step = 2 * kPi / kSineTableSize;
-    table.resize(kSineTableSize / 4 * 5 + 1);
-    for (std::size_t i = 0; i < table.size(); ++i) table[i] = std::sin(static_cast<double>(i) * step);
+    table.resize(kSineTableLength);
+    FillSines(table, 1);
+}
+
+void Ready_Sine_Table(std::vector<double>& table, std::int32_t n)
+{
+    if (table.empty()) table.assign(kSineTableLength, std::numeric_limits<double>::quiet_NaN());
+    // The cosines of the shortest rows stand a quarter turn on.
+    const auto stride = static_cast<std::size_t>(kSineTableSize / std::max(n, 4));
+    if (std::isnan(table[stride])) FillSines(table, stride);
 }
 
 std::string_view FFT_Path_Name(FFT_Path path)

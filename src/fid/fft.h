@@ -15,6 +15,9 @@ inline constexpr std::int32_t kSineTableSize = 1'048'576;
 
 /// Sine by index over 5/4 turns: table[i] = sin(i * (2 * pi / T)); cosine at i + T/4.
 void Make_Sine_Table(std::vector<double>& table);
+/// What transforms of n points read of the table, n a power of two up to T; where the rest is not made yet
+/// it is no number. The whole table takes longer than the processing of one FID.
+void Ready_Sine_Table(std::vector<double>& table, std::int32_t n);
 
 /// Butterflies and bit reversal of one row in place, without scaling. n = re.size() must be a power
 /// of two from 1 to T, im as long.

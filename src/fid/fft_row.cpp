@@ -93,7 +93,7 @@ bool Ready(GlobalBlock& g, const DataSet& set, std::size_t row)
     if (!IsTransformLength(set.par.POINT)) return false;
     const auto n = static_cast<std::size_t>(set.par.POINT);
     if (!HasRow(g.WorkRe, row, n) || !HasRow(g.WorkIm, row, n)) return false;
-    if (g.SineTable.empty()) Make_Sine_Table(g.SineTable);
+    Ready_Sine_Table(g.SineTable, set.par.POINT);
     if (g.WindowCurve.last() >= set.par.POINT - 1) return true;
     const auto slot = static_cast<std::int16_t>(&set - g.Slots.data());
     return static_cast<bool>(Make_Window_Function(g, slot)) || g.WindowCurve.last() >= set.par.POINT - 1;

@@ -84,16 +84,20 @@ void Store(std::string& field, const std::string& value, double)
 }
 
 template <class T>
-void Store(T& field, const std::string& value, double factor)
+void Store(T& field, double value, double factor)
 {
-    const auto number = ParseCmxNumber(value);
-    if (!number) return;
     const double limit = static_cast<double>(std::numeric_limits<T>::max());
-    const double scaled = std::clamp(*number * factor, -limit, limit);
+    const double scaled = std::clamp(value * factor, -limit, limit);
     if constexpr (std::is_integral_v<T>)
         field = static_cast<T>(RoundHalfEven(scaled));
     else
         field = static_cast<T>(scaled);
+}
+
+template <class T>
+void Store(T& field, const std::string& value, double factor)
+{
+    if (const auto number = ParseCmxNumber(value)) Store(field, *number, factor);
 }
 
 template <class T>
@@ -224,10 +228,12 @@ struct CmxDimension {
 std::map<int, CmxDimension> Dimensions(const CmxFiles& files)
 {
     constexpr std::string_view kCount = "array_num_values_";
+    constexpr std::size_t kMostNames = 64; // each is looked up in the whole file
     std::map<int, CmxDimension> dimensions;
     if (WholeNumber(files.acq_2, "use_array") != 1) return dimensions;
+    std::size_t names = 0;
     for (const auto& [key, value] : files.acq.lines()) {
-        if (!key.starts_with(kCount)) continue;
+        if (!key.starts_with(kCount) || ++names > kMostNames) continue;
         const std::string name = key.substr(kCount.size());
         const double count = ParseCmxNumber(value).value_or(0);
         if (!(count >= 1)) continue;
@@ -252,7 +258,7 @@ void StoreRowValues(const CmxFiles& files, const CmxDimension& dimension, std::s
     for (std::size_t row = 0; row < std::min(rows, values.size()); ++row) {
         const std::size_t index = row / stride % dimension.count;
         const auto number = Number(files.acq, fmt::format("{}[{}]", dimension.names.front(), index));
-        values[row] = static_cast<float>(number.value_or(static_cast<double>(index + 1)));
+        Store(values[row], number.value_or(static_cast<double>(index + 1)), 1);
     }
 }
 
@@ -296,6 +302,14 @@ Status CheckCounts(const CmxFiles& files, std::uint64_t rows, std::uint64_t poin
     return {};
 }
 
+void WarnOfCount(DataSet& set, std::uint64_t held, std::uint64_t wanted)
+{
+    if (held < wanted)
+        set.Warnings.push_back(
+            fmt::format("data is cut short: {} of {} values are there, the rest is zero.", held, wanted));
+    if (held > wanted) set.Warnings.push_back(fmt::format("data holds {} values, {} are read.", held, wanted));
+}
+
 } // namespace
 
 Status ReadDataCMX(GlobalBlock& g, std::int16_t slot, const CmxFiles& files, ByteSpan data)
@@ -311,11 +325,7 @@ Status ReadDataCMX(GlobalBlock& g, std::int16_t slot, const CmxFiles& files, Byt
     set.RowCount = static_cast<std::int32_t>(rows);
     if (Status made = AllocateSpecBuffer(g, set.par.POINT, slot); !made) return made;
     const std::uint64_t values = data.size() / 4;
-    if (values < 2 * points * rows)
-        set.Warnings.push_back(
-            fmt::format("data is cut short: {} of {} values are there, the rest is zero.", values, 2 * points * rows));
-    if (values > 2 * points * rows)
-        set.Warnings.push_back(fmt::format("data holds {} values, {} are read.", values, 2 * points * rows));
+    WarnOfCount(set, values, 2 * points * rows);
     const bool floats = WholeNumber(files.proc, "datatype") == kFloatData;
     const auto value = [&](std::uint64_t index) -> double {
         if (index >= values) return 0;

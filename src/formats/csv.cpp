@@ -4,6 +4,7 @@
 #include "core/numbers.h"
 #include "core/param_table.h"
 #include "core/text.h"
+#include "formats/probes.h"
 
 #include <fmt/format.h>
 
@@ -14,6 +15,7 @@ namespace nmr {
 namespace {
 
 constexpr char kWhere[] = "ReadDataCSV/1DDRW";
+constexpr int kCsvFamily = 14;
 constexpr std::uint64_t kMaxFile = std::uint64_t{1} << 30;
 constexpr double kMaxValue = 1e30;
 constexpr double kAssumedMHz = 1.0; ///< shifts then count Hz
@@ -28,13 +30,6 @@ DataSet& SlotOf(const ReadRequest& request)
 Error Refused(ErrorCode code, std::string text)
 {
     return Error{code, kWhere, std::move(text)};
-}
-
-/// The words of a table that can't be used; the reason goes to the status line.
-Error InvalidData(Asker& asker, ErrorCode code, std::string reason)
-{
-    asker.Message({.text = "Invalid Data", .title = "Data Error", .beep = true});
-    return Refused(code, std::move(reason));
 }
 
 // ---- from the table to rows of points
@@ -382,8 +377,7 @@ Status ReadBlock(const ReadRequest& request, std::string_view text)
     std::string_view first;
     lines.Next(first);
     const CsvHead head = ReadCsvHead(lines, request.g.nuclides, set);
-    if (!head.ended)
-        return InvalidData(request.asker, ErrorCode::truncated, "The head has no $END: the file holds no points");
+    if (!head.ended) return Refused(ErrorCode::truncated, "Invalid Data: the head has no $END, so there are no points");
     const CsvSight sight = LookAtCsv(lines.rest());
     auto table = CsvTable::Parse(lines.rest(), sight.text, 0);
     if (!table) return table.error();
@@ -411,7 +405,7 @@ Status ReadTable(const ReadRequest& request, std::string_view text)
 {
     const CsvChoice found = ProposeCsv(text);
     if (found.lines == 0)
-        return InvalidData(request.asker, ErrorCode::bad_format, "The file begins with no number and no $CSVSTART");
+        return Refused(ErrorCode::bad_format, "Invalid Data: neither a table of numbers nor $CSVSTART");
     const FormAnswer answer = request.asker.Form({kCsvForm, found.ToValues()});
     if (answer.dialog_result != "OK") return Refused(ErrorCode::cancelled, "Cancelled");
     const CsvChoice choice(answer.values);
@@ -425,6 +419,24 @@ Status ReadTable(const ReadRequest& request, std::string_view text)
 }
 
 } // namespace
+
+FileType CsvFileType(const std::string& path, Asker& asker, const NuclearTable& nuclides)
+{
+    constexpr std::size_t kHead = 65536;
+    FileType type;
+    const auto real = ResolvePath(path);
+    if (!real) return type;
+    type.path = std::filesystem::absolute(*real).lexically_normal().string();
+    const auto head = ReadFileHead(type.path, kHead);
+    const ProbeAnswer answer = head ? ReadModeCSV(*head, {asker, nuclides}) : ProbeAnswer();
+    if (answer.status != 0) return type;
+    type.code = kOneDimensionalBit + kCsvFamily;
+    type.tag = "CSV1";
+    type.mode = answer.mode;
+    type.directory = std::filesystem::path(type.path).parent_path().string();
+    type.extension = ".CSV";
+    return type;
+}
 
 Status ReadCsvText(const ReadRequest& request, std::string_view text)
 {

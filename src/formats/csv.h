@@ -17,6 +17,10 @@
 
 namespace nmr {
 
+/// What the detection says of a file that is to be taken for a text table whatever its name; code -1
+/// when it is none, which the user has been told.
+FileType CsvFileType(const std::string& path, Asker& asker, const NuclearTable& nuclides);
+
 /// Family 14. Asks NMR1D_Form103_CSV for a table without a head; "Cancel" there ends the read.
 Status ReadDataCSV(const ReadRequest& request);
 /// The same for the text of a file.

@@ -235,7 +235,7 @@ std::string CsvHeadValue(const ParamBlock& par, std::string_view key)
     if (key == "CGNBL") return " 1";
     if (key == "CPHBL") return " 0";
     if (key == "OFR") return fmt::format("{:.15g}", par.OBFRQ0PPM);
-    const ParamField* field = FieldOf(key);
+    const ParamField* field = FieldOf(key); // IFR is written as the width, of which it is an alias
     if (field == nullptr) return {};
     std::string text = std::visit(NumberText{par}, field->member);
     // A value is one line.

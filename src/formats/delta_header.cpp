@@ -27,6 +27,7 @@ constexpr TextField<DeltaHeader> kTexts[] = {
 
 constexpr std::uint64_t kSectionHead = 16;
 constexpr std::uint64_t kRecordSmallest = 64, kRecordLargest = 4096;
+constexpr std::uint64_t kMostRecords = 65536; // real files have some 200
 constexpr std::size_t kValueWidth = 16, kNameWidth = 28;
 constexpr std::int32_t kTextValue = 0, kIntegerValue = 1, kFloatValue = 2;
 
@@ -113,7 +114,7 @@ DeltaParameters DeltaParameters::Parse(ByteSpan file, const DeltaHeader& header)
         const auto at = static_cast<std::size_t>(offset);
         return static_cast<std::uint32_t>(header.little() ? GetLongLE(file, at) : GetLongBE(file, at));
     };
-    const std::uint64_t size = word(start), count = word(start + 8) + 1;
+    const std::uint64_t size = word(start), count = std::min(word(start + 8) + 1, kMostRecords);
     if (size < kRecordSmallest || size > kRecordLargest) return parameters;
     std::uint64_t section_end = start + kSectionHead + count * size;
     if (header.parameter_bytes >= kSectionHead) section_end = std::min(section_end, start + header.parameter_bytes);

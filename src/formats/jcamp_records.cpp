@@ -182,9 +182,9 @@ private:
         } else if (line.starts_with("$$")) {
             continued_ = nullptr;
             TakeComment(line.substr(2));
-        } else if (private_ == Private::bruker && Current() != nullptr) {
+        } else if (private_ == Private::bruker && Current() != nullptr && !line.empty()) {
             AddBrukerLine(line); // arrays and texts run over lines
-        } else if (continued_ != nullptr && continued_->size() < kMostText) {
+        } else if (continued_ != nullptr && continued_->size() < kMostText && !WithoutComment(line).empty()) {
             *continued_ += ' ';
             *continued_ += WithoutComment(line);
         }

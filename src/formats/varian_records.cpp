@@ -244,13 +244,17 @@ struct ArrayColumn {
     {
         const std::size_t index = row / stride % record->values.size();
         const auto number = ParseNumber(record->values[index]);
-        return number && std::isfinite(*number) ? *number : static_cast<double>(index + 1);
+        if (!number || !std::isfinite(*number)) return static_cast<double>(index + 1);
+        constexpr double limit = std::numeric_limits<float>::max(); // rows keep floats
+        return std::clamp(*number, -limit, limit);
     }
     bool IsNumeric() const
     {
         return std::ranges::all_of(record->values, [](const std::string& v) { return ParseNumber(v).has_value(); });
     }
 };
+
+constexpr std::size_t kMostNames = 64; // of arrayed parameters
 
 /// Columns in the order of their names; the last level varies fastest. The rows of one cycle through
 /// all values are counted in `cycle`, 0 when a name can't be used.
@@ -263,7 +267,8 @@ std::vector<ArrayColumn> Columns(const VarianParameters& parameters, std::string
         std::size_t count = 0;
         for (auto name = level->rbegin(); name != level->rend(); ++name) {
             const VarianRecord* record = parameters.Find(*name);
-            if (record == nullptr || record->values.empty() || cycle > static_cast<std::uint64_t>(kMaxRows)) {
+            const bool too_many = columns.size() >= kMostNames || cycle > static_cast<std::uint64_t>(kMaxRows);
+            if (too_many || record == nullptr || record->values.empty()) {
                 cycle = 0;
                 return {};
             }

@@ -76,6 +76,16 @@ inline constexpr char kRows[] = "ROWS";
 inline constexpr char kArrayMode[] = "MODE";
 inline constexpr char kDescending[] = "DESCENDING";
 
+// NMR1D_Form103_CSV: "Edit Parameter". In and out the values of CsvChoice (formats/csv_choice.h), which
+// names the form and makes its values: how a text table is read, and the parameters it lacks. "OK" with
+// all values, or "CANCEL".
+
+// NMR1D_Form104: "Set ASCII Data". In: kPoints of the spectrum, kDept "1" when edited DEPT spectra can be
+// included. The DialogResult is the word of an AsciiChoice (formats/ascii.h), "R1, 8192", or "CANCEL".
+inline constexpr char kAsciiData[] = "NMR1D_Form104";
+inline constexpr char kPoints[] = "POINTS";
+inline constexpr char kDept[] = "DEPT";
+
 // NMR1D_Form31, NMR1D_Form34, NMR1D_Form33: display scope, its default areas, grid. In and out: the
 // values that DisplayScope, DefaultAreas and GridChoice (session/display_scope.h) write and read; the
 // form makes one of them from what it is handed, works on it, and hands its values back with "OK".

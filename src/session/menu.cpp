@@ -1,5 +1,7 @@
 #include "session/menu.h"
 
+#include "session/ascii_commands.h"
+
 namespace nmr {
 namespace {
 
@@ -9,8 +11,11 @@ constexpr bool kCheckable = true;
 constexpr MenuRow kRows[] = {
     {"NMR_m1", "", "File", ""},
     {"NMR1D_m11", "NMR_m1", "Read", "Ctrl+O", false, false, NMR1D_m11_Command},
+    {"NMR1D_m112", "NMR_m1", "Read CSV Data", "", false, false, NMR1D_m112_Command},
     {"m121", "NMR_m1", "File Type definition", "", false, false, m121_Click},
     {"m47", "NMR_m1", "About Processable Files", "", false, false, m47_Click},
+    {"m10", "NMR_m1", "Save as", "", kSeparator},
+    {"m10_7", "m10", "ASCII type(*.txt, *.dat, *.asc)", "", false, false, m10_7_Click},
     {kRecentControl, "NMR_m1", "", "", kSeparator},
     {"m102", "NMR_m1", "Delete History", "", false, false, m102_Click},
     {kExitControl, "NMR_m1", "Exit", "Ctrl+Q", kSeparator},

@@ -28,15 +28,16 @@ inline constexpr char kExitControl[] = "m19";
 inline constexpr char kRecentControl[] = "RecentFile";
 
 // Commands.
-void NMR1D_m11_Command(Session& s); ///< Read
-void m121_Click(Session& s);        ///< File Type definition
-void m47_Click(Session& s);         ///< About Processable Files
-void m102_Click(Session& s);        ///< Delete History
-void m31_Click(Session& s);         ///< Display Area
-void m30_Click(Session& s);         ///< Set Grid
-void m35_Click(Session& s);         ///< Show All Data
-void m367_Click(Session& s);        ///< Grid
-void m41_Click(Session& s);         ///< Version
+void NMR1D_m11_Command(Session& s);  ///< Read
+void NMR1D_m112_Command(Session& s); ///< Read CSV Data
+void m121_Click(Session& s);         ///< File Type definition
+void m47_Click(Session& s);          ///< About Processable Files
+void m102_Click(Session& s);         ///< Delete History
+void m31_Click(Session& s);          ///< Display Area
+void m30_Click(Session& s);          ///< Set Grid
+void m35_Click(Session& s);          ///< Show All Data
+void m367_Click(Session& s);         ///< Grid
+void m41_Click(Session& s);          ///< Version
 /// Reads the recent file of an index; nothing for an index beyond the list.
 void RecentFile_Click(Session& s, std::size_t index);
 

@@ -5,6 +5,7 @@
 #include "core/text.h"
 #include "fid/fft_pipeline.h"
 #include "formats/bruker.h"
+#include "formats/csv.h"
 #include "formats/detect.h"
 #include "formats/registry.h"
 #include "formats/varian.h"
@@ -38,7 +39,7 @@ void Warn(Asker& asker, const char* text, const char* title)
 
 void ShowTitle(const Session& s, const std::string& file)
 {
-    if (s.set_title) s.set_title(fmt::format("{:<20}{}", "NMR 1D", file));
+    if (s.set_title) s.set_title(WindowTitle(file));
 }
 
 void Refresh(const Session& s)
@@ -103,12 +104,15 @@ struct Candidate {
     std::string file; ///< absolute
 };
 
+/// Finds out what a file is.
+using Detection = FileType (*)(const std::string& path, Asker& asker, const NuclearTable& nuclides);
+
 /// Everything that is known before slot 0 is touched.
-Result<Candidate> Inspect(Session& s, const std::string& path, FileType& detected)
+Result<Candidate> Inspect(Session& s, const std::string& path, FileType& detected, Detection detect)
 {
     if (!ResolvePath(path)) return MissingError(path);
     Candidate found;
-    found.type = detected = ReadFileType(path, s.asker, s.g.nuclides);
+    found.type = detected = detect(path, s.asker, s.g.nuclides);
     s.g.DataKind = found.type.code;
     if (!IsOneDimensional(found.type.code)) return KindError(found.type);
     s.g.FormatIndex = FamilyOf(found.type.code);
@@ -312,9 +316,9 @@ Status ReadCandidate(Session& s, const Candidate& found)
     return {};
 }
 
-Status ReadFrom(Session& s, const std::string& path, FileType& detected)
+Status ReadFrom(Session& s, const std::string& path, FileType& detected, Detection detect = ReadFileType)
 {
-    const Result<Candidate> found = Inspect(s, path, detected);
+    const Result<Candidate> found = Inspect(s, path, detected, detect);
     if (!found) return Refuse(s.asker, found.error());
     return ReadCandidate(s, *found);
 }
@@ -352,7 +356,36 @@ std::optional<std::string> AskForFile(Session& s)
     return choice->path;
 }
 
+std::optional<std::string> AskForTable(Session& s)
+{
+    FileDialog dialog;
+    dialog.title = "Read CSV Data";
+    dialog.filters = {{"CSV", "*.csv;*.txt;*.dat;*.asc"}, {"All File", "*.*"}};
+    dialog.folder = s.g.LastDirs[0];
+    const std::optional<FileChoice> choice = s.asker.File(dialog);
+    if (!choice || choice->path.empty()) return std::nullopt;
+    return choice->path;
+}
+
 } // namespace
+
+std::string WindowTitle(const std::string& file)
+{
+    return fmt::format("{:<20}{}", "NMR 1D", file);
+}
+
+Status NMR1D_m112_Click(Session& s)
+{
+    s.g.ToolMode = 0;
+    FileType detected;
+    if (!MayReplaceData(s)) return Cancelled();
+    for (;;) {
+        const std::optional<std::string> path = AskForTable(s);
+        if (!path) return Cancelled();
+        Status status = ReadFrom(s, *path, detected, CsvFileType);
+        if (status || !MayRetry(status.error().code)) return status;
+    }
+}
 
 Status NMR1D_m11_Click(Session& s)
 {

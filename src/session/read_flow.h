@@ -13,6 +13,9 @@ namespace nmr {
 /// for a FID the transform form. What the user had is brought back when the read fails.
 Status NMR1D_m11_Click(Session& s);
 
+/// "Read CSV Data": the same for a text table, whatever the file is called.
+Status NMR1D_m112_Click(Session& s);
+
 /// The same for a path at hand, without the file dialog: drag and drop, recent files, nmr1d-cli.
 ///
 /// @return not_found, unreadable, not_nmr, two_dimensional, unsupported or in_use before anything is touched;
@@ -42,6 +45,8 @@ void Set_Display_Range(GlobalBlock& g);
 /// The whole axis.
 void Show_All_Data(GlobalBlock& g);
 
+/// Title of the window over an open file.
+std::string WindowTitle(const std::string& file);
 /// Moves a path to the front of the recent files; 21 at most.
 void AddRecentFile(GlobalBlock& g, const std::string& path);
 /// At most 40 characters: the middle of a long path gives way.

@@ -111,7 +111,6 @@ void Make_Store(GlobalBlock& g)
 {
     g.MaxPoints = kMaxPoints;
     g.DefaultPoints = 8192;
-    Make_Sine_Table(g.SineTable);
     static_cast<void>(AllocateSpecBuffer(g, g.DefaultPoints, 0));
 }
 
@@ -206,6 +205,7 @@ StartResult Start(Session& s, const StartOptions& options)
     if (!user_chosen) Quit_Early(g);
     if (user_chosen) {
         Make_Store(g);
+        Make_Sine_Table(g.SineTable);
         Remember_First_Folder(g);
         Load_User_Settings(g);
         LoadRequiredFiles(g);

@@ -12,7 +12,7 @@ struct Tones {
 };
 constexpr Tones kLight{0xfff5f6f7, 0xffffffff, 0xfff0f1f3, 0xff1d2126, 0xff6b7280,
                        0xfffcfcfd, 0xffc9ced4, 0xff0072b2, 0xffffffff, 0xff0062a0};
-constexpr Tones kDark{0xff25282c, 0xff1d1f22, 0xff2b2e33, 0xffe4e7ea, 0xff969ca4,
+constexpr Tones kDark{0xff25282c, 0xff3a3f46, 0xff33373d, 0xffe4e7ea, 0xff969ca4,
                       0xff30343a, 0xff484d54, 0xff3d9fdc, 0xff0e1114, 0xff6cb8e8};
 
 QPalette MakePalette(const Tones& tones)

@@ -1,64 +1,15 @@
 // nmr1d-cli as a user runs it: a process with arguments, its output and its exit code.
 
 #include "../../tools/sample_molecule.h"
-#include "support/files.h"
-
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
+#include "cli/cli_run.h"
 
 #include <cmath>
 #include <complex>
-#include <cstdio>
 #include <cstring>
-#include <map>
-#include <string>
 #include <vector>
 
 namespace nmr::test {
 namespace {
-
-using Json = nlohmann::json;
-
-struct Outcome {
-    int exit = -1;
-    std::string out;
-    Json json() const { return Json::parse(out); }
-};
-
-Outcome RunCommand(const std::string& command)
-{
-    Outcome outcome;
-    FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
-    if (pipe == nullptr) return outcome;
-    char buffer[4096];
-    std::size_t got = 0;
-    while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) outcome.out.append(buffer, got);
-    outcome.exit = WEXITSTATUS(pclose(pipe));
-    return outcome;
-}
-
-const std::string kBin = NMR1D_BINARY_DIR "/bin/";
-
-Outcome Cli(const std::string& arguments)
-{
-    return RunCommand(kBin + "nmr1d-cli " + arguments);
-}
-
-// The sample, made once for all tests of this file.
-class CliSample : public ::testing::Test {
-protected:
-    static void SetUpTestSuite()
-    {
-        folder_ = new TempFolder;
-        ASSERT_EQ(RunCommand(kBin + "make_sample_fid " + (*folder_ / "sample")).exit, 0);
-    }
-    static void TearDownTestSuite() { delete folder_; }
-    static std::string Sample() { return *folder_ / "sample/1"; }
-    static std::string Path(const std::string& name) { return *folder_ / name; }
-
-private:
-    static inline TempFolder* folder_ = nullptr;
-};
 
 // NumPy file with complex64 values of one row.
 std::vector<std::complex<float>> ReadNpy(const std::string& path, std::string& head)

@@ -185,6 +185,25 @@ TEST(Fft, SineTableHoldsTheSineOfEachProduct)
         ASSERT_EQ(table[i], std::sin(static_cast<double>(i) * (2 * 3.14159265358979 / 1048576.0))) << i;
 }
 
+TEST(Fft, APartOfTheSineTableServesAsTheWhole)
+{
+    std::vector<double> part;
+    for (const std::size_t n : {8192U, 2U, 256U, 4U, 1U, 32768U}) {
+        SCOPED_TRACE(n);
+        Ready_Sine_Table(part, static_cast<std::int32_t>(n));
+        Row row(n), whole(n);
+        for (std::size_t i = 0; i < n; ++i) {
+            row.re[i] = whole.re[i] = static_cast<float>(i % 7);
+            row.im[i] = whole.im[i] = static_cast<float>(i % 5);
+        }
+        FFT_Transform(row.re, row.im, part);
+        FFT_Transform(whole.re, whole.im, SineTable());
+        EXPECT_EQ(row.re, whole.re);
+        EXPECT_EQ(row.im, whole.im);
+    }
+    EXPECT_TRUE(std::isnan(part[1])) << "no more is made than is read";
+}
+
 TEST(Fft, ImpulseGivesAFlatSpectrum)
 {
     for (const std::size_t n : {1U, 2U, 16U, 4096U}) {

@@ -415,51 +415,5 @@ TEST(FftFormRows, RowListAndProgressOnlyForSeveral)
     EXPECT_EQ(rig.par().SMODE, 1);
 }
 
-// From a moved control to the painted plots, as a user waits for it. The limits are far above what
-// was measured on an idle machine (the form promises 10 and 60 ms), for a busy one.
-#if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__)
-TEST(FftFormSpeed, ChangesAreOnTheScreenAtOnce)
-{
-    struct Length {
-        int points;
-        double limit_ms;
-    };
-    for (const Length length : {Length{131'072, 100}, Length{1'048'576, 600}}) {
-        FormRig rig(length.points);
-        FftDialog dialog(rig.form);
-        dialog.resize(1180, 780);
-        Settle(dialog);
-        const auto median = [&](const char* what, const std::function<void(int)>& change) {
-            std::vector<double> times;
-            for (int i = 0; i < 15; ++i) {
-                QElapsedTimer clock;
-                clock.start();
-                change(i);
-                dialog.fid().repaint();
-                dialog.preview().repaint();
-                times.push_back(static_cast<double>(clock.nsecsElapsed()) * 1e-6);
-            }
-            std::ranges::nth_element(times, times.begin() + 7);
-            std::printf("%8d points, %-24s %6.2f ms\n", length.points, what, times[7]);
-            return times[7];
-        };
-        const auto shift = [&](int i) { Find<ValueEdit>(dialog, "FIDShift").typed(20 + i % 2); };
-        EXPECT_LT(median("phase", [&](int i) { Find<QScrollBar>(dialog, "Phase0ScrollBar").setValue(10 * i + 5); }),
-                  length.limit_ms);
-        EXPECT_LT(median("shift", shift), length.limit_ms);
-        EXPECT_LT(median("window",
-                         [&](int i) {
-                             rig.par().BF1 = 0.2F + 0.1F * static_cast<float>(i);
-                             EXPECT_TRUE(rig.form.WindowChanged());
-                             dialog.fid().Refresh();
-                             dialog.preview().Refresh();
-                         }),
-                  length.limit_ms);
-        rig.form.SetAutoPhase(true);
-        EXPECT_LT(median("shift, automatic phase", shift), length.limit_ms);
-    }
-}
-#endif
-
 } // namespace
 } // namespace nmr
