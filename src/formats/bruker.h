@@ -96,6 +96,16 @@ Status FillParaBrukerProcs(GlobalBlock& g, std::int16_t slot, const BrukerParame
 Status ReadDataBruker(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
                       BrukerFamily family, ByteSpan fid);
 
+/// A ser file whose rows are an array, not the second dimension of a plane: acqu2s has no quadrature in
+/// that direction (FnMODE 0 or 1) and a list (vdlist, vplist, vclist, vtlist) tells the value of each row.
+bool IsBrukerArray(const FileType& type);
+
+/// Rows of such a file, as ReadDataBruker reads one, all on one scale so that their heights keep their
+/// ratios; RowValueA, name and unit from the list in `folder`.
+/// @return too_large above kMaxRows rows
+Status ReadBrukerArray(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
+                       const std::string& folder, ByteSpan ser);
+
 /// Points of a spectrum whose parameters stand in the slot, and its axis, from high to low ppm. Run with
 /// the bytes of 1r and of 1i; an empty 1i leaves the imaginary part 0.
 Status ReadDataBrukerProc(GlobalBlock& g, std::int16_t slot, const BrukerParameters& procs, BrukerFamily family,
