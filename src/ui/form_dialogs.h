@@ -15,6 +15,7 @@ FormAnswer NMR1D_Form33(const FormRequest& request, QWidget* parent);  ///< "Set
 FormAnswer NMR1D_Form34(const FormRequest& request, QWidget* parent);  ///< "Set Default Display Area"
 FormAnswer NMR1D_Form93(const FormRequest& request, QWidget* parent);  ///< processable files
 FormAnswer NMR1D_Form101(const FormRequest& request, QWidget* parent); ///< "Set File Extensions"
+FormAnswer NMR1D_Form21(const FormRequest& request, QWidget* parent);  ///< "T1/T2 Data"
 FormAnswer NMR1D_Form102(const FormRequest& request, QWidget* parent); ///< "Fourie Transform"
 FormAnswer Form110(const FormRequest& request, QWidget* parent);       ///< a question with its own buttons
 FormAnswer Form120(const FormRequest& request, QWidget* parent);       ///< number type

@@ -10,17 +10,12 @@ namespace nmr {
 std::span<const FormTableRow> FormTable()
 {
     static constexpr FormTableRow kRows[] = {
-        {forms::kUserSelection, NMR1D_Form01},
-        {forms::kArrayData, NMR1D_Form20},
-        {forms::kDeleteMulti, NMR1D_Form23},
-        {forms::kDisplayScope, NMR1D_Form31},
-        {forms::kGrid, NMR1D_Form33},
-        {forms::kDefaultAreas, NMR1D_Form34},
-        {forms::kProcessableFiles, NMR1D_Form93},
-        {forms::kFileTypes, NMR1D_Form101},
-        {forms::kFourierState, NMR1D_Form102},
-        {forms::kQuestion, Form110},
-        {forms::kNumberType, Form120},
+        {forms::kUserSelection, NMR1D_Form01}, {forms::kArrayData, NMR1D_Form20},
+        {forms::kPhaseRow, NMR1D_Form21},      {forms::kDeleteMulti, NMR1D_Form23},
+        {forms::kDisplayScope, NMR1D_Form31},  {forms::kGrid, NMR1D_Form33},
+        {forms::kDefaultAreas, NMR1D_Form34},  {forms::kProcessableFiles, NMR1D_Form93},
+        {forms::kFileTypes, NMR1D_Form101},    {forms::kFourierState, NMR1D_Form102},
+        {forms::kQuestion, Form110},           {forms::kNumberType, Form120},
     };
     return kRows;
 }
