@@ -2,6 +2,8 @@
 
 #include "formats/csv_choice.h"
 
+#include "session/forms.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -40,6 +42,9 @@ std::optional<FileChoice> CliAsker::File(const FileDialog& dialog)
 FormAnswer CliAsker::Form(const FormRequest& request)
 {
     if (request.form == kCsvForm) return TakeFound(request);
+    // All rows are read and written as they stand; --row chooses the one whose phase is corrected.
+    if (request.form == forms::kArrayData) return {forms::kOk, {{forms::kArrayMode, "1"}, {forms::kDescending, "0"}}};
+    if (request.form == forms::kPhaseRow) return {forms::kFirstRow, {}};
     warnings_.push_back("the form " + request.form + " was answered with Cancel");
     return {"CANCEL", {}};
 }

@@ -111,11 +111,14 @@ Result<WindowChoice> ParseWindow(const std::string& text)
 {
     const auto colon = text.find(':');
     const std::string name = ToLower(text.substr(0, colon));
+    WindowChoice choice;
+    choice.vendor = text == "vendor";
+    if (choice.vendor) return choice;
     const auto row =
         std::find_if(kWindowNames.begin(), kWindowNames.end(), [&](const WindowName& w) { return w.name == name; });
     if (row == kWindowNames.end())
-        return Usage("--window takes exponential, sinebell, hann, gaussian or blackman-harris, not \"" + name + "\"");
-    WindowChoice choice;
+        return Usage("--window takes exponential, sinebell, hann, gaussian, blackman-harris or vendor, not \"" + name +
+                     "\"");
     choice.kind = row->kind;
     if (colon == std::string::npos) return choice;
     for (const std::string& part : Split(text.substr(colon + 1), ','))
@@ -135,8 +138,8 @@ Result<PhaseChoice> ParsePhase(const std::string& text)
 {
     PhaseChoice choice;
     if (text == "auto") return choice;
-    if (text == "off") {
-        choice.kind = PhaseChoice::Kind::off;
+    if (text == "off" || text == "vendor") {
+        choice.kind = text == "off" ? PhaseChoice::Kind::off : PhaseChoice::Kind::vendor;
         return choice;
     }
     const auto parts = Split(text, ',');
@@ -144,7 +147,7 @@ Result<PhaseChoice> ParsePhase(const std::string& text)
     const auto p1 = parts.size() > 1 ? ParseNumber(parts[1]) : 0.0;
     const auto pivot = parts.size() > 2 ? Int32(parts[2]) : std::optional<std::int32_t>(0);
     if (!p0 || !p1 || !pivot || parts.size() > 3)
-        return Usage("--phase takes auto, off or P0[,P1[,PIVOT]], not \"" + text + "\"");
+        return Usage("--phase takes auto, off, vendor or P0[,P1[,PIVOT]], not \"" + text + "\"");
     choice.kind = PhaseChoice::Kind::given;
     choice.p0_deg = *p0;
     choice.p1_deg = *p1;

@@ -32,13 +32,14 @@ struct ZeroFill {
 };
 
 struct WindowChoice {
+    bool vendor = false; ///< the one that the vendor's files tell; the rest is then not used
     WindowKind kind = WindowKind::exponential;
     std::vector<std::pair<WindowField, double>> fields;
     std::optional<bool> trapezoid;
 };
 
 struct PhaseChoice {
-    enum class Kind { automatic, off, given };
+    enum class Kind { automatic, off, given, vendor };
     Kind kind = Kind::automatic;
     double p0_deg = 0, p1_deg = 0;
     std::optional<std::int32_t> pivot; ///< point index, as the JSON gives it

@@ -42,8 +42,20 @@ std::int32_t PowerOfTwoFactor(const ZeroFill& fill, std::int32_t raw)
     return static_cast<std::int32_t>(factor);
 }
 
+void Warn(FftForm& form, const char* text)
+{
+    form.block().Slots[0].Warnings.emplace_back(text);
+}
+
+Status ApplyVendorWindow(FftForm& form)
+{
+    if (!form.TakeVendorWindow()) Warn(form, "The files tell no window that can be had here: the usual one is used.");
+    return form.WindowChanged();
+}
+
 Status ApplyWindow(FftForm& form, const WindowChoice& choice)
 {
+    if (choice.vendor) return ApplyVendorWindow(form);
     ParamBlock& par = form.block().Slots[0].par;
     par.WindowFunc = static_cast<std::int16_t>(choice.kind);
     if (choice.trapezoid) par.WinFlags.at(static_cast<std::size_t>(choice.kind)) = *choice.trapezoid ? 0 : 1;
@@ -51,9 +63,19 @@ Status ApplyWindow(FftForm& form, const WindowChoice& choice)
     return form.SetWindowKind(choice.kind);
 }
 
-void ApplyPhase(FftForm& form, const PhaseChoice& choice)
+// With the shift at hand, else with the vendor's own, which its phases always fit.
+void ApplyVendorPhase(FftForm& form, bool shift_given)
+{
+    const bool taken = form.TakeVendorPhase() || (!shift_given && form.TakeVendorShift() && form.TakeVendorPhase());
+    if (!taken) Warn(form, "The files tell no phases that can be had here: automatic phasing is used.");
+    form.SetAutoPhase(!taken);
+    static_cast<void>(form.WindowChanged());
+}
+
+void ApplyPhase(FftForm& form, const PhaseChoice& choice, bool shift_given)
 {
     if (choice.kind == PhaseChoice::Kind::automatic) return;
+    if (choice.kind == PhaseChoice::Kind::vendor) return ApplyVendorPhase(form, shift_given);
     GlobalBlock& g = form.block();
     form.SetAutoPhase(false);
     if (choice.pivot) g.PivotPoint = std::clamp(*choice.pivot, 0, form.points() - 1);
@@ -72,7 +94,7 @@ Status ApplyOptions(FftForm& form, const ProcessOptions& options)
     if (options.window)
         if (const Status status = ApplyWindow(form, *options.window); !status) return status;
     if (options.shift) form.SetShift(*options.shift);
-    ApplyPhase(form, options.phase);
+    ApplyPhase(form, options.phase, options.shift.has_value());
     return {};
 }
 

@@ -9,6 +9,7 @@ namespace nmr {
 Run::Run()
 {
     Start_Batch(*g);
+    g->settings.vendor_start = 0; // only what the options ask for
 }
 
 void Complain(const std::string& path, const std::string& text)

@@ -3,6 +3,7 @@
 // travel in files and logs, so they keep their spelling.
 
 #include "core/row_array.h"
+#include "core/vendor_processing.h"
 
 #include <array>
 #include <cstdint>
@@ -291,6 +292,8 @@ struct DataSet {
     std::string SimComment;
 
     std::string XLabelPpm, XLabelHz, XLabelKHz;
+
+    VendorProcessing vendor; ///< of a FID as read; starting values of the transform
 
     // What a native file brings besides.
     std::array<std::int16_t, 17> PrintWords{};  ///< print mode, then words of the print settings

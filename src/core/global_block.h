@@ -124,6 +124,7 @@ struct GlobalBlock {
     // Commands and display.
     bool NoSpectrumYet = false;
     std::int16_t DEPTMode = 0, DiffMode = 0, DiffCount = 0;
+    std::int16_t ReadAsArray = 0; ///< of the last array: 0 in the order of the file, 1 by parameter
     std::int16_t ArrayMode = 0, ArrayReverse = 0, AbsoluteMode = 0;
     std::int32_t ToolMode = 0;
     float ViewLeft = 0, ViewRight = 0; ///< shown range, ppm; left is the larger

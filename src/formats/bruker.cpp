@@ -79,10 +79,10 @@ BrukerPaths FindFlat(const FileType& type)
     return paths;
 }
 
-BrukerPaths FindFid(const std::string& folder)
+BrukerPaths FindFid(const std::string& folder, std::string_view name)
 {
     BrukerPaths paths;
-    paths.data = InFolder(folder, "fid");
+    paths.data = InFolder(folder, name);
     paths.acqus = AcquisitionFile(folder);
     paths.title_folder = ProcessedFolder(folder);
     paths.procs = InFolder(paths.title_folder.empty() ? folder : paths.title_folder, "procs");
@@ -106,7 +106,8 @@ BrukerPaths FindSpectrum(const std::string& folder)
 BrukerPaths FindFiles(const FileType& type)
 {
     if (Family(type) == BrukerFamily::flat) return FindFlat(type);
-    return IsSpectrum(type.code) ? FindSpectrum(type.directory) : FindFid(type.directory);
+    return IsSpectrum(type.code) ? FindSpectrum(type.directory)
+                                 : FindFid(type.directory, EqualsNoCase(type.data_name, "SER") ? "ser" : "fid");
 }
 
 /// First and second line that are not blank.
@@ -180,12 +181,29 @@ void TakeReference(const BrukerParameters& procs, ParamBlock& par)
     if (IsSameNucleus(mhz, par.ObsCenter)) par.FileRefMHz = mhz;
 }
 
-Result<Bytes> ReadPoints(const std::string& path, std::string_view where, std::string_view name)
+Result<Bytes> ReadPoints(const std::string& path, std::string_view where, std::string_view name,
+                         std::size_t largest = kMaxFile)
 {
     if (path.empty()) return Error{ErrorCode::not_found, std::string(where), fmt::format("there is no {}", name)};
-    auto bytes = ReadFileHead(path, kMaxFile);
+    auto bytes = ReadFileHead(path, largest);
     if (!bytes) return Error{bytes.error().code, std::string(where), bytes.error().text};
     return bytes;
+}
+
+bool IsSer(const FileType& type)
+{
+    return EqualsNoCase(type.data_name, "SER");
+}
+
+Status ReadRows(const ReadRequest& request, const BrukerPaths& paths, const BrukerParameters& acqus,
+                const BrukerParameters* procs)
+{
+    const bool array = IsSer(request.type);
+    const std::size_t largest = array ? kMaxFile * static_cast<std::size_t>(kMaxRows) : kMaxFile;
+    const auto bytes = ReadPoints(paths.data, "ReadDataBruker/1DDRW", array ? "ser" : "fid", largest);
+    if (!bytes) return bytes.error();
+    if (!array) return ReadDataBruker(request.g, request.slot, acqus, procs, Family(request.type), *bytes);
+    return ReadBrukerArray(request.g, request.slot, acqus, procs, request.type.directory, *bytes);
 }
 
 Status ReadFid(const ReadRequest& request, const BrukerPaths& paths)
@@ -201,12 +219,8 @@ Status ReadFid(const ReadRequest& request, const BrukerPaths& paths)
             set.Warnings.emplace_back("procs tells no reference: 0 ppm stands at BF1 of acqus.");
     }
     if (procs) TakeReference(*procs, set.par);
-    const auto bytes = ReadPoints(paths.data, "ReadDataBruker/1DDRW", "fid");
-    if (!bytes) return bytes.error();
-    if (Status read =
-            ReadDataBruker(request.g, request.slot, *acqus, procs ? &*procs : nullptr, Family(request.type), *bytes);
-        !read)
-        return read;
+    if (procs) set.vendor = FindBrukerProcessing(*procs, set.par);
+    if (Status read = ReadRows(request, paths, *acqus, procs ? &*procs : nullptr); !read) return read;
     const double shown = RoundHalfEven(set.par.ObsCenter * 20) / 20.0;
     request.asker.Notice(FormatNumber("####0.00", shown) + " MHz, " +
                          FormatNumber("###0.0###", static_cast<double>(set.par.FREQU) / set.par.POINT) + " Hz");
@@ -267,9 +281,10 @@ Result<BrukerParameters> ReadParaBrukerProcs(const ReadRequest& request, const s
 
 Status ReadBruker(const ReadRequest& request)
 {
-    if (IsTwoDimensional(request.type.code) || EqualsNoCase(request.type.data_name, "SER") ||
-        EqualsNoCase(request.type.data_name, "2RR"))
-        return Error{ErrorCode::two_dimensional, "ReadDataBruker/1DDRW", "several rows (ser, 2rr) can't be read here"};
+    const bool plane = IsSer(request.type) && !IsBrukerArray(request.type);
+    if (IsTwoDimensional(request.type.code) || plane || EqualsNoCase(request.type.data_name, "2RR"))
+        return Error{ErrorCode::two_dimensional, "ReadDataBruker/1DDRW",
+                     "two-dimensional data (ser, 2rr) can't be read here"};
     const BrukerPaths paths = FindFiles(request.type);
     Status read = IsSpectrum(request.type.code) ? ReadSpectrum(request, paths) : ReadFid(request, paths);
     if (!read) return read;

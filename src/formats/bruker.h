@@ -10,6 +10,7 @@
 // - DIGMOD 0 (analogue) means no delay of a digital filter even where GRPDLY still names one: the
 //   three CDCl3 lines of such a set agree in phase within 2 degrees without a delay and differ by 43 with it.
 
+#include "core/vendor_processing.h"
 #include "formats/registry.h"
 
 #include <map>
@@ -47,6 +48,10 @@ private:
 
 /// Complex points of delay of the digital filter: GRPDLY, else the table of DSPFVS and DECIM; 0 for none.
 double BrukerGroupDelay(const BrukerParameters& acqus);
+
+/// How the vendor made the spectrum of a FID whose parameters stand in `par`: points, window, phases.
+/// bruker_processing.cpp says how its phases count.
+VendorProcessing FindBrukerProcessing(const BrukerParameters& procs, const ParamBlock& par);
 
 /// What a record of acqus is wanted for: a spectrum has width and point count from procs.
 enum class BrukerUse { fid, spectrum };
@@ -90,6 +95,16 @@ Status FillParaBrukerProcs(GlobalBlock& g, std::int16_t slot, const BrukerParame
 /// beyond TD and its block, and a FID without any signal leave warnings.
 Status ReadDataBruker(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
                       BrukerFamily family, ByteSpan fid);
+
+/// A ser file whose rows are an array, not the second dimension of a plane: acqu2s has no quadrature in
+/// that direction (FnMODE 0 or 1) and a list (vdlist, vplist, vclist, vtlist) tells the value of each row.
+bool IsBrukerArray(const FileType& type);
+
+/// Rows of such a file, as ReadDataBruker reads one, all on one scale so that their heights keep their
+/// ratios; RowValueA, name and unit from the list in `folder`.
+/// @return too_large above kMaxRows rows
+Status ReadBrukerArray(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
+                       const std::string& folder, ByteSpan ser);
 
 /// Points of a spectrum whose parameters stand in the slot, and its axis, from high to low ppm. Run with
 /// the bytes of 1r and of 1i; an empty 1i leaves the imaginary part 0.

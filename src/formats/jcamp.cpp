@@ -383,6 +383,7 @@ private:
             Warn("The file does not say which way its FID turns: it is read as FIDs of Bruker instruments are.");
         par_.GroupDelay = bruker() == nullptr ? 0 : BrukerGroupDelay(*bruker());
         par_.FileRefMHz = FidReference(block_, bruker(), par_.ObsCenter, width, par_.FIDPoints);
+        if (bruker() != nullptr) set_.vendor = FindBrukerProcessing(*bruker(), par_);
         return {};
     }
 

@@ -66,6 +66,9 @@ std::vector<std::vector<std::string>> ParseVarianArray(std::string_view text);
 /// Row values, name, unit and heading of an array, for RowCount rows. What can't be told is numbered.
 void ApplyVarianArray(const VarianParameters& parameters, DataSet& set);
 
+/// How the console made the spectrum: fn, window, lsfid, rp and lp.
+VendorProcessing FindVarianProcessing(const VarianParameters& parameters);
+
 /// Fields of the slot; bad_value without a usable frequency and width.
 Status FillParaVarian(GlobalBlock& g, std::int16_t slot, const VarianParameters& parameters);
 

@@ -211,6 +211,7 @@ Status ReadDataVarian(GlobalBlock& g, std::int16_t slot, const VarianParameters&
     WarnOfDamage(set, StoreFidRows(rows, set.spec));
     set.par.RESOL = static_cast<double>(set.par.FREQU) / set.par.POINT;
     ApplyVarianArray(parameters, set);
+    set.vendor = FindVarianProcessing(parameters);
     return {};
 }
 

@@ -35,12 +35,17 @@ void CopyRows(const RowArray<float>& from, RowArray<float>& to, std::int32_t poi
 Status FftForm::Open()
 {
     user_ = OfferedOperator(g_);
-    Auto_ZeroFill(g_, 0);
+    const bool as_vendor = g_.settings.vendor_start == 1;
+    if (!as_vendor || !TakeVendorSize()) Auto_ZeroFill(g_, 0);
     if (Status loaded = Load_FID_Work(g_); !loaded) return loaded;
     // Behind the fill, which changes where zero frequency stands.
     Set_Initial_Shift(g_);
     delay_phase1_deg_ = g_.Phase1Deg;
     delay_shift_ = g_.Slots[0].par.FIDShift;
+    if (as_vendor) {
+        TakeVendorWindow();
+        if (TakeVendorShift()) TakeVendorPhase();
+    }
     if (const Status window = Make_Window_Function(g_, 0); !window) ErrorReport(asker_, window.error());
     Command2_Click();
     return {};
@@ -168,11 +173,12 @@ void FftForm::SetRow(std::int16_t row)
 // The setting holds the box the other way round: 0 is ticked.
 bool FftForm::auto_phase() const
 {
-    return g_.settings.auto_phase_on == 0;
+    return auto_phase_here_.value_or(g_.settings.auto_phase_on == 0);
 }
 
 void FftForm::SetAutoPhase(bool on)
 {
+    auto_phase_here_.reset();
     g_.settings.auto_phase_on = on ? 0 : 1;
 }
 

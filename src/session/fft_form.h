@@ -8,6 +8,7 @@
 #include "fid/window.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace nmr {
@@ -41,6 +42,13 @@ public:
     bool auto_phase() const;
     void SetAutoPhase(bool on);
 
+    // What the vendor's files tell, one thing at a time and without a preview; false when they tell nothing
+    // that fits. Open takes all of them when the setting VENDOR START is 1.
+    bool TakeVendorSize();
+    bool TakeVendorWindow();
+    bool TakeVendorShift();
+    bool TakeVendorPhase(); ///< for the present shift; automatic phasing is off from then on
+
     /// "Complete": commits all rows. DialogResult becomes "OK".
     Status Command3(const std::function<void(int)>& progress = {});
     /// "Close (Discard Present Data)": asks "Exit without FFT"; true when the form may close, with
@@ -66,6 +74,7 @@ private:
     float delay_phase1_deg_ = 0.0F;
     std::int32_t delay_shift_ = 0;
     std::string user_;
+    std::optional<bool> auto_phase_here_; // in place of the setting, for this FID
 };
 
 } // namespace nmr

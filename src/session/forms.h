@@ -86,6 +86,12 @@ inline constexpr char kAsciiData[] = "NMR1D_Form104";
 inline constexpr char kPoints[] = "POINTS";
 inline constexpr char kDept[] = "DEPT";
 
+// NMR1D_Form21: "T1/T2 Data". Which row the phase is corrected on: the DialogResult is kFirstRow or
+// kLastRow, or "CANCEL".
+inline constexpr char kPhaseRow[] = "NMR1D_Form21";
+inline constexpr char kFirstRow[] = "FIRST";
+inline constexpr char kLastRow[] = "LAST";
+
 // NMR1D_Form31, NMR1D_Form34, NMR1D_Form33: display scope, its default areas, grid. In and out: the
 // values that DisplayScope, DefaultAreas and GridChoice (session/display_scope.h) write and read; the
 // form makes one of them from what it is handed, works on it, and hands its values back with "OK".

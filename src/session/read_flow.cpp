@@ -10,6 +10,7 @@
 #include "formats/detect.h"
 #include "formats/registry.h"
 #include "formats/varian.h"
+#include "session/array_choice.h"
 #include "session/display_scope.h"
 #include "session/fft_form.h"
 #include "session/fid_intake.h"
@@ -29,6 +30,7 @@ constexpr char kWhere[] = "NMR1D_m11_Click/1DF1";
 constexpr int kFileNotFound = 53; // run-time error number
 constexpr float kReadYFill = 0.95F;
 constexpr int kBrukerDirectory = 4;
+constexpr std::int32_t kBrukerFid = 4100;
 constexpr int kVarian = 6;
 // The two native families carry their own display range.
 constexpr int kNativeVer3 = 11;
@@ -96,6 +98,15 @@ Error KindError(const FileType& type)
     return {ErrorCode::not_nmr, kWhere, "No NMR data that this program knows"};
 }
 
+/// The code and tag of the family's FIDs for a file of rows.
+FileType AsArray(FileType type)
+{
+    type.code = kBrukerFid;
+    type.tag = "BRU1";
+    if (type.mode.starts_with("2D")) type.mode[0] = '1';
+    return type;
+}
+
 struct Candidate {
     FileType type;
     const FormatRow* row = nullptr;
@@ -111,6 +122,8 @@ Result<Candidate> Inspect(Session& s, const std::string& path, FileType& detecte
     if (!ResolvePath(path)) return MissingError(path);
     Candidate found;
     found.type = detected = detect(path, s.asker, s.g.nuclides);
+    // Rows measured along a list of values are an array, though the file is that of a plane.
+    if (IsTwoDimensional(found.type.code) && IsBrukerArray(found.type)) found.type = AsArray(found.type);
     s.g.DataKind = found.type.code;
     if (!IsOneDimensional(found.type.code)) return KindError(found.type);
     s.g.FormatIndex = FamilyOf(found.type.code);
@@ -219,9 +232,15 @@ void CompleteParameters(GlobalBlock& g, const Candidate& found)
     FillDataLimits(set, g.CurrentRow);
 }
 
+ArraySort SortOf(const GlobalBlock& g)
+{
+    return static_cast<ArraySort>(std::clamp(g.settings.array_sort, 0, 2));
+}
+
 void FinishSpectrum(GlobalBlock& g)
 {
     DataSet& set = g.Slots[0];
+    SortRows(set, SortOf(g));
     FillDisplayLimits(set);
     // A file of our own brings its scale.
     if (set.par.YMag == 0 && set.par.YFill > 0) set.par.YMag = set.par.DataMax / set.par.YFill;
@@ -236,7 +255,7 @@ Status PrepareFid(GlobalBlock& g, const FormatRow& row)
     DataSet& set = g.Slots[0];
     if (Status padded = PadToPowerOfTwo(g); !padded) return padded;
     ApplySense(set, row.sense);
-    SortRows(set, static_cast<ArraySort>(std::clamp(g.settings.array_sort, 0, 2)));
+    SortRows(set, SortOf(g));
     set.par.DataVersion = FormatNumber("###0.00", set.par.ObsCenter * 20.0);
     set.ProcMark1 = set.ProcMark2 = 1;
     g.NoSpectrumYet = true;
@@ -265,18 +284,27 @@ Status Transform(Session& s)
     return {};
 }
 
-Status FillSlot(Session& s, const Candidate& found, bool& fid_overwritten)
+/// From the points of the file to a spectrum.
+Status Complete(Session& s, const Candidate& found, bool& fid_overwritten)
 {
-    if (Status read = RunReader(s, found); !read) return Refuse(s.asker, read.error());
-    CompleteParameters(s.g, found);
     if (s.g.Slots[0].par.SMODE == 1) {
         FinishSpectrum(s.g);
         return {};
     }
-    if (Status ready = PrepareFid(s.g, *found.row); !ready) return Refuse(s.asker, ready.error());
+    if (Status ready = PrepareFid(s.g, *found.row); !ready) return ready;
     fid_overwritten = true;
-    Status transformed = Transform(s);
-    return transformed ? Status() : Refuse(s.asker, transformed.error());
+    return Transform(s);
+}
+
+Status FillSlot(Session& s, const Candidate& found, bool& fid_overwritten)
+{
+    if (Status read = RunReader(s, found); !read) return Refuse(s.asker, read.error());
+    const Result<ArrayUse> use = AskArrayUse(s);
+    if (!use) return use.error();
+    CompleteParameters(s.g, found);
+    if (Status done = Complete(s, found, fid_overwritten); !done) return Refuse(s.asker, done.error());
+    if (Status spread = SpreadRows(s.g, *use); !spread) return Refuse(s.asker, spread.error());
+    return {};
 }
 
 void LeaveDummy(const FileType& type)

@@ -69,6 +69,12 @@ FormAnswer NMR1D_Form20(const FormRequest& request, QWidget* parent)
     return {kOk, {{kArrayMode, mode.word()}, {kDescending, order.word()}}};
 }
 
+FormAnswer NMR1D_Form21(const FormRequest&, QWidget* parent)
+{
+    return AskChoice(parent, "T1/T2 Data", "Row for the phase correction",
+                     {{kFirstRow, "The First Data (T2)", {}}, {kLastRow, "The Last Data (T1)", {}}});
+}
+
 FormAnswer Form110(const FormRequest& request, QWidget* parent)
 {
     PlainForm form(Qs(Text(request.values, kTitle)), parent);

@@ -9,6 +9,7 @@ namespace nmr {
 
 FormAnswer NMR1D_Form01(const FormRequest& request, QWidget* parent);      ///< user selection
 FormAnswer NMR1D_Form20(const FormRequest& request, QWidget* parent);      ///< "Multi(Array) Data"
+FormAnswer NMR1D_Form21(const FormRequest& request, QWidget* parent);      ///< "T1/T2 Data"
 FormAnswer NMR1D_Form23(const FormRequest& request, QWidget* parent);      ///< "Confirm Deleting ..."
 FormAnswer NMR1D_Form31(const FormRequest& request, QWidget* parent);      ///< "Change of Display Scope"
 FormAnswer NMR1D_Form33(const FormRequest& request, QWidget* parent);      ///< "Setting of Grid"

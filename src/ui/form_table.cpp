@@ -13,6 +13,7 @@ std::span<const FormTableRow> FormTable()
     static constexpr FormTableRow kRows[] = {
         {forms::kUserSelection, NMR1D_Form01},
         {forms::kArrayData, NMR1D_Form20},
+        {forms::kPhaseRow, NMR1D_Form21},
         {forms::kDeleteMulti, NMR1D_Form23},
         {forms::kDisplayScope, NMR1D_Form31},
         {forms::kGrid, NMR1D_Form33},

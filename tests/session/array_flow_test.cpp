@@ -46,10 +46,12 @@ TEST(ArrayFlow, RowsArePaddedTransformedAndSortedTogetherWithTheirValues)
                           {"large first", 2, {2, 4, 0, 3, 1}}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        Rig rig({Button::no}); // an array, not two dimensions
+        const forms::Values choice{{forms::kArrayMode, c.sort == 0 ? "1" : "2"},
+                                   {forms::kDescending, c.sort == 2 ? "1" : "0"}};
+        // An array, not two dimensions; its rows stay rows.
+        Rig rig({Button::no, test::Pressed("OK", choice), test::Pressed(forms::kFirstRow)});
         rig.Boot();
         rig.g.settings.auto_zerofill = 0;
-        rig.g.settings.array_sort = c.sort;
         ASSERT_TRUE(Read_Path(rig.s, WriteArray(rig.folder.path() / "array.fid")));
         const DataSet& set = rig.g.Slots[0];
         ASSERT_EQ(set.RowCount, kRows);

@@ -1,0 +1,225 @@
+// Pseudo-two-dimensional sets of the Bruker family: a ser file whose rows were measured with one changing
+// parameter, told by a list file beside it (vdlist and its like).
+
+#include "core/file_layer.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "formats/bruker.h"
+#include "formats/fid_rows.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace nmr {
+
+namespace {
+
+constexpr std::string_view kWhere = "ReadDataBruker/1DDRW";
+constexpr std::size_t kLargestList = 1 << 16; // bytes
+constexpr float kFidScale = 0.1F;             // intensity factor, as of single FIDs
+constexpr std::uint64_t kRowBlock = 1024;     // bytes: each row begins at a multiple of it
+
+/// How the numbers of a list are written, and what a row value is.
+struct ListKind {
+    std::string_view file;
+    std::string_view parameter, unit, heading;
+    double plain_seconds; ///< an entry without unit; 0 for lists of plain numbers
+    double scale;         ///< from seconds to the unit
+};
+
+constexpr ListKind kLists[] = {
+    {"vdlist", "vd", "s", "t(s)", 1, 1},
+    {"vplist", "vp", "us", "vp(us)", 1e-6, 1e6},
+    {"vclist", "vc", "", "vc", 0, 1},
+    {"vtlist", "vt", "K", "vt(K)", 0, 1},
+};
+
+struct FoundList {
+    const ListKind* kind = nullptr;
+    std::string path;
+};
+
+FoundList FindList(const std::string& folder)
+{
+    for (const ListKind& kind : kLists)
+        if (const auto path = FindInFolder(folder, kind.file)) return {&kind, path->string()};
+    return {};
+}
+
+/// "0.25s", "100m", "30us", "5": the value of one line in the unit of its list.
+std::optional<double> ListValue(std::string_view line, const ListKind& kind, bool& without_unit)
+{
+    const std::size_t letters = line.find_first_of("smunSMUN");
+    const auto number = ParseNumber(std::string(Trim(line.substr(0, letters))));
+    if (!number || !std::isfinite(*number)) return std::nullopt;
+    if (kind.plain_seconds == 0) return letters == std::string_view::npos ? number : std::nullopt;
+    if (letters == std::string_view::npos) {
+        without_unit = true;
+        return *number * kind.plain_seconds * kind.scale;
+    }
+    const std::string suffix = ToLower(std::string(Trim(line.substr(letters))));
+    constexpr std::pair<std::string_view, double> kSuffixes[] = {{"s", 1},     {"m", 1e-3}, {"ms", 1e-3}, {"u", 1e-6},
+                                                                 {"us", 1e-6}, {"n", 1e-9}, {"ns", 1e-9}};
+    for (const auto& [name, seconds] : kSuffixes)
+        if (suffix == name) return *number * seconds * kind.scale;
+    return std::nullopt;
+}
+
+std::vector<float> ReadList(const FoundList& list, std::vector<std::string>& warnings)
+{
+    std::vector<float> values;
+    const auto bytes = ReadFileHead(list.path, kLargestList);
+    if (!bytes) return values;
+    std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+    bool without_unit = false;
+    std::size_t unread = 0;
+    while (!text.empty() && values.size() < static_cast<std::size_t>(kMaxRows)) {
+        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+        const std::string_view line = Trim(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (line.empty()) continue;
+        if (const auto value = ListValue(line, *list.kind, without_unit))
+            values.push_back(static_cast<float>(*value));
+        else
+            ++unread;
+    }
+    if (unread > 0)
+        warnings.push_back(fmt::format("{} lines of {} are no values and are left out.", unread, list.kind->file));
+    if (without_unit && list.kind->plain_seconds != 1)
+        warnings.push_back(fmt::format("Values of {} without a unit are taken for microseconds.", list.kind->file));
+    return values;
+}
+
+BrukerParameters Indirect(const std::string& folder)
+{
+    for (std::string_view name : {"acqu2s", "acqu2"}) {
+        const auto path = FindInFolder(folder, name);
+        if (!path) continue;
+        if (auto read = BrukerParameters::Read(path->string()); read && read->Number("TD")) return std::move(*read);
+    }
+    return {};
+}
+
+/// Where the rows of a ser file stand.
+struct SerLayout {
+    BrukerCode code;
+    std::uint64_t values = 0; ///< of a row
+    std::uint64_t stride = 0; ///< bytes from row to row
+    std::size_t size = 4;     ///< bytes of a value
+
+    std::size_t Held(ByteSpan file, std::uint64_t row) const ///< values that the file has of a row
+    {
+        const std::uint64_t begin = row * stride;
+        return begin >= file.size() ? 0 : static_cast<std::size_t>(std::min(values, (file.size() - begin) / size));
+    }
+};
+
+SerLayout LayoutOf(const BrukerParameters& acqus, ByteSpan file, std::uint64_t told_rows)
+{
+    SerLayout layout;
+    layout.values = static_cast<std::uint64_t>(acqus.Number("TD").value_or(0));
+    // Length tells nothing of the type here: rows are padded.
+    layout.code = FindBrukerCode(acqus, "DTYPA", "BYTORDA", BrukerFamily::directory, file, 0);
+    layout.size = layout.code.number == BrukerNumber::float64 ? 8 : 4;
+    const std::uint64_t row = layout.values * layout.size;
+    layout.stride = (row + kRowBlock - 1) / kRowBlock * kRowBlock;
+    if (told_rows > 1 && file.size() == row * told_rows) layout.stride = row;
+    return layout;
+}
+
+/// Rows that the file begins, at most those that were told; 0 told means as many as there are.
+std::uint64_t RowsOf(const SerLayout& layout, ByteSpan file, std::uint64_t told, std::vector<std::string>& warnings)
+{
+    const std::uint64_t begun = (file.size() + layout.stride - 1) / layout.stride;
+    if (told == 0) {
+        warnings.emplace_back("acqu2s does not tell the number of rows: it follows from the length of ser.");
+        return begun;
+    }
+    if (begun < told) warnings.push_back(fmt::format("ser is cut short: {} of {} rows are there.", begun, told));
+    return std::min(begun, told);
+}
+
+void SetRowValues(const std::string& folder, DataSet& set)
+{
+    const auto rows = static_cast<std::size_t>(set.RowCount);
+    const FoundList list = FindList(folder);
+    const std::vector<float> values = list.kind ? ReadList(list, set.Warnings) : std::vector<float>();
+    set.par.RowCountCopy = set.RowCount;
+    if (values.empty()) {
+        for (std::size_t row = 0; row < rows; ++row) set.RowValueA[row] = static_cast<float>(row + 1);
+        set.RowParamName = set.RowHeading = "No.";
+        set.Warnings.emplace_back("No list tells the values of the rows: they are numbered.");
+        return;
+    }
+    // The console starts again at the top of a list that is too short.
+    for (std::size_t row = 0; row < rows; ++row) set.RowValueA[row] = values[row % values.size()];
+    if (values.size() != rows)
+        set.Warnings.push_back(fmt::format("{} has {} values for {} rows.", list.kind->file, values.size(), rows));
+    set.RowParamName = list.kind->parameter;
+    set.RowParamUnit = list.kind->unit;
+    set.RowHeading = list.kind->heading;
+}
+
+/// One-channel rows have no imaginary part, REVERSE turns that of others round.
+struct RowForm {
+    std::size_t parts = 2;
+    double sign = 1;
+};
+
+std::size_t DecodeRow(ByteSpan file, const SerLayout& layout, std::uint64_t row, RowForm form, std::span<double> re,
+                      std::span<double> im, std::uint64_t& damaged)
+{
+    const auto [parts, sign] = form;
+    const std::size_t held = layout.Held(file, row) / parts * parts;
+    const auto bytes = held == 0 ? ByteSpan() : file.subspan(static_cast<std::size_t>(row * layout.stride));
+    const std::vector<double> values = DecodeBruker(bytes, layout.code, held, damaged);
+    for (std::size_t i = 0; i < held / parts; ++i) {
+        re[i] = values[parts * i];
+        im[i] = parts == 2 ? sign * values[2 * i + 1] : 0;
+    }
+    return held / parts;
+}
+
+} // namespace
+
+bool IsBrukerArray(const FileType& type)
+{
+    if (!EqualsNoCase(type.data_name, "SER") || !FindList(type.directory).kind) return false;
+    const double mode = Indirect(type.directory).Number("FnMODE").value_or(0);
+    return mode == 0 || mode == 1;
+}
+
+Status ReadBrukerArray(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
+                       const std::string& folder, ByteSpan ser)
+{
+    DataSet& set = g.Slots[static_cast<std::size_t>(slot)];
+    const double td = Indirect(folder).Number("TD").value_or(0);
+    const auto told = static_cast<std::uint64_t>(std::clamp(td, 0.0, 1e9));
+    const SerLayout layout = LayoutOf(acqus, ser, told);
+    if (ser.size() < 2 * layout.size) return Error{ErrorCode::truncated, std::string(kWhere), "ser holds no points"};
+    const std::uint64_t rows = RowsOf(layout, ser, told, set.Warnings);
+    if (rows > static_cast<std::uint64_t>(kMaxRows))
+        return Error{ErrorCode::too_large, std::string(kWhere), fmt::format("{} rows", rows)};
+    set.RowCount = static_cast<std::int32_t>(rows);
+    if (Status made = AllocateSpecBuffer(g, set.par.POINT, slot); !made) return made;
+    if (layout.Held(ser, rows - 1) < layout.values)
+        set.Warnings.push_back(fmt::format("ser is cut short in row {}: what is missing is zero.", rows));
+    const bool reversed = procs != nullptr && EqualsNoCase(procs->Text("REVERSE").value_or("no"), "yes");
+    const RowForm form{set.par.AcqMode == 1 ? std::size_t{1} : std::size_t{2}, reversed ? -1.0 : 1.0};
+    std::uint64_t damaged = 0;
+    const FidRows source{static_cast<std::size_t>(rows), static_cast<std::size_t>(set.par.FIDPoints),
+                         [&](std::size_t row, std::span<double> re, std::span<double> im) {
+                             return DecodeRow(ser, layout, row, form, re, im, damaged);
+                         }};
+    static_cast<void>(StoreFidRows(source, set.spec));
+    if (damaged > 0) // every row is decoded twice
+        set.Warnings.push_back(fmt::format("{} values of ser are no numbers and read as zero.", damaged / 2));
+    g.DataScale = kFidScale;
+    set.par.Limit164 = kFidScale;
+    SetRowValues(folder, set);
+    return {};
+}
+
+} // namespace nmr
