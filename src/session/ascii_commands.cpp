@@ -3,6 +3,7 @@
 #include "core/error_report.h"
 #include "core/text.h"
 #include "session/display_scope.h"
+#include "session/folders.h"
 #include "session/forms.h"
 #include "session/menu.h"
 #include "session/read_flow.h"
@@ -15,8 +16,6 @@
 namespace nmr {
 namespace {
 
-constexpr std::size_t kSaveFolder = 1; // of LastDirs
-
 std::optional<std::string> AskForName(Session& s)
 {
     const GlobalBlock& g = s.g;
@@ -24,7 +23,7 @@ std::optional<std::string> AskForName(Session& s)
     dialog.kind = FileDialog::Kind::save;
     dialog.title = "Save Data(ASCII)";
     dialog.filters = {{"ASCII", "*.txt;*.dat;*.asc"}, {"CSV with all parameters", "*.csv"}, {"All File", "*.*"}};
-    dialog.folder = g.LastDirs[kSaveFolder].empty() ? g.LastDirs[0] : g.LastDirs[kSaveFolder];
+    dialog.folder = DialogFolder(g, FolderGroup::save);
     dialog.extension = ".txt";
     const std::filesystem::path file(g.Slots[0].par.FileName);
     dialog.name = file.stem().string() + dialog.extension;
@@ -47,8 +46,7 @@ void RememberSave(Session& s, const std::string& path)
 {
     GlobalBlock& g = s.g;
     const std::string file = AbsolutePath(path);
-    g.LastDirs[kSaveFolder] = std::filesystem::path(file).parent_path().string();
-    g.settings.access_write_dir = g.LastDirs[kSaveFolder];
+    RememberFolder(g, FolderGroup::save, file);
     g.SettingsChanged = true;
     g.Slots[0].par.FileName = file;
     g.Slots[0].par.DataChanged = 0;
