@@ -8,6 +8,7 @@
 #include "fid/fft.h"
 #include "formats/bruker.h"
 #include "formats/detect.h"
+#include "session/folders.h"
 #include "session/forms.h"
 #include "session/read_flow.h"
 
@@ -130,8 +131,7 @@ void Load_User_Settings(GlobalBlock& g)
     const fs::path asked_for = g.UserIniFile;
     ReadUserSettings(g);
     if (g.UserIniFile != asked_for) g.SettingsChanged = true;
-    if (!g.settings.access_read_dir.empty() && IsFolder(g.settings.access_read_dir))
-        g.LastDirs[0] = g.settings.access_read_dir;
+    RecallFolders(g);
 }
 
 std::set<int> Used_Work_Numbers(const fs::path& folder)
