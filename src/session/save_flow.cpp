@@ -85,6 +85,7 @@ void RememberSaved(Session& s, const fs::path& file)
             set.par.DataChanged = 0;
             set.par.DataFromFile = 1;
         }
+    g.Undo.NoteSaved();
     g.LastDirs[kSaveFolder] = file.parent_path().string();
     g.settings.access_write_dir = g.LastDirs[kSaveFolder];
     AddRecentFile(g, file.string());
