@@ -59,11 +59,13 @@ void AddProcess(CLI::App& app, ProcessOptions& options)
     AddReference(app, options.file_reference);
     app.add_option("--row", options.row, "row of array data, from 1")->check(CLI::Range(1, kMaxRows));
     AddParsed(app, "--range", ParseRange, options.range_ppm, "LEFT:RIGHT in ppm, for pictures and .csv");
-    app.add_option("--out", options.outputs, "write FILE: .tvo1, .npy, .csv, .png, .svg or .pdf; may be given again")
+    app.add_option("--out", options.outputs,
+                   "write FILE: .tvo1, .npy, .csv, .red, .int, .Ilist, .png, .svg or .pdf; may be given again")
         ->take_all()
         ->allow_extra_args(false);
     app.add_flag("--json", options.json, "one JSON object on standard output");
     AddParsed(app, "--table", ParseTable, options.table, kTableHelp);
+    AddAnalysisOptions(app, options.analysis);
 }
 
 void AddConvert(CLI::App& app, ConvertOptions& options)

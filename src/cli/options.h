@@ -1,6 +1,7 @@
 #pragma once
 // The options of `process`, and how their texts are read.
 
+#include "cli/analysis.h"
 #include "core/result.h"
 #include "fid/window.h"
 
@@ -60,6 +61,7 @@ struct ProcessOptions {
     std::vector<std::string> outputs;
     bool json = false;
     TableValues table;
+    AnalysisOptions analysis;
     double width = 1200, height = 700; ///< pixels of a picture
 };
 
