@@ -191,17 +191,14 @@ Exit RunProcess(const ProcessOptions& options)
     }
     Run run;
     run.asker.SetTableValues(options.table);
+    run.asker.SetBlock(options.block);
     run.g->settings.ref_initital = options.file_reference ? 1 : 0;
     ScriptedTransform transform{options, {}, {}};
     run.session.run_fft_form = [&](FftForm& form) { return transform(form); };
     const Status status = Read_Path(run.session, options.path, run.type);
     if (!transform.status) return Refuse(run, options.path, transform.status.error(), options.json);
     if (!status) return Refuse(run, options.path, status.error(), options.json);
-    if (options.row > run.g->Slots[0].RowCount) {
-        Complain(options.path,
-                 fmt::format("there is no row {}, the data have {}", options.row, run.g->Slots[0].RowCount));
-        return Exit::bad_parameters;
-    }
+    if (!HasRowAndBlock(run, options.path, options.row)) return Exit::bad_parameters;
     for (const std::string& out : options.outputs)
         if (const Status written = WriteOutput(run.session, options, out); !written) {
             Complain(out, written.error().text);
