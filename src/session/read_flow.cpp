@@ -32,8 +32,8 @@ namespace {
 constexpr char kWhere[] = "NMR1D_m11_Click/1DF1";
 constexpr int kFileNotFound = 53; // run-time error number
 constexpr float kReadYFill = 0.95F;
-constexpr int kBrukerDirectory = 4;
-constexpr std::int32_t kBrukerFid = 4100;
+constexpr int kBrukerDirectory = 4, kBrukerFlat = 8;
+constexpr std::int16_t kSequential = 3; // AcqMode
 constexpr int kVarian = 6;
 // The two native families carry their own display range.
 constexpr int kNativeVer3 = 11;
@@ -111,15 +111,6 @@ Error KindError(const FileType& type)
     return {ErrorCode::not_nmr, kWhere, "No NMR data that this program knows"};
 }
 
-/// The code and tag of the family's FIDs for a file of rows.
-FileType AsArray(FileType type)
-{
-    type.code = kBrukerFid;
-    type.tag = "BRU1";
-    if (type.mode.starts_with("2D")) type.mode[0] = '1';
-    return type;
-}
-
 struct Candidate {
     FileType type;
     const FormatRow* row = nullptr;
@@ -136,7 +127,7 @@ Result<Candidate> Inspect(Session& s, const std::string& path, FileType& detecte
     Candidate found;
     found.type = detected = detect(path, s.asker, s.g.nuclides);
     // Rows measured along a list of values are an array, though the file is that of a plane.
-    if (IsTwoDimensional(found.type.code) && IsBrukerArray(found.type)) found.type = AsArray(found.type);
+    if (IsRowArray(found.type)) found.type = detected = AsRowArray(found.type);
     s.g.DataKind = found.type.code;
     if (!IsOneDimensional(found.type.code)) return KindError(found.type);
     s.g.FormatIndex = FamilyOf(found.type.code);
@@ -268,6 +259,8 @@ Status PrepareFid(GlobalBlock& g, const FormatRow& row)
 {
     DataSet& set = g.Slots[0];
     if (Status padded = PadToPowerOfTwo(g); !padded) return padded;
+    const bool is_bruker = row.family == kBrukerDirectory || row.family == kBrukerFlat;
+    if (is_bruker && set.par.AcqMode == kSequential) AlignSequential(g);
     ApplySense(set, row.sense);
     SortRows(set, SortOf(g));
     set.par.DataVersion = FormatNumber("###0.00", set.par.ObsCenter * 20.0);

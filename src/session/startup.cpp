@@ -6,8 +6,8 @@
 #include "core/settings_file.h"
 #include "core/text.h"
 #include "fid/fft.h"
-#include "formats/bruker.h"
 #include "formats/detect.h"
+#include "formats/registry.h"
 #include "session/folders.h"
 #include "session/forms.h"
 #include "session/journal_records.h"
@@ -60,7 +60,7 @@ bool Hand_To_Sibling(Session& s, const fs::path& sibling)
     GlobalBlock& g = s.g;
     const FileType type = ReadFileType(g.CmdLineFile, s.asker, NuclearTable::BuiltIn());
     g.DataKind = type.code;
-    if (!IsTwoDimensional(type.code) || IsBrukerArray(type) || g.NoBounce) return false;
+    if (!IsTwoDimensional(type.code) || IsRowArray(type) || g.NoBounce) return false;
     // The sign behind the name tells the sibling who started it, so that no file goes round for ever.
     const std::string argument = fmt::format("\"{}\"$", AbsolutePath(g.CmdLineFile));
     if (s.start_program && s.start_program(sibling.string(), argument)) return true;
