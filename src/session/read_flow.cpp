@@ -469,6 +469,7 @@ bool ConfirmDeleteMulti(Session& s, MultiState state)
 
 void Set_Display_Range(GlobalBlock& g)
 {
+    TakeTickPreset(g);
     const ShownRange preset = GetPreset(g.settings, NucleusGroup(g.Slots[0].par.OBNUC), 1, XUnit::ppm);
     const ShownRange axis = AxisEnds(g.Slots[0]);
     // A preset beside the data would show an empty plot.

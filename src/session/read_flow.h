@@ -43,7 +43,7 @@ void ClaimFile(const GlobalBlock& g, const std::string& path);
 /// Window title with the file that is open.
 void ShowFileTitle(const Session& s, const std::string& file);
 
-/// Shown range after a read: the preset group of the nucleus.
+/// Shown range and divisions of the axis after a read: those of the nucleus.
 void Set_Display_Range(GlobalBlock& g);
 /// The whole axis.
 void Show_All_Data(GlobalBlock& g);

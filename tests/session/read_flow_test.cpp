@@ -452,5 +452,20 @@ TEST(FidIntake, TheLargestLengthIsTakenAndOneMoreRefused)
     EXPECT_TRUE(PadToPowerOfTwo(*g));
 }
 
+TEST(ReadTicks, AreThoseOfTheNucleus)
+{
+    for (const auto& [nucleus, step] : {std::pair{"1H", 0.5}, std::pair{"13C", 20.0}, std::pair{"31P", 25.0}}) {
+        Rig rig;
+        rig.Boot();
+        rig.g.settings.ax_tic_step_1h = 0.5;
+        rig.g.settings.ax_tic_step_13c = 20;
+        rig.g.settings.ax_tic_step_other = 25;
+        test::BrukerSpec spec;
+        spec.nucleus = nucleus;
+        ASSERT_TRUE(Read_Path(rig.s, test::WriteBrukerFid(rig.folder.path() / "exp", spec)));
+        EXPECT_EQ(rig.g.settings.axis_tic_step, step) << nucleus;
+    }
+}
+
 } // namespace
 } // namespace nmr
