@@ -348,6 +348,7 @@ Status ReadCandidate(Session& s, const Candidate& found)
     if (g.FormatIndex != kNativeVer3 && g.FormatIndex != kNativeVer4) Set_Display_Range(g);
     RememberFile(s, found);
     Refresh(s);
+    if (s.notes_of_read) s.notes_of_read(g.Slots[0].Warnings);
     return {};
 }
 
@@ -413,6 +414,12 @@ Status NMR1D_m112_Click(Session& s)
         Status status = ReadFrom(s, *path, detected, CsvFileType);
         if (status || !MayRetry(status.error().code)) return status;
     }
+}
+
+std::string NotesLine(const std::vector<std::string>& notes)
+{
+    if (notes.empty()) return {};
+    return fmt::format("{} {} on reading: {}", notes.size(), notes.size() == 1 ? "note" : "notes", notes.front());
 }
 
 void ShowFileTitle(const Session& s, const std::string& file)

@@ -29,6 +29,8 @@ struct Session {
     /// Whether another run of the program is there whose files must be left alone at exit; empty: ask
     /// the machine (AnotherRunPresent).
     std::function<bool()> another_run_present{};
+    /// After each read: what it mended or missed, one sentence each; mostly nothing.
+    std::function<void(const std::vector<std::string>&)> notes_of_read{};
 };
 
 } // namespace nmr
