@@ -263,7 +263,11 @@ TEST(MenuState, NamesNumberedSpectraRowsAndTheOwnFormat)
     EXPECT_TRUE(state.contains("m2731(1)"));
     EXPECT_FALSE(state.contains("m185(2)"));
     EXPECT_FALSE(state.contains("m185(21)")) << "the last slot has no number";
-    EXPECT_EQ(state.find("DataCombo(2)")->second.caption, "2  0.25");
+    EXPECT_EQ(state.find("DataCombo(2)")->second.caption, "2:  0.25");
+    g->Slots[0].RowParamUnit = "s";
+    EXPECT_EQ(RowCaption(g->Slots[0], 1), "2:  0.25 s");
+    g->Slots[0].RowValueA = {1, 2}; // rows without a parameter of their own are numbered
+    EXPECT_EQ(RowCaption(g->Slots[0], 1), "2");
     EXPECT_EQ(state.find("m10_4")->second.caption, "Ver.4 type(*.tvo)");
 }
 
