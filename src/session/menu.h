@@ -59,6 +59,8 @@ using MenuState = std::map<std::string, MenuItemState, std::less<>>;
 
 /// Name of one item of a numbered list: "m185(2)".
 std::string NumberedItem(std::string_view control, int number);
+/// What the row selectors show of a row: its number, and its value where the rows have values.
+std::string RowCaption(const DataSet& set, int row);
 /// State of every control of the full tree, also of those that have no entry yet, and of the row
 /// selector "DataCombo" with its label "Label6". Entries of numbered spectra and the rows of the
 /// selector are items of their own: NumberedItem("m185", 2) is "Spectrum 2". Pure.

@@ -360,6 +360,7 @@ Status ReadCandidate(Session& s, const Candidate& found)
     if (!IsNative(g.FormatIndex)) Set_Display_Range(g);
     RememberFile(s, found);
     Refresh(s);
+    if (s.notes_of_read) s.notes_of_read(g.Slots[0].Warnings);
     return {};
 }
 
@@ -422,6 +423,12 @@ Status NMR1D_m112_Click(Session& s)
     }
 }
 
+std::string NotesLine(const std::vector<std::string>& notes)
+{
+    if (notes.empty()) return {};
+    return fmt::format("{} {} on reading: {}", notes.size(), notes.size() == 1 ? "note" : "notes", notes.front());
+}
+
 void ShowFileTitle(const Session& s, const std::string& file)
 {
     if (s.set_title) s.set_title(WindowTitle(file));
@@ -478,6 +485,7 @@ bool ConfirmDeleteMulti(Session& s, MultiState state, MultiSpectra* deleted)
 
 void Set_Display_Range(GlobalBlock& g)
 {
+    TakeTickPreset(g);
     const ShownRange preset = GetPreset(g.settings, NucleusGroup(g.Slots[0].par.OBNUC), 1, XUnit::ppm);
     const ShownRange axis = AxisEnds(g.Slots[0]);
     // A preset beside the data would show an empty plot.

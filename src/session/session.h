@@ -33,6 +33,8 @@ struct Session {
     std::function<bool()> another_run_present{};
     /// Writes the journal of this run; empty in a batch.
     std::shared_ptr<Recorder> recorder{};
+    /// After each read: what it mended or missed, one sentence each; mostly nothing.
+    std::function<void(const std::vector<std::string>&)> notes_of_read{};
 };
 
 } // namespace nmr

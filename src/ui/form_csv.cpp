@@ -91,6 +91,7 @@ public:
     {
         ok_ = ok;
         Refresh();
+        FocusMissing();
     }
     const CsvChoice& choice() const { return choice_; }
 
@@ -99,6 +100,8 @@ private:
     QGroupBox* MakeParameters();
     void MakePreview();
     void Refresh();
+    /// The first parameter that is required and empty gets what is typed first.
+    void FocusMissing();
     void TakeFields();
     void ShowPreview();
     QString MeaningOf(int column) const;
@@ -213,6 +216,16 @@ void CsvEditor::Refresh()
     note_->setText(Qs(missing));
     ok_->setEnabled(missing.empty());
     ShowPreview();
+}
+
+void CsvEditor::FocusMissing()
+{
+    for (std::size_t i = 0; i < parameters_.size(); ++i) {
+        const bool required = kCsvParameters[i].label.starts_with('*') || kCsvParameters[i].key == "FREQU";
+        if (!required || !parameters_[i]->isEnabled() || !parameters_[i]->text().isEmpty()) continue;
+        parameters_[i]->setFocus();
+        return;
+    }
 }
 
 QString CsvEditor::MeaningOf(int column) const

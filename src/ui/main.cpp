@@ -62,6 +62,16 @@ void OnlyFaults(QtMsgType type, const QMessageLogContext&, const QString& text)
     if (type == QtCriticalMsg || type == QtFatalMsg) std::fprintf(stderr, "nmr1d: %s\n", qPrintable(text));
 }
 
+/// A data folder for one run, with the shipped tables in it.
+fs::path ScratchAppPath(const QTemporaryDir& scratch, const fs::path& shipped)
+{
+    const fs::path folder = scratch.path().toStdString();
+    std::error_code ignored;
+    for (const auto& file : fs::directory_iterator(shipped, ignored))
+        fs::copy_file(file.path(), folder / file.path().filename(), ignored);
+    return folder;
+}
+
 StartOptions MakeStartOptions(const RunOptions& run, const fs::path& program_folder, std::unique_ptr<Splash>& splash)
 {
     StartOptions options;
@@ -110,7 +120,7 @@ int RunWindow(QApplication& app, const RunOptions& run)
     std::unique_ptr<Splash> splash;
     StartOptions options = MakeStartOptions(run, program_folder, splash);
     asker.SetBeforeQuestion([&splash] { splash.reset(); });
-    if (run.quiet()) options.app_path = scratch.path().toStdString();
+    if (run.quiet()) options.app_path = ScratchAppPath(scratch, ShippedFolder(program_folder));
     ApplyTheme(app, run.theme.value_or(0));
     if (Start(session, options) == StartResult::ended) return 0;
     if (run.theme) g->settings.theme = *run.theme;

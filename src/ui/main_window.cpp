@@ -63,6 +63,9 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) : session_(session), 
     plot_->read_asked = [this] { Later(this, [this] { Run([this] { NMR1D_m11_Command(session_); }); }); };
     session_.display_changed = [this] { RefreshAll(); };
     session_.set_title = [this](const std::string& title) { setWindowTitle(ToQString(title).trimmed()); };
+    session_.notes_of_read = [this](const std::vector<std::string>& notes) {
+        if (!notes.empty()) statusBar()->showMessage(ToQString(NotesLine(notes)), 8000);
+    };
     asker.SetNoticeLine([this](const QString& text) { statusBar()->showMessage(text, 8000); });
     RestorePlace();
     RefreshAll();
@@ -99,6 +102,7 @@ void NMR1D_Form1::RefreshAll()
     RefreshMenu();
     RefreshToolBar();
     RefreshDataLine();
+    notes_->SetNotes(plot_->HasSpectrum() ? g_.Slots[0].Warnings : std::vector<std::string>());
 }
 
 void NMR1D_Form1::CycleUnit()
@@ -256,6 +260,8 @@ void NMR1D_Form1::BuildStatusLine()
     data_line_->setObjectName(QStringLiteral("Data"));
     data_line_->setContentsMargins(0, 0, 8, 0);
     statusBar()->addWidget(position_line_, 1);
+    notes_ = new NotesButton(this);
+    statusBar()->addPermanentWidget(notes_);
     statusBar()->addPermanentWidget(data_line_);
     statusBar()->setSizeGripEnabled(false);
 }

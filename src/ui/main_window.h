@@ -4,6 +4,7 @@
 #include "session/menu.h"
 #include "session/session.h"
 #include "ui/asker_qt.h"
+#include "ui/notes_list.h"
 #include "ui/plot_widget.h"
 #include "ui/theme.h"
 
@@ -89,6 +90,7 @@ private:
     QList<QAction*> data_actions_, row_actions_;
     QAction* grid_action_ = nullptr;
     QLabel *position_line_ = nullptr, *data_line_ = nullptr;
+    NotesButton* notes_ = nullptr;
     bool running_ = false; ///< a command is under way: its forms run the event queue
 };
 
