@@ -29,6 +29,7 @@ constexpr std::uint64_t kLargestFile = 0x7FFFFFFF;
 constexpr std::size_t kBlockHead = 256;
 constexpr float kReadYFill = 0.95F;
 constexpr std::int32_t kFirstWindowPoint = -5000;
+constexpr double kFarthestPpm = 1e30; ///< the file keeps the first position as a float
 
 Error Bad(std::string text)
 {
@@ -126,8 +127,9 @@ Status BuildAxis(DataSet& set)
             axis[i] = (static_cast<double>(i) - par.SMTMS) * step + static_cast<double>(par.RefX);
         par.Resolution2 = step;
     }
-    if (!std::isfinite(axis[0]) || !std::isfinite(axis[points - 1])) return Bad("The axis of the data is no good");
-    return {};
+    // Written so that what is no number fails too.
+    const bool good = std::abs(axis[0]) < kFarthestPpm && std::abs(axis[points - 1]) < kFarthestPpm;
+    return good ? Status() : Bad("The axis of the data is no good");
 }
 
 Status ReadPoints(GlobalBlock& g, std::int16_t slot, ByteSpan data)
