@@ -3,6 +3,7 @@
 
 #include "core/dates.h"
 #include "core/file_layer.h"
+#include "core/spec_buffer.h"
 #include "formats/tavo4.h"
 #include "formats/tavo4_layout.h"
 #include "formats/tavo4_sections.h"
@@ -135,7 +136,7 @@ Status BuildAxis(DataSet& set)
 Status ReadPoints(GlobalBlock& g, std::int16_t slot, ByteSpan data)
 {
     DataSet& set = SlotOf(g, slot);
-    if (Status allocated = AllocateSpecBuffer(g, set.par.POINT, slot); !allocated) return allocated;
+    if (Status allocated = AllocateToOverwrite(g, set.par.POINT, slot); !allocated) return allocated;
     if (Status axis = BuildAxis(set); !axis) return axis;
     if (const std::size_t damaged = ReadMatrices(set, data); damaged > 0)
         set.Warnings.push_back(fmt::format("{} values of the file are no numbers and were read as 0", damaged));
