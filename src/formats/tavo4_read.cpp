@@ -118,14 +118,16 @@ Status BuildAxis(DataSet& set)
     ParamBlock& par = set.par;
     std::vector<double>& axis = set.spec.XAxis;
     const auto points = static_cast<std::size_t>(par.POINT);
+    // A counter of 32 bits, which converts to double in vectors.
+    double* const ppm = axis.data();
     if (par.Resolution2 != 0) {
-        for (std::size_t i = 0; i < points; ++i)
-            axis[i] = static_cast<double>(par.PhaseWord1) + static_cast<double>(i) * par.Resolution2;
+        const double first_ppm = static_cast<double>(par.PhaseWord1), step = par.Resolution2;
+        for (std::int32_t i = 0; i < par.POINT; ++i) ppm[i] = first_ppm + i * step;
     } else {
         if (!(par.OBFRQ0PPM > 0)) return Bad("The data have no axis");
         const double step = static_cast<double>(par.FREQU) / par.OBFRQ0PPM / par.POINT;
-        for (std::size_t i = 0; i < points; ++i)
-            axis[i] = (static_cast<double>(i) - par.SMTMS) * step + static_cast<double>(par.RefX);
+        for (std::int32_t i = 0; i < par.POINT; ++i)
+            ppm[i] = (static_cast<double>(i) - par.SMTMS) * step + static_cast<double>(par.RefX);
         par.Resolution2 = step;
     }
     // Written so that what is no number fails too.

@@ -74,10 +74,11 @@ void AppendRow(std::span<const float> row, FileImage& image)
 /// No branch inside, so that it costs little beside the copy.
 bool AllFinite(std::span<const float> row)
 {
-    constexpr std::uint32_t kExponent = 0x7F800000;
-    std::uint32_t worst = 0;
-    for (const float value : row) worst = std::max(worst, std::bit_cast<std::uint32_t>(value) & kExponent);
-    return worst != kExponent;
+    // Adding the lowest bit of the exponent overflows into the sign only where all its bits are set.
+    constexpr std::uint32_t kExponent = 0x7F800000, kLowest = 0x00800000, kSign = 0x80000000;
+    std::uint32_t overflow = 0;
+    for (const float value : row) overflow |= (std::bit_cast<std::uint32_t>(value) & kExponent) + kLowest;
+    return (overflow & kSign) == 0;
 }
 
 /// Takes a row of the file; values that are none become 0 and are counted.
