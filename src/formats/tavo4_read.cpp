@@ -159,7 +159,8 @@ Status ReadBlock(GlobalBlock& g, std::int16_t slot, const BlockTable& table)
             set.RowCount = CountRows(set, table);
             if (data.empty()) return Bad("There are no points");
             if (Status good = CheckPoints(set, data); !good) return good;
-            if (!(set.par.RESOL > 0)) set.par.RESOL = set.par.Resolution2 * set.par.OBFRQ0PPM;
+            // Adding 0 makes +0 of -0, which the writer puts there.
+            if (!(set.par.RESOL > 0)) set.par.RESOL = set.par.Resolution2 * set.par.OBFRQ0PPM + 0.0;
             if (Status read = ReadPoints(g, slot, data); !read) return read;
         } else if (!section.empty()) {
             row.read(set, section);

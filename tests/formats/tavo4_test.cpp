@@ -327,6 +327,15 @@ TEST(Tavo4, ReadersRules)
              put_float(file, kParameters + 1156, 0.0F);
          },
          [](const DataSet& set) { EXPECT_LT(set.spec.XAxis[0], 0.0); }},
+        {"a resolution of -0",
+         [=](FileBytes& file) {
+             put_double(file, kParameters + 1288, -1e-79);
+             put_double(file, kParameters + 1208, 0.0);
+             put_double(file, kParameters + 1200, 0.0);
+             put_float(file, kParameters + 1140, 0.0F);
+             PutLong(file, kParameters + 1240, 1);
+         },
+         [](const DataSet& set) { EXPECT_EQ(set.par.OBFRQ0PPM, 0.0); }},
         {"no label of the ppm axis",
          [](FileBytes& file) {
              for (const std::size_t entry : {160U, 184U})
