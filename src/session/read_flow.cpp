@@ -1,5 +1,6 @@
 #include "session/read_flow.h"
 
+#include "analysis/integrals.h"
 #include "core/error_report.h"
 #include "core/file_layer.h"
 #include "core/history.h"
@@ -252,6 +253,8 @@ void FinishSpectrum(GlobalBlock& g)
     set.par.YOffset = set.par.DataMin;
     if (set.par.OBFRQ0PPMRead == 0) set.par.OBFRQ0PPMRead = set.par.OBFRQ0PPM;
     CopyDataToSource(set);
+    // A file holds the regions, not their sums. More regions than there can be would take long.
+    if (set.Integrals.size() <= kMaxIntegrals) Calc_All_Integrals(g);
     g.NoSpectrumYet = false;
 }
 

@@ -17,8 +17,11 @@ TEST_F(CliSample, ANativeFileHoldsTheSpectrumItsParametersAndItsHistory)
     ASSERT_EQ(made.exit, 0);
     const Json wanted = made.json(), info = Info(native);
     EXPECT_EQ(info["tag"], "TAVO1_V4");
-    for (const char* same : {"nucleus", "obs_mhz", "ppm0_mhz", "sweep_hz", "points", "rows", "axis", "max"})
+    for (const char* same : {"nucleus", "obs_mhz", "ppm0_mhz", "sweep_hz", "points", "rows"})
         EXPECT_EQ(info[same], wanted[same]) << same;
+    EXPECT_EQ(info["max"]["intensity"], wanted["max"]["intensity"]);
+    EXPECT_EQ(info["axis"]["step_ppm"], wanted["axis"]["step_ppm"]);
+    EXPECT_NEAR(info["axis"]["first_ppm"], wanted["axis"]["first_ppm"], 1e-6) << "the file keeps it as a float";
     const Json history = Cli("history " + native + " --json").json();
     EXPECT_EQ(history["original_state"], "unchanged");
     EXPECT_EQ(history["original_sha256_begin"].get<std::string>().size(), 32U);

@@ -140,6 +140,28 @@ TEST(Tavo4, AnEmptyRecordKeepsItsDefaultsThroughAFile)
     EXPECT_TRUE(first == Encoded(*other));
 }
 
+// Arrays that have the right size already are not cleared before they are filled.
+TEST(Tavo4, AReadLeavesNothingOfTheDataBefore)
+{
+    auto g = NewBlock();
+    FillPoints(*g, 0, 8, 2);
+    const FileBytes file = Encoded(*g);
+    for (const std::int32_t points : {8, 16}) {
+        SCOPED_TRACE(points);
+        auto fresh = NewBlock(), used = NewBlock();
+        SpecBuffer& spec = FillPoints(*used, 0, points, 2).spec;
+        for (RowArray<float>* array : {&spec.DataRe, &spec.DataIm, &spec.SourceRe, &spec.SourceIm})
+            std::ranges::fill(array->all(), 7.0F);
+        std::ranges::fill(spec.XAxis, 7.0);
+        ASSERT_TRUE(Decode(*fresh, file) && Decode(*used, file));
+        const SpecBuffer& wanted = fresh->Slots[0].spec;
+        EXPECT_EQ(spec.XAxis, wanted.XAxis);
+        for (const auto member :
+             {&SpecBuffer::DataRe, &SpecBuffer::DataIm, &SpecBuffer::SourceRe, &SpecBuffer::SourceIm})
+            EXPECT_TRUE(std::ranges::equal((spec.*member).all(), (wanted.*member).all()));
+    }
+}
+
 TEST(Tavo4, ASlotAboveZeroIsSavedAloneAndReadIntoAnother)
 {
     auto g = NewBlock();
@@ -305,6 +327,15 @@ TEST(Tavo4, ReadersRules)
              put_float(file, kParameters + 1156, 0.0F);
          },
          [](const DataSet& set) { EXPECT_LT(set.spec.XAxis[0], 0.0); }},
+        {"a resolution of -0",
+         [=](FileBytes& file) {
+             put_double(file, kParameters + 1288, -1e-79);
+             put_double(file, kParameters + 1208, 0.0);
+             put_double(file, kParameters + 1200, 0.0);
+             put_float(file, kParameters + 1140, 0.0F);
+             PutLong(file, kParameters + 1240, 1);
+         },
+         [](const DataSet& set) { EXPECT_EQ(set.par.OBFRQ0PPM, 0.0); }},
         {"no label of the ppm axis",
          [](FileBytes& file) {
              for (const std::size_t entry : {160U, 184U})
@@ -335,6 +366,13 @@ TEST(Tavo4, ReadersRules)
          [=](FileBytes& file) {
              put_double(file, kParameters + 1288, 0.0);
              put_double(file, kParameters + 1208, 0.0);
+         },
+         nullptr},
+        {"first position that no float holds",
+         [=](FileBytes& file) {
+             put_double(file, kParameters + 1288, 0.0);
+             put_double(file, kParameters + 1208, 5e-315);
+             PutLong(file, kParameters + 1152, 1077067776);
          },
          nullptr},
         {"infinite step", [=](FileBytes& file) { put_double(file, kParameters + 1288, HUGE_VAL); }, nullptr},

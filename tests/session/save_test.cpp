@@ -2,6 +2,7 @@
 
 #include "session/save_flow.h"
 
+#include "analysis/integrals.h"
 #include "core/file_layer.h"
 #include "core/log.h"
 #include "formats/tavo4.h"
@@ -252,6 +253,8 @@ TEST(SaveVer4, WhatIsSavedComesBackAsItWasAndSavesTheSameAgain)
 {
     Unsaved run;
     run.set().Peaks.push_back({17, 0, 0, 12.5, 1});
+    const std::vector<double>& axis = run.set().spec.XAxis;
+    ASSERT_EQ(Add_Integral(run.rig.g, axis[100], axis[900]), 0);
     run.set().par.EXMOD.clear();
     const std::vector<float> points = Points(run.set());
     ASSERT_TRUE(Save_Ver4(run.rig.s, run.Out("a.tvo1")));
@@ -280,6 +283,9 @@ TEST(SaveVer4, WhatIsSavedComesBackAsItWasAndSavesTheSameAgain)
     EXPECT_EQ(read.par.YMag, par.YMag) << "its own display range";
     EXPECT_EQ(read.par.DTYPE, par.DTYPE);
     EXPECT_EQ(read.Peaks.size(), 1U);
+    ASSERT_EQ(read.Integrals.size(), 1U);
+    EXPECT_EQ(read.Integrals[0].Value, run.set().Integrals[0].Value) << "summed again";
+    EXPECT_NE(read.Integrals[0].Value, 0.0F);
     EXPECT_EQ(read.par.DataChanged, 0);
     EXPECT_EQ(read.HistoryB, run.set().HistoryB);
     EXPECT_NEAR(test::HighestPpm(read), test::HighestPpm(run.set()), 1e-6);
