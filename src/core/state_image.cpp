@@ -210,12 +210,17 @@ bool PutSlot(const StateImage& image, std::int16_t slot, DataSet& set)
     return told && MakeAxis(axis, set.spec.XAxis);
 }
 
-bool PutGlobals(const StateImage& image, GlobalBlock& g)
+bool PutSettings(const StateImage& image, GlobalBlock& g)
 {
     UndoSettings values;
-    if (!Read(image, {-1, Section::settings}, [&](ImageReader& in) { SettingValues(in, values); })) return false;
-    if (!Read(image, {-1, Section::display}, [&](ImageReader& in) { Display(in, g); })) return false;
-    return PutUndoSettings(g.settings, values);
+    const bool told = Read(image, {-1, Section::settings}, [&](ImageReader& in) { SettingValues(in, values); });
+    return told && PutUndoSettings(g.settings, values);
+}
+
+bool PutGlobals(const StateImage& image, GlobalBlock& g)
+{
+    const bool told = Read(image, {-1, Section::display}, [&](ImageReader& in) { Display(in, g); });
+    return told && PutSettings(image, g);
 }
 
 std::uint64_t ImageLayout()

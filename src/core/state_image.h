@@ -70,7 +70,8 @@ std::uint64_t ChecksumOf(const StateImage& image);
 /// Puts the sections of a slot into an empty set, but for the points.
 /// @return false when a section is not what its writer makes
 bool PutSlot(const StateImage& image, std::int16_t slot, DataSet& set);
-/// The sections of no slot.
+/// The settings alone, then both sections of no slot.
+bool PutSettings(const StateImage& image, GlobalBlock& g);
 bool PutGlobals(const StateImage& image, GlobalBlock& g);
 
 /// Of all lists of members: an image of another layout can't be read.

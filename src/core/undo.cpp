@@ -210,7 +210,10 @@ bool UndoStack::Exchange(GlobalBlock& g, UndoStep& step)
 {
     const UndoKindRow* row = Row(step.Kind);
     if (row == nullptr) return false;
-    if ((row->parts & kUndoBackup) != 0) return exchange_backup && exchange_backup(g, step);
+    if ((row->parts & kUndoBackup) != 0) {
+        ++point_changes_[0];
+        return exchange_backup && exchange_backup(g, step);
+    }
     const bool points = (row->parts & kUndoPoints) != 0;
     if (points && !ExchangePoints(g, step)) return false;
     ExchangeParts(g, step, row->parts);

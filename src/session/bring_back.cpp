@@ -5,6 +5,7 @@
 #include "core/error_report.h"
 #include "core/file_layer.h"
 #include "core/snapshot.h"
+#include "core/undo_parts.h"
 #include "session/display_scope.h"
 #include "session/forms.h"
 #include "session/journal_records.h"
@@ -40,7 +41,6 @@ struct DeadRun {
     double when = 0; ///< of the last edit
     std::size_t edits = 0;
     bool unsaved = false;
-    bool settings_changed = false;
     std::vector<std::string> took_over; ///< names of runs whose work this one had
     Status state;                       ///< why it can't be read
 };
@@ -58,18 +58,9 @@ std::uint64_t DataChecksum(const StateImage& image)
     return ChecksumOf(data);
 }
 
-const std::vector<std::byte>& SettingsOf(const StateImage& image)
-{
-    static const std::vector<std::byte> none;
-    const auto found = image.find({-1, Section::settings});
-    return found == image.end() ? none : found->second;
-}
-
 Status Replay(const JournalContents& contents, DeadRun& run)
 {
     std::uint64_t saved_state = DataChecksum({});
-    std::vector<std::byte> settings;
-    bool first = true;
     for (std::size_t i = 1; i < contents.records.size(); ++i) {
         const auto record = RecordOf<EditRecord>(contents.records[i].payload);
         if (contents.records[i].kind != kEditRecord || !record || !Apply(record->patches, run.image))
@@ -80,13 +71,11 @@ Status Replay(const JournalContents& contents, DeadRun& run)
         } else {
             ++run.edits;
         }
-        if (std::exchange(first, false)) settings = SettingsOf(run.image);
         run.when = record->when;
         if (!record->took_over.empty()) run.took_over.push_back(record->took_over);
         run.unsaved = record->unsaved != 0;
     }
     run.unsaved = run.unsaved || DataChecksum(run.image) != saved_state;
-    run.settings_changed = settings != SettingsOf(run.image);
     return {};
 }
 
@@ -241,11 +230,14 @@ bool Recover(Session& s, const DeadRun& run)
     return noted;
 }
 
-/// Settings that a step can take back count as edits, though they are no work on data.
+/// Settings that a step can take back count as edits, though they are no work on data. The dead run had no
+/// time to write them.
 void Bring_Settings(GlobalBlock& g, const DeadRun& run)
 {
-    const StateImage settings{{{-1, Section::settings}, SettingsOf(run.image)}};
-    if (run.settings_changed && PutGlobals(settings, g)) g.SettingsChanged = true;
+    const UndoSettings before = TakeUndoSettings(g.settings);
+    if (!PutSettings(run.image, g)) return;
+    const UndoSettings now = TakeUndoSettings(g.settings);
+    if (now.switches != before.switches || now.numbers != before.numbers) g.SettingsChanged = true;
 }
 
 // --- Asking

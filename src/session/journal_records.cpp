@@ -3,6 +3,7 @@
 #include "core/dates.h"
 #include "core/file_layer.h"
 #include "core/numbers.h"
+#include "core/text.h"
 
 #include <fmt/format.h>
 
@@ -94,7 +95,7 @@ fs::path JournalPath(const fs::path& folder, int work_number)
 std::optional<int> WorkNumberOf(const std::string& name)
 {
     constexpr std::string_view mark = "_1D";
-    const std::size_t at = name.find(mark);
+    const std::size_t at = ToUpper(name).find(mark);
     if (at == std::string::npos) return std::nullopt;
     const auto number = ParseInteger(std::string_view(name).substr(at + mark.size(), 4));
     if (!number || *number < 0) return std::nullopt;

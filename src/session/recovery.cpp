@@ -168,8 +168,6 @@ void Begin_Journal(Session& s)
 
 void Watch_Edits(Session& s)
 {
-    // What the settings are before the first edit.
-    if (s.recorder) static_cast<void>(s.recorder->Note(s.asker));
     s.display_changed = [&s, shown = std::move(s.display_changed)] {
         if (s.recorder) static_cast<void>(s.recorder->Note(s.asker));
         if (shown) shown();

@@ -200,10 +200,10 @@ void ScriptedEdits::Note()
 {
     const GlobalBlock& g = s_.g;
     if (!IsKept(g.Slots[0])) return;
-    const std::string state = StateOf(g);
+    const std::string state = StateOf(g) + (g.Slots[0].par.DataChanged == 1 ? " unsaved" : " saved");
     Say("pending " + state);
     if (shown_) shown_();
-    Say("accepted " + state + (g.Slots[0].par.DataChanged == 1 ? " unsaved" : " saved"));
+    Say("accepted " + state);
 }
 
 void ScriptedEdits::CheckFiles()

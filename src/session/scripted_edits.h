@@ -3,7 +3,7 @@
 // go. The kill test runs them in the window and without one; nothing else does.
 //
 // Lines: "fresh" or "recovered STATE" after the start, then "file PATH CONTENT" for each saved file, then for
-// each edit "pending STATE" before it reaches the journal and "accepted STATE unsaved|saved" after, and
+// each edit "pending STATE unsaved|saved" before it reaches the journal and "accepted ..." after, and
 // around each save "saving PATH CONTENT" and "saved PATH CONTENT". STATE and CONTENT are checksums, CONTENT
 // of what a native file keeps to the bit. A message box gives "message TEXT".
 

@@ -220,7 +220,11 @@ TEST(Recovery, NothingUnsavedIsNotAskedAbout)
 {
     const Case cases[] = {
         {"only read", [](Rig&) {}},
-        {"saved", [](Rig& r) { AddPeak(r), EXPECT_TRUE(Save_Ver4(r.s, r.Path("mine.tvo1"))); }},
+        {"saved",
+         [](Rig& r) {
+             AddPeak(r);
+             EXPECT_TRUE(Save_Ver4(r.s, r.Path("mine.tvo1")));
+         }},
         {"the grid",
          [](Rig& r) {
              PushUndoStep(r.g, UndoKind::change_grid);

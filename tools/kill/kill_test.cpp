@@ -23,6 +23,7 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -186,7 +187,10 @@ void Follow(Form& form, const std::string& output, Faults& faults)
             fmt::print("kill_test: {}: {}\n", form.name, line);
         } else if (started) {
             if (!std::exchange(checked, true)) CheckMissing(form, seen, faults);
-            if (word == "pending") expected.states.insert(first);
+            if (word == "pending") {
+                expected.states.insert(first);
+                expected.may_be_fresh = expected.may_be_fresh || second == "saved";
+            }
             if (word == "accepted") {
                 expected.states = {first};
                 expected.may_be_fresh = second == "saved";
