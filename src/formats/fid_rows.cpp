@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
-#include <numeric>
 #include <vector>
 
 namespace nmr {
@@ -23,25 +23,40 @@ std::uint64_t Mend(std::span<double> values)
     return damaged;
 }
 
-/// In four strands, which do not wait for each other.
-double Largest(std::span<const double> values)
+/// Largest absolute value, by the bits: without the sign they rise with the value, and infinity and what
+/// is no number stand above all others. In four strands, which do not wait for each other.
+std::uint64_t LargestBits(std::span<const double> values)
 {
-    std::array<double, 4> largest{};
+    std::array<std::uint64_t, 4> largest{};
     const std::size_t whole = values.size() / 4 * 4;
-    const auto take = [](double& so_far, double value) {
-        so_far = std::fabs(value) <= so_far ? so_far : std::fabs(value);
-    };
+    const auto bits = [](double value) { return std::bit_cast<std::uint64_t>(value) << 1; };
     for (std::size_t i = 0; i < whole; i += 4)
-        for (std::size_t k = 0; k < 4; ++k) take(largest[k], values[i + k]);
-    for (std::size_t i = whole; i < values.size(); ++i) take(largest[0], values[i]);
-    for (std::size_t k = 1; k < 4; ++k) take(largest[0], largest[k]);
-    return largest[0];
+        for (std::size_t k = 0; k < 4; ++k) largest[k] = std::max(largest[k], bits(values[i + k]));
+    for (std::size_t i = whole; i < values.size(); ++i) largest[0] = std::max(largest[0], bits(values[i]));
+    return std::max({largest[0], largest[1], largest[2], largest[3]}) >> 1;
+}
+
+/// Mends the values and returns the largest that is left.
+double Largest(std::span<double> values, std::uint64_t& damaged)
+{
+    std::uint64_t bits = LargestBits(values);
+    if (bits > std::bit_cast<std::uint64_t>(kMaxValue)) {
+        damaged += Mend(values);
+        bits = LargestBits(values);
+    }
+    return std::bit_cast<double>(bits);
 }
 
 double MeanOfTail(std::span<const double> values)
 {
     const auto last = values.last(static_cast<std::size_t>(kTailShare * static_cast<double>(values.size())));
-    return last.empty() ? 0 : std::accumulate(last.begin(), last.end(), 0.0) / static_cast<double>(last.size());
+    if (last.empty()) return 0;
+    std::array<double, 4> sum{};
+    const std::size_t whole = last.size() / 4 * 4;
+    for (std::size_t i = 0; i < whole; i += 4)
+        for (std::size_t k = 0; k < 4; ++k) sum[k] += last[i + k];
+    for (std::size_t i = whole; i < last.size(); ++i) sum[0] += last[i];
+    return (sum[0] + sum[1] + sum[2] + sum[3]) / static_cast<double>(last.size());
 }
 
 void StorePart(std::span<const double> values, double largest, std::span<float> row)
@@ -65,8 +80,7 @@ std::uint64_t StoreFidRows(const FidRows& source, SpecBuffer& spec)
     for (std::size_t row = 0; row < source.rows; ++row) {
         present = source.decode(row, re, im);
         for (auto part : {std::span(re).first(present), std::span(im).first(present)}) {
-            damaged += Mend(part);
-            largest = std::max(largest, Largest(part));
+            largest = std::max(largest, Largest(part, damaged));
         }
     }
     if (largest == 0) return damaged;

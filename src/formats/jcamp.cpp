@@ -98,8 +98,10 @@ Result<const JcampBlock*> NumberedBlock(const std::vector<const JcampBlock*>& bl
     const auto number = ParseInteger(text);
     if (number && *number >= 1 && *number <= static_cast<std::int64_t>(blocks.size()))
         return blocks[static_cast<std::size_t>(*number - 1)];
-    return Failure(ErrorCode::bad_value,
-                   fmt::format("There is no data set {}, the file holds {}", text, blocks.size()));
+    Error wrong =
+        Failure(ErrorCode::bad_value, fmt::format("There is no data set {}, the file holds {}", text, blocks.size()));
+    wrong.user_knows = true; // it is the asking that was wrong, not the file
+    return wrong;
 }
 
 /// The user's choice of several blocks; what is no answer (no one is there to be asked) takes the first.
