@@ -1,6 +1,7 @@
 #pragma once
 // The options of `process`, and how their texts are read.
 
+#include "cli/analysis.h"
 #include "core/result.h"
 #include "fid/window.h"
 
@@ -56,10 +57,12 @@ struct ProcessOptions {
     PhaseChoice phase;
     bool file_reference = true;
     std::int32_t row = 1;                               ///< from 1
+    std::optional<int> block;                           ///< of a file of several data sets, from 1
     std::optional<std::pair<double, double>> range_ppm; ///< left, right
     std::vector<std::string> outputs;
     bool json = false;
     TableValues table;
+    AnalysisOptions analysis;
     double width = 1200, height = 700; ///< pixels of a picture
 };
 

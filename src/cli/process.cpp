@@ -109,6 +109,7 @@ Status WriteOutput(Session& s, const ProcessOptions& options, const std::string&
     const auto row = static_cast<std::size_t>(options.row - 1);
     const std::string extension = ToLower(std::filesystem::path(path).extension().string());
     if (IsNativeExtension(extension)) return Save_Ver4(s, path);
+    if (IsListExtension(extension)) return WriteList(s.g, path, extension);
     if (extension == ".npy") return WriteNpy(set, path);
     if (extension == ".csv") return WriteCsv(set, row, options.range_ppm, path);
     return WritePicture(s.g, options, path);
@@ -117,7 +118,8 @@ Status WriteOutput(Session& s, const ProcessOptions& options, const std::string&
 bool KnownOutput(const std::string& path)
 {
     const std::string extension = ToLower(std::filesystem::path(path).extension().string());
-    return extension == ".npy" || extension == ".csv" || IsNativeExtension(extension) || IsPictureExtension(extension);
+    return extension == ".npy" || extension == ".csv" || IsListExtension(extension) || IsNativeExtension(extension) ||
+           IsPictureExtension(extension);
 }
 
 // The transform as the options want it, in place of the form.
@@ -186,20 +188,21 @@ Exit RunProcess(const ProcessOptions& options)
 {
     for (const std::string& out : options.outputs) {
         if (KnownOutput(out)) continue;
-        Complain(out, "the extension must be .tvo1, .tvo, .tv1, .npy, .csv, .png, .svg or .pdf");
+        Complain(out, "the extension must be .tvo1, .tvo, .tv1, .npy, .csv, .red, .int, .Ilist, .png, .svg or .pdf");
         return Exit::usage;
     }
     Run run;
     run.asker.SetTableValues(options.table);
+    run.asker.SetBlock(options.block);
     run.g->settings.ref_initital = options.file_reference ? 1 : 0;
     ScriptedTransform transform{options, {}, {}};
     run.session.run_fft_form = [&](FftForm& form) { return transform(form); };
     const Status status = Read_Path(run.session, options.path, run.type);
     if (!transform.status) return Refuse(run, options.path, transform.status.error(), options.json);
     if (!status) return Refuse(run, options.path, status.error(), options.json);
-    if (options.row > run.g->Slots[0].RowCount) {
-        Complain(options.path,
-                 fmt::format("there is no row {}, the data have {}", options.row, run.g->Slots[0].RowCount));
+    if (!HasRowAndBlock(run, options.path, options.row)) return Exit::bad_parameters;
+    if (const Status done = Analyse(*run.g, options.analysis); !done) {
+        Complain(options.path, done.error().text);
         return Exit::bad_parameters;
     }
     for (const std::string& out : options.outputs)
@@ -207,8 +210,9 @@ Exit RunProcess(const ProcessOptions& options)
             Complain(out, written.error().text);
             return Exit::not_written;
         }
-    const auto report = Report(*run.g, run.type, options.path, transform.used,
-                               static_cast<std::size_t>(options.row - 1), run.asker.warnings());
+    auto report = Report(*run.g, run.type, options.path, transform.used, static_cast<std::size_t>(options.row - 1),
+                         run.asker.warnings());
+    ReportAnalysis(*run.g, options.analysis, report);
     const bool text = !options.json && options.outputs.empty();
     if (!text) TellWarnings(run, options.path);
     if (text || options.json) PrintReport(report, options.json);

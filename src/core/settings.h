@@ -749,6 +749,8 @@ struct Settings {
     std::int32_t theme = 0; ///< 0 as the desktop, 1 light, 2 dark
     /// 1: the transform form starts with size, window, shift and phases that the vendor's files tell.
     std::int32_t vendor_start = 1;
+    /// 1: the number type of Bruker data is asked for, unless the length of the file tells it.
+    std::int32_t ask_data_type = 0;
     /// Group delay, in points, of the data that each fid_shift_... and fid_shft_... came from, in the
     /// order of those members; negative: nothing remembered yet.
     std::array<double, kFidShiftKeys> fid_shift_delay{-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};

@@ -374,13 +374,14 @@ std::size_t WriteAxisLabels(const DataSet& set, FileImage& image)
     return section.size();
 }
 
-/// Without a label of the ppm axis the defaults stand in for all three.
+/// A section may end behind any label; one that is not there or empty leaves what stands.
 void ReadAxisLabels(DataSet& set, ByteSpan section)
 {
-    if (section.size() < kAxisLabelsSize || GetText(section, kLabelSize, kAxisLabelSize).empty()) return;
     std::size_t at = kLabelSize;
     for (const auto label : kAxisLabels) {
-        set.*label = GetText(section, at, kAxisLabelSize);
+        if (at >= section.size()) return;
+        const std::string text = GetText(section, at, std::min(kAxisLabelSize, section.size() - at));
+        if (!text.empty()) set.*label = text;
         at += kAxisLabelSize;
     }
 }

@@ -6,6 +6,8 @@
 #include "session/session.h"
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace nmr {
 
@@ -28,8 +30,11 @@ Status Read_Path(Session& s, const std::string& path);
 Status Read_Path(Session& s, const std::string& path, FileType& detected);
 
 enum class MultiState : std::int16_t { normal = 0, keep = 3 };
+/// Sets and their slots.
+using MultiSpectra = std::vector<std::pair<std::size_t, DataSet>>;
 /// Asks what becomes of the multi spectra when slots 1 to 20 hold some; false when the read is to end.
-bool ConfirmDeleteMulti(Session& s, MultiState state);
+/// What it deletes goes into `deleted`, so that a read that fails can bring it back.
+bool ConfirmDeleteMulti(Session& s, MultiState state, MultiSpectra* deleted = nullptr);
 
 /// Work files of all runs in a data folder.
 inline constexpr char kWorkFilePattern[] = "Work_File_1D*.wkf";

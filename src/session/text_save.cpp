@@ -1,7 +1,9 @@
 #include "session/text_save.h"
 
 #include "core/error_report.h"
+#include "core/log.h"
 #include "formats/jcamp.h"
+#include "session/folders.h"
 #include "session/read_flow.h"
 #include "session/save_flow.h"
 
@@ -13,7 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kSaveFolder = 1; // of LastDirs
 constexpr char kWhere[] = "SaveText/1DF1";
 constexpr int kRemoveBackup = 1; // value of MAKE FILE BACKUP
 
@@ -43,13 +44,13 @@ Status Tell(Asker& asker, Error error)
 void RememberSave(Session& s, const std::string& file)
 {
     GlobalBlock& g = s.g;
-    g.LastDirs[kSaveFolder] = fs::path(file).parent_path().string();
-    g.settings.access_write_dir = g.LastDirs[kSaveFolder];
+    RememberFolder(g, FolderGroup::save, file);
     g.SettingsChanged = true;
     g.Slots[0].par.FileName = file;
     g.Slots[0].par.DataChanged = 0;
     AddRecentFile(g, file);
     ShowFileTitle(s, file);
+    WriteLog(g, s.asker, kLogSave, file);
     if (s.display_changed) s.display_changed();
 }
 
@@ -79,7 +80,7 @@ std::optional<std::string> AskForTextFile(Session& s, const TextFileKind& kind)
     dialog.title = kind.title;
     dialog.filters = kind.filters;
     dialog.filters.push_back({"All File", "*.*"});
-    dialog.folder = g.LastDirs[kSaveFolder].empty() ? g.LastDirs[0] : g.LastDirs[kSaveFolder];
+    dialog.folder = DialogFolder(g, FolderGroup::save);
     dialog.extension = kind.extension;
     dialog.name = ProposedName(g, dialog.folder, kind.extension);
     const std::optional<FileChoice> choice = s.asker.File(dialog);

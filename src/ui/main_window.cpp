@@ -3,6 +3,7 @@
 #include "session/display_commands.h"
 #include "session/display_scope.h"
 #include "session/read_flow.h"
+#include "session/recovery.h"
 #include "session/startup.h"
 #include "ui/canvas/qt_canvas.h"
 #include "ui/help_sheet.h"
@@ -81,7 +82,7 @@ void NMR1D_Form1::Run(const std::function<void()>& command)
     running_ = true;
     command();
     running_ = false;
-    RefreshAll();
+    session_.display_changed();
 }
 
 void NMR1D_Form1::ReadPath(const QString& path)
@@ -91,7 +92,10 @@ void NMR1D_Form1::ReadPath(const QString& path)
 
 void NMR1D_Form1::ReadCommandLineFile()
 {
-    Run([this] { Read_Command_Line_File(session_); });
+    Run([this] {
+        Offer_Recovery(session_);
+        Read_Command_Line_File(session_);
+    });
 }
 
 void NMR1D_Form1::RefreshAll()

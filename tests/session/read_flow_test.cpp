@@ -272,11 +272,12 @@ TEST(ReadFlow, TheDialogComesBackUntilAFileCanBeRead)
     const std::string good = test::WriteBrukerFid(source.folder.path() / "good");
     Rig rig{Chosen(noise), Chosen(plane), Chosen(good, 2)};
     BootPlain(rig);
-    rig.g.LastDirs[0] = "/somewhere";
+    rig.g.LastDirs[0] = rig.Path("somewhere");
+    std::filesystem::create_directories(rig.g.LastDirs[0]);
     ASSERT_TRUE(NMR1D_m11_Click(rig.s));
     ASSERT_EQ(rig.asker.dialogs.size(), 3U);
     EXPECT_EQ(rig.asker.dialogs[0].title, "Read Data");
-    EXPECT_EQ(rig.asker.dialogs[0].folder, "/somewhere");
+    EXPECT_EQ(rig.asker.dialogs[0].folder, rig.Path("somewhere"));
     EXPECT_EQ(rig.asker.dialogs[0].filters.front().expression, "*.tv1;*.tvo*");
     EXPECT_EQ(rig.g.settings.initiatl_file, 2);
     EXPECT_EQ(rig.asker.boxes.size(), 2U);

@@ -1,0 +1,242 @@
+#include "cli/analysis.h"
+
+#include "analysis/base_line.h"
+#include "analysis/integrals.h"
+#include "analysis/peak_pick.h"
+#include "analysis/shown_row.h"
+#include "analysis/smooth_base_line.h"
+#include "cli/options.h"
+#include "core/list_values.h"
+#include "core/text.h"
+#include "formats/list_files.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <array>
+
+namespace nmr {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Error Usage(std::string text)
+{
+    return Error{ErrorCode::bad_value, "nmr1d-cli", std::move(text)};
+}
+
+constexpr std::array<std::pair<std::string_view, BaseLineChoice>, 4> kBaseLines{
+    {{"off", BaseLineChoice::off},
+     {"auto", BaseLineChoice::automatic},
+     {"whittaker", BaseLineChoice::whittaker},
+     {"bernstein", BaseLineChoice::bernstein}}};
+
+constexpr std::array<std::pair<std::string_view, std::optional<double> PeakChoice::*>, 3> kLevels{
+    {{"noise", &PeakChoice::noise}, {"detect", &PeakChoice::detect}, {"base", &PeakChoice::base}}};
+constexpr std::array<std::pair<std::string_view, bool PeakChoice::*>, 2> kSwitches{
+    {{"negative", &PeakChoice::negative}, {"interpolate", &PeakChoice::interpolate}}};
+
+bool SetPeakWord(PeakChoice& choice, std::string_view key, const std::string& value)
+{
+    for (const auto& [name, member] : kLevels)
+        if (name == key) return (choice.*member = ParseNumber(value)).has_value();
+    for (const auto& [name, member] : kSwitches)
+        if (name == key) {
+            choice.*member = value == "on";
+            return value == "on" || value == "off";
+        }
+    return false;
+}
+
+void CorrectBaseLine(GlobalBlock& g, BaseLineChoice choice)
+{
+    DataSet& set = g.Slots[0];
+    if (choice == BaseLineChoice::off) return;
+    if (choice == BaseLineChoice::automatic) {
+        Auto_Base_Points(g, g.settings.average_point);
+        if (g.BasePoints.empty())
+            set.Warnings.emplace_back("No place for base points was found: no base line is taken.");
+        Subtract_Straight_Base_Line(g);
+    } else {
+        const auto row = set.spec.SourceRe[ShownRowIndex(g, set)].first(HeldPoints(set));
+        Subtract_Base_Line(g,
+                           choice == BaseLineChoice::whittaker ? Whittaker_Base_Line(row) : Bernstein_Base_Line(row));
+    }
+    set.spec.SourceRe = set.spec.DataRe;
+    set.par.BaseLineDone = 1;
+}
+
+void PickPeaks(GlobalBlock& g, const PeakChoice& choice)
+{
+    DataSet& set = g.Slots[0];
+    if (choice.base) Set_Base_Level(set, *choice.base);
+    if (choice.noise) Set_Noise_Level(set, *choice.noise);
+    if (choice.detect) Set_Detect_Level(set, *choice.detect);
+    set.Peaks.clear();
+    Peak_Pick(g, 0, set.par.POINT - 1);
+    if (choice.negative) Peak_Pick_Negative(g, 0, set.par.POINT - 1);
+}
+
+/// The index of each region of the options in the list, which is in order of position.
+std::vector<std::size_t> ListOrder(const DataSet& set, const AnalysisOptions& options)
+{
+    std::vector<std::size_t> order;
+    for (const auto& [a, b] : options.regions_ppm) {
+        const auto [low, high] = std::minmax({PpmToPoint(set, a), PpmToPoint(set, b)});
+        const auto found = std::ranges::find_if(set.Integrals, [&, low = low, high = high](const IntegralEntry& e) {
+            return e.StartPoint == high && e.EndPoint == low;
+        });
+        order.push_back(static_cast<std::size_t>(found - set.Integrals.begin()));
+    }
+    return order;
+}
+
+Status Integrate(GlobalBlock& g, const AnalysisOptions& options)
+{
+    DataSet& set = g.Slots[0];
+    Delete_All_Integrals(set);
+    for (const auto& [a, b] : options.regions_ppm)
+        if (Add_Integral(g, a, b) < 0) return Usage(fmt::format("there is no region {}:{} in the spectrum", a, b));
+    const auto order = ListOrder(set, options);
+    const auto reference = static_cast<std::size_t>(options.reference) - 1;
+    if (reference >= order.size()) return Usage(fmt::format("there is no region {} to relate to", options.reference));
+    Set_Integral_Reference(set, static_cast<std::int32_t>(order[reference]), options.reference_value);
+    return {};
+}
+
+Json PeakJson(const DataSet& set, std::size_t row, const PeakEntry& peak, bool interpolate)
+{
+    Json out = {{"ppm", PeakPpm(set, peak)},
+                {"hz", PeakHz(set, peak)},
+                {"height", PeakAmplitude(set, row, peak)},
+                {"height_percent", PeakHeightPercent(set, row, peak)},
+                {"point", PeakIndex(set, peak)}};
+    if (!interpolate) return out;
+    const PeakTop top = InterpolatedTop(set, row, peak);
+    out["top"] = {{"ppm", top.ppm}, {"hz", top.hz}, {"height", top.amplitude}};
+    return out;
+}
+
+Json IntegralJson(const DataSet& set, std::size_t index)
+{
+    const IntegralEntry& entry = set.Integrals[index];
+    const auto relative = ListedIntegral(set, index);
+    return {{"from_ppm", IntegralStartPpm(set, entry)},
+            {"to_ppm", IntegralEndPpm(set, entry)},
+            {"value", entry.Value},
+            {"relative", relative ? Json(*relative) : Json(nullptr)}};
+}
+
+template <class Parser, class Take>
+CLI::Option* AddText(CLI::App& app, const std::string& name, Parser parse, Take take, const std::string& help)
+{
+    return app
+        .add_option_function<std::string>(
+            name,
+            [parse, take](const std::string& text) {
+                auto value = parse(text);
+                if (!value) throw CLI::ValidationError(value.error().text);
+                take(*value);
+            },
+            help)
+        ->type_name("TEXT");
+}
+
+} // namespace
+
+Result<PeakChoice> ParsePeaks(const std::string& text)
+{
+    PeakChoice choice;
+    if (text.empty()) return choice;
+    for (const std::string& part : Split(text, ',')) {
+        const auto equals = part.find('=');
+        if (equals == std::string::npos || !SetPeakWord(choice, part.substr(0, equals), part.substr(equals + 1)))
+            return Usage(
+                "--peaks takes noise=, detect= and base= with a fraction of the highest point, negative=on and "
+                "interpolate=on, not \"" +
+                part + "\"");
+    }
+    return choice;
+}
+
+Result<std::vector<std::pair<double, double>>> ParseRegions(const std::string& text)
+{
+    std::vector<std::pair<double, double>> regions;
+    for (const std::string& part : Split(text, ',')) {
+        const auto range = ParseRange(part);
+        if (!range) return Usage("--integrate takes A:B[,A:B...] in ppm, not \"" + part + "\"");
+        regions.push_back(*range);
+    }
+    if (regions.size() > kMaxIntegrals)
+        return Usage(fmt::format("--integrate takes {} regions at most", kMaxIntegrals));
+    return regions;
+}
+
+Result<std::pair<std::int32_t, double>> ParseReferenceIntegral(const std::string& text)
+{
+    const auto equals = text.find('=');
+    const auto number = ParseInteger(text.substr(0, equals));
+    const auto value = equals == std::string::npos ? std::nullopt : ParseNumber(text.substr(equals + 1));
+    if (!number || !value || *number < 1 || *number > static_cast<std::int64_t>(kMaxIntegrals) || !(*value > 0))
+        return Usage("--ref-integral takes N=V, a region from 1 and a value above 0, not \"" + text + "\"");
+    return std::pair{static_cast<std::int32_t>(*number), *value};
+}
+
+void AddAnalysisOptions(CLI::App& app, AnalysisOptions& options)
+{
+    app.add_option_function<std::string>(
+           "--baseline",
+           [&](const std::string& text) {
+               for (const auto& [name, choice] : kBaseLines)
+                   if (name == text) options.base_line = choice;
+           },
+           "auto: straight lines between quiet places; whittaker or bernstein: smooth curves; off")
+        ->check(CLI::IsMember({"auto", "whittaker", "bernstein", "off"}));
+    AddText(
+        app, "--peaks", ParsePeaks, [&](const PeakChoice& choice) { options.peaks = choice; },
+        "picks peaks; [noise=..,detect=..,base=..] as fractions of the highest point, negative=on, interpolate=on")
+        ->expected(0, 1);
+    AddText(
+        app, "--integrate", ParseRegions, [&](const auto& regions) { options.regions_ppm = regions; },
+        "A:B[,A:B...] in ppm");
+    AddText(
+        app, "--ref-integral", ParseReferenceIntegral,
+        [&](const auto& pair) { std::tie(options.reference, options.reference_value) = pair; },
+        "N=V: region N counts V; 1=1 without it");
+}
+
+Status Analyse(GlobalBlock& g, const AnalysisOptions& options)
+{
+    if (HeldPoints(g.Slots[0]) == 0 || g.Slots[0].par.SMODE != 1) return {};
+    CorrectBaseLine(g, options.base_line);
+    if (options.peaks) PickPeaks(g, *options.peaks);
+    return options.regions_ppm.empty() ? Status() : Integrate(g, options);
+}
+
+void ReportAnalysis(const GlobalBlock& g, const AnalysisOptions& options, Json& report)
+{
+    const DataSet& set = g.Slots[0];
+    const std::size_t row = ShownRowIndex(g, set);
+    if (options.peaks) {
+        Json& peaks = report["peaks"] = Json::array();
+        for (const PeakEntry& peak : set.Peaks) peaks.push_back(PeakJson(set, row, peak, options.peaks->interpolate));
+    }
+    if (options.regions_ppm.empty()) return;
+    Json& integrals = report["integrals"] = Json::array();
+    for (const std::size_t index : ListOrder(set, options))
+        if (index < set.Integrals.size()) integrals.push_back(IntegralJson(set, index));
+}
+
+bool IsListExtension(std::string_view lower_case_extension)
+{
+    return lower_case_extension == ".red" || lower_case_extension == ".int" || lower_case_extension == ".ilist";
+}
+
+Status WriteList(const GlobalBlock& g, const std::string& path, std::string_view lower_case_extension)
+{
+    const ListUnit unit = ShownListUnit(g);
+    if (lower_case_extension == ".red") return WriteDataRed(path, g, unit);
+    return lower_case_extension == ".int" ? WriteDataInt(path, g, unit) : WriteDataIntList(path, g, unit);
+}
+
+} // namespace nmr

@@ -1,0 +1,310 @@
+// Layouts: one head, one line an entry, fields separated by a comma and a blank. Numbers go by patterns, so
+// that columns of old and new files agree to the digit.
+
+#include "formats/list_files.h"
+
+#include "core/file_layer.h"
+#include "core/list_values.h"
+#include "core/numbers.h"
+#include "core/text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace nmr {
+
+namespace {
+
+constexpr std::string_view kAmplitude = "######0.0###", kHeight = "####0.0##", kNumber = "####0";
+constexpr std::string_view kPosition = "#####0.0####";
+constexpr std::string_view kBaseWord = "#0.0#####";
+constexpr std::uint64_t kLongestList = 64U << 20;
+
+struct UnitRow {
+    std::string_view name;      ///< in the column heads
+    std::string_view frequency; ///< pattern of a peak's second position
+    std::string_view ends;      ///< pattern of a region's ends; empty: by nucleus
+    double from_hz;             ///< of the unit; 0: it is no frequency
+};
+constexpr std::array kUnits{UnitRow{"ppm", "######0.0###", "", 0.0}, UnitRow{"Hz", "######0.0###", "####0.00", 1.0},
+                            UnitRow{"kHz", "######0.0##", " ###0.000", 1e-3}};
+
+const UnitRow& RowOf(ListUnit unit)
+{
+    return kUnits.at(static_cast<std::size_t>(unit));
+}
+/// Peaks always have a frequency beside their ppm.
+const UnitRow& FrequencyRow(ListUnit unit)
+{
+    return RowOf(unit == ListUnit::khz ? ListUnit::khz : ListUnit::hz);
+}
+
+std::size_t ShownRow(const GlobalBlock& g)
+{
+    return static_cast<std::size_t>(std::max<std::int32_t>(g.CurrentRow, 0));
+}
+
+std::string Joined(const std::vector<std::string>& fields, std::string_view between = ", ")
+{
+    return fmt::format("{}", fmt::join(fields, between));
+}
+
+std::vector<std::string> PeakHeads(ListUnit unit)
+{
+    return {"No", "Position(ppm)", fmt::format("Frequency({})", FrequencyRow(unit).name), "Amplitude", "Height(%)"};
+}
+
+std::vector<std::string> PeakFields(const GlobalBlock& g, std::size_t index, ListUnit unit)
+{
+    const DataSet& set = g.Slots[0];
+    const PeakEntry& peak = set.Peaks[index];
+    const UnitRow& row = FrequencyRow(unit);
+    return {FormatNumber(kNumber, static_cast<double>(index + 1)), FormatNumber(kPosition, PeakPpm(set, peak)),
+            FormatNumber(row.frequency, PeakHz(set, peak) * row.from_hz),
+            FormatNumber(kAmplitude, PeakAmplitude(set, ShownRow(g), peak)),
+            FormatNumber(kHeight, PeakHeightPercent(set, ShownRow(g), peak))};
+}
+
+/// A comment of several lines would look like entries.
+std::string OneLine(std::string text)
+{
+    std::ranges::replace_if(
+        text, [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    return text;
+}
+
+std::string Head(const DataSet& set)
+{
+    return "File: " + set.par.FileName + "\r\nComment:  " + OneLine(set.par.COMNT) + "\r\n";
+}
+
+Status Write(const std::string& path, const std::string& text, std::string_view where)
+{
+    Status written = WriteWholeFile(path, text);
+    if (written) return written;
+    Error error = written.error();
+    error.where = where;
+    return error;
+}
+
+std::string IntegralText(const GlobalBlock& g, ListUnit unit)
+{
+    const DataSet& set = g.Slots[0];
+    const UnitRow& row = RowOf(unit);
+    const std::string_view by_nucleus = set.par.OBNUC == "1H" ? "##0.0000" : "#0.00000";
+    const auto end = [&](double ppm) {
+        return row.from_hz == 0.0 ? FormatNumber(by_nucleus, ppm)
+                                  : FormatNumber(row.ends, PpmToHz(set, ppm) * row.from_hz);
+    };
+    std::string text = Head(set);
+    text += Joined({"No", "Integral", fmt::format("Start({})", row.name), fmt::format("End({})", row.name), "B0/Ymax",
+                    "B1/Ymax"}) +
+            "\r\n";
+    for (std::size_t i = 0; i < set.Integrals.size(); ++i) {
+        const IntegralEntry& entry = set.Integrals[i];
+        const auto value = ListedIntegral(set, i);
+        text += Joined({FormatNumber("##0", static_cast<double>(i + 1)),
+                        value ? FormatNumber(" #####0.0", *value) : std::string(), end(IntegralStartPpm(set, entry)),
+                        end(IntegralEndPpm(set, entry)), FormatNumber(kBaseWord, ShortestDouble(entry.B0)),
+                        FormatNumber(kBaseWord, ShortestDouble(entry.B1))}) +
+                "\r\n";
+    }
+    return text;
+}
+
+Error ReadError(ErrorCode code, std::string_view where, std::string text)
+{
+    return {code, std::string(where), std::move(text)};
+}
+
+Result<std::vector<std::string>> ReadLines(const std::string& path, std::string_view where)
+{
+    auto bytes = ReadWholeFile(path, kLongestList);
+    if (!bytes) {
+        Error error = bytes.error();
+        error.where = where;
+        return error;
+    }
+    const std::string text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+    std::vector<std::string> lines = Split(text, '\n');
+    for (std::string& line : lines) line = std::string(Trim(line));
+    return lines;
+}
+
+/// The lines below the one that begins with "No,"; nothing when there is none.
+struct Table {
+    std::vector<std::string> heads;
+    std::vector<std::vector<std::string>> rows;
+};
+std::optional<Table> TableOf(const std::vector<std::string>& lines)
+{
+    Table table;
+    for (const std::string& line : lines) {
+        if (line.empty()) continue;
+        std::vector<std::string> fields = Split(line, ',');
+        for (std::string& field : fields) field = std::string(Trim(field));
+        if (!table.heads.empty())
+            table.rows.push_back(std::move(fields));
+        else if (fields[0] == "No")
+            table.heads = std::move(fields);
+    }
+    return table.heads.empty() ? std::nullopt : std::optional(std::move(table));
+}
+
+/// The numbers of a row from its second field on; nothing when one is none. An empty field counts as `empty`.
+std::optional<std::vector<double>> Numbers(const std::vector<std::string>& fields, std::size_t count)
+{
+    if (fields.size() < count + 1) return std::nullopt;
+    std::vector<double> numbers;
+    for (std::size_t i = 1; i <= count; ++i) {
+        const auto number = fields[i].empty() ? std::optional(0.0) : ParseNumber(fields[i]);
+        if (!number) return std::nullopt;
+        numbers.push_back(*number);
+    }
+    return numbers;
+}
+
+std::string BadLine(std::size_t number)
+{
+    return fmt::format("Entry {} of the list is no line of numbers.", number);
+}
+
+/// "1H" as "<sup>1</sup>H", "CDCl3" as "CDCl<sub>3</sub>".
+std::string WithDigitsIn(std::string_view text, std::string_view open, std::string_view close)
+{
+    std::string out;
+    bool inside = false;
+    for (const char c : text) {
+        const bool digit = c >= '0' && c <= '9';
+        if (digit != inside) out += digit ? open : close;
+        inside = digit;
+        if (c == '<' || c == '>' || c == '&')
+            out += c == '&' ? "&amp;" : c == '<' ? "&lt;" : "&gt;";
+        else
+            out += c;
+    }
+    return inside ? out + std::string(close) : out;
+}
+
+} // namespace
+
+ListUnit ShownListUnit(const GlobalBlock& g)
+{
+    return static_cast<ListUnit>(std::clamp(g.settings.axis_mode_ppm, 0, 2));
+}
+
+Status WriteDataRed(const std::string& path, const GlobalBlock& g, ListUnit unit)
+{
+    const DataSet& set = g.Slots[0];
+    std::string text = Head(set) + fmt::format("Data No.= {}\r\n", set.Peaks.size()) + Joined(PeakHeads(unit)) + "\r\n";
+    for (std::size_t i = 0; i < set.Peaks.size(); ++i) text += Joined(PeakFields(g, i, unit)) + "\r\n";
+    return Write(path, text, "WriteDataRed/1DDRW");
+}
+
+Status WriteDataRedAls(const std::string& path, const GlobalBlock& g)
+{
+    const DataSet& set = g.Slots[0];
+    const auto& par = set.par;
+    const auto seven = [](double value) { return FormatNumber("######0.0000000", value); };
+    double highest = 0;
+    for (const PeakEntry& peak : set.Peaks) highest = std::max(highest, PeakAmplitude(set, ShownRow(g), peak));
+    const double hz = set.spec.XAxis.size() < 2 ? 0.0 : PpmToHz(set, PointToPpm(set, 1) - PointToPpm(set, 0));
+    const double ppm = par.OBFRQ0PPM == 0.0 ? 0.0 : hz / par.OBFRQ0PPM;
+    std::string text = "NO.           PPM      INT(%)      FREQ(Hz)  POSITION  \r\n";
+    text += "PEAK  " + FormatNumber("######0", static_cast<double>(set.Peaks.size())) + "\r\n";
+    text += "MXINT " + seven(highest) + "\r\n";
+    text += "RESOL " + seven(std::abs(hz)) + " Hz\r\n";
+    text += "RESOL " + seven(std::abs(ppm)) + " PPM\r\n";
+    text += "EXREF " + seven(ShortestDouble(par.SMEXR)) + " PPM\r\n";
+    text += "ABOBS " + seven(par.ObsCenter * 1e3) + " kHz\r\n";
+    text += "NGAIN 1\r\n";
+    text += "COMNT  " + OneLine(par.COMNT) + "\r\n";
+    for (std::size_t i = 0; i < set.Peaks.size(); ++i) {
+        const PeakEntry& peak = set.Peaks[i];
+        text += fmt::format("{:>3}{:>15}{:>10}\r\n", FormatNumber("##0", static_cast<double>(i + 1)),
+                            FormatNumber("########0.00000", PeakPpm(set, peak)),
+                            FormatNumber("###0.00000", PeakHeightPercent(set, ShownRow(g), peak)));
+    }
+    return Write(path, text, "WriteDataRedAls/1DDRW");
+}
+
+Status WriteDataIntList(const std::string& path, const GlobalBlock& g, ListUnit unit)
+{
+    return Write(path, "List of Integral Intensity\r\n" + IntegralText(g, unit), "WriteDataIntList/1DDRW");
+}
+
+Status WriteDataInt(const std::string& path, const GlobalBlock& g, ListUnit unit)
+{
+    return Write(path, IntegralText(g, unit), "WriteDataInt/1DDRW");
+}
+
+Result<std::vector<ListedPeak>> ReadDataRed(const std::string& path)
+{
+    constexpr std::string_view kWhere = "ReadDataRed/1DDRW";
+    const auto lines = ReadLines(path, kWhere);
+    if (!lines) return lines.error();
+    const auto table = TableOf(*lines);
+    if (!table || table->heads.size() < 5 || !table->heads[2].starts_with("Frequency"))
+        return ReadError(ErrorCode::bad_format, kWhere, "This is no list of peaks.");
+    const double to_hz = table->heads[2] == "Frequency(kHz)" ? 1e3 : 1.0;
+    std::vector<ListedPeak> peaks;
+    for (const auto& fields : table->rows) {
+        const auto numbers = Numbers(fields, 4);
+        if (!numbers) return ReadError(ErrorCode::bad_format, kWhere, BadLine(peaks.size() + 1));
+        peaks.push_back({(*numbers)[0], (*numbers)[1] * to_hz, (*numbers)[2], (*numbers)[3]});
+    }
+    return peaks;
+}
+
+Result<IntegralListFile> ReadDataInt(const std::string& path)
+{
+    constexpr std::string_view kWhere = "ReadDataInt/1DDRW";
+    const auto lines = ReadLines(path, kWhere);
+    if (!lines) return lines.error();
+    const auto table = TableOf(*lines);
+    if (!table || table->heads.size() < 6 || table->heads[1] != "Integral")
+        return ReadError(ErrorCode::bad_format, kWhere, "This is no list of integrals.");
+    IntegralListFile file;
+    for (std::size_t i = 0; i < kUnits.size(); ++i)
+        if (table->heads[2] == fmt::format("Start({})", kUnits[i].name)) file.unit = static_cast<ListUnit>(i);
+    for (const auto& fields : table->rows) {
+        const auto n = Numbers(fields, 5);
+        if (!n) return ReadError(ErrorCode::bad_format, kWhere, BadLine(file.regions.size() + 1));
+        file.regions.push_back({!fields[1].empty(), (*n)[0], (*n)[1], (*n)[2], (*n)[3], (*n)[4]});
+    }
+    return file;
+}
+
+std::string PeakTable(const GlobalBlock& g, ListUnit unit)
+{
+    std::string text = Joined(PeakHeads(unit), "\t") + "\n";
+    for (std::size_t i = 0; i < g.Slots[0].Peaks.size(); ++i) text += Joined(PeakFields(g, i, unit), "\t") + "\n";
+    return text;
+}
+
+PaperText PeaksForPaper(const DataSet& set)
+{
+    std::vector<double> shifts;
+    for (const PeakEntry& peak : set.Peaks) shifts.push_back(PeakPpm(set, peak));
+    std::ranges::sort(shifts, std::greater{});
+    std::vector<std::string> texts;
+    const std::string_view pattern = set.par.OBNUC == "1H" ? "###0.00" : "###0.0";
+    for (const double shift : shifts) {
+        std::string text = FormatNumber(pattern, shift);
+        if (text.find_first_not_of("-0.") == std::string::npos) text.erase(0, text.starts_with('-') ? 1 : 0);
+        texts.push_back(std::move(text));
+    }
+    const std::string frequency = FormatNumber("#####0", set.par.ObsCenter) + " MHz";
+    const std::string solvent(Trim(set.par.SLVNT));
+    const std::string list = Joined(texts) + (texts.empty() ? "" : ".");
+    const auto build = [&](const std::string& nucleus, const std::string& in) {
+        return nucleus + " NMR (" + frequency + (in.empty() ? "" : ", " + in) + ") δ " + list;
+    };
+    return {build(set.par.OBNUC, solvent),
+            build(WithDigitsIn(set.par.OBNUC, "<sup>", "</sup>"), WithDigitsIn(solvent, "<sub>", "</sub>"))};
+}
+
+} // namespace nmr
