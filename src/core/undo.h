@@ -57,7 +57,6 @@ enum class UndoKind : std::int32_t {
     reset_color_region = 142,
     change_multi = 201,
     change_dept = 205,
-    inversion = 291,
     data_read = 5001,
 };
 /// Kinds of the point tool of the base line, on a stack of its own.

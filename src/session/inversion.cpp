@@ -81,7 +81,7 @@ Status Invert_Spectrum(GlobalBlock& g)
     const auto points = static_cast<Points>(std::max(set.par.POINT, 0));
     if (IsEmpty(set) || set.par.SMODE != 1 || set.spec.XAxis.size() < points)
         return Error{ErrorCode::bad_value, kWhere, "There is no spectrum"};
-    UndoStep step = g.Undo.Begin(g, static_cast<std::int32_t>(UndoKind::inversion));
+    UndoStep step = g.Undo.Begin(g, kInversionKind);
     const double about = MirrorPpm(set, points), old_first = set.spec.XAxis[0];
     for (RowArray<float>* rows : {&set.spec.DataRe, &set.spec.DataIm, &set.spec.SourceRe, &set.spec.SourceIm})
         Reverse(*rows, points);
