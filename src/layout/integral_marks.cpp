@@ -143,10 +143,12 @@ IntegralMarks MakeIntegralMarks(const DataSet& set, std::span<const float> row, 
 
 double IntegralRowHeight(Canvas& canvas, const IntegralMarks& marks)
 {
+    const auto longest =
+        std::ranges::max_element(marks.marks, {}, [](const IntegralMark& mark) { return mark.text.size(); });
+    if (longest == marks.marks.end() || longest->text.empty()) return 0;
     canvas.SetFont(marks.font);
-    double widest = 0;
-    for (const IntegralMark& mark : marks.marks) widest = std::max(widest, canvas.Measure(mark.text).width);
-    return widest > 0 ? widest + 3 * kBracket * canvas.Measure("X").height() : 0;
+    const double widest = canvas.Measure(longest->text).width;
+    return widest + 3 * kBracket * canvas.Measure("X").height();
 }
 
 void DrawIntegralMarks(Canvas& canvas, const PlotFrame& frame, const IntegralMarks& marks, std::span<const float> row,

@@ -116,10 +116,13 @@ PeakMarks MakePeakMarks(const DataSet& set, std::span<const float> row, const Se
 
 double PeakRowHeight(Canvas& canvas, const PeakMarks& marks)
 {
+    const auto longest =
+        std::ranges::max_element(marks.labels, {}, [](const PeakLabel& label) { return label.text.size(); });
+    if (longest == marks.labels.end() || longest->text.empty()) return 0;
+    // Digits are equally wide, so one label tells for all, in each paint.
     canvas.SetFont(marks.font);
-    double widest = 0;
-    for (const PeakLabel& label : marks.labels) widest = std::max(widest, canvas.Measure(label.text).width);
-    return widest > 0 ? widest + (kLeader + 2 * kGap) * canvas.Measure("X").height() : 0;
+    const double widest = canvas.Measure(longest->text).width;
+    return widest + (kLeader + 2 * kGap) * canvas.Measure("X").height();
 }
 
 void DrawPeakMarks(Canvas& canvas, const PlotFrame& frame, const PeakMarks& marks, double row_y)
