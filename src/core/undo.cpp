@@ -54,6 +54,7 @@ constexpr UndoKindRow kKinds[] = {
     {142, "UnDo(ReSet Color Region)", kUndoRegions},
     {201, "UnDo(Change Multi Specrum)", kUndoMulti},
     {205, "UnDo(Change DEPT Parameter)", kUndoDept},
+    {291, "UnDo(Inversion of Spectrum)", kData | kUndoReference | kUndoPeaks | kUndoIntegrals},
     {5001, "UnDo(Data Read/OverWrite) ", kUndoBackup},
 };
 

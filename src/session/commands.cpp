@@ -135,13 +135,6 @@ void m35_Click(Session& s)
     Refresh(s);
 }
 
-void m367_Click(Session& s)
-{
-    s.g.settings.display_grid = s.g.settings.display_grid != 0 ? 0 : 1;
-    s.g.SettingsChanged = true;
-    Refresh(s);
-}
-
 void m41_Click(Session& s)
 {
     s.asker.Message(

@@ -37,7 +37,6 @@ void m102_Click(Session& s);          ///< Delete History
 void m31_Click(Session& s);           ///< Display Area
 void m30_Click(Session& s);           ///< Set Grid
 void m35_Click(Session& s);           ///< Show All Data
-void m367_Click(Session& s);          ///< Grid
 void m41_Click(Session& s);           ///< Version
 void m20_Click(Session& s);           ///< UnDo
 void ReDo_Click(Session& s);          ///< ReDo

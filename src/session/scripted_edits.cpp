@@ -4,6 +4,7 @@
 #include "core/numbers.h"
 #include "core/state_image.h"
 #include "formats/tavo4.h"
+#include "session/display_commands.h"
 #include "session/forms.h"
 #include "session/menu.h"
 #include "session/read_flow.h"

@@ -24,7 +24,7 @@ namespace {
 
 using namespace forms;
 
-constexpr int kCsvFormWidth = 760;
+constexpr int kCsvFormWidth = 724; ///< inside its margins
 constexpr int kMostShownColumns = 12;
 constexpr int kMostHeadLines = 10000;
 
@@ -278,7 +278,7 @@ QComboBox* PointBox(QWidget* parent, int all)
 FormAnswer NMR1D_Form103_CSV(const FormRequest& request, QWidget* parent)
 {
     PlainForm form("Edit Parameter", parent);
-    form.setMinimumWidth(kCsvFormWidth);
+    form.column()->addStrut(kCsvFormWidth);
     form.AddText("Data of the parameter with * is required.");
     CsvEditor editor(form, CsvChoice(request.values));
     auto* foot = form.AddFoot("OK", "Cancel");

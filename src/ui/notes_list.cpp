@@ -34,7 +34,7 @@ QScrollArea* NoteArea(const std::vector<std::string>& notes, QWidget* parent)
     area->setWidgetResizable(true);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setWidget(page);
-    area->setFixedHeight(std::min(column->heightForWidth(kListWidth - 40) + 4, kMostHeight));
+    area->setFixedHeight(std::min(column->heightForWidth(kListWidth - 40) + 16, kMostHeight));
     return area;
 }
 

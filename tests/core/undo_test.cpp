@@ -324,7 +324,7 @@ TEST(Undo, EveryKindHasItsRow)
         EXPECT_NE(row.parts, 0U);
     }
     const std::set<std::int32_t> named{1,  2,  3,  4,  6,  8,  11, 16, 33, 51, 52, 53, 54,  55,  56,  57,  58,  59,
-                                       61, 62, 63, 64, 65, 66, 67, 68, 69, 71, 81, 91, 141, 142, 201, 205, 5001};
+                                       61, 62, 63, 64, 65, 66, 67, 68, 69, 71, 81, 91, 141, 142, 201, 205, 291, 5001};
     EXPECT_EQ(kinds, named);
     for (const ParamEditRow& row : ParamEditRows()) EXPECT_NE(FindParamByName(row.name), nullptr) << row.name;
 }

@@ -1,5 +1,6 @@
 #include "session/menu.h"
 
+#include "session/display_commands.h"
 #include "session/display_scope.h"
 #include "session/rig.h"
 
