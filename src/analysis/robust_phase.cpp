@@ -23,7 +23,8 @@ constexpr double kLargestPhase1 = 1080.0; ///< off what is known
 constexpr double kPhase1Step = 20.0;
 constexpr double kFarPenalty = 0.1; ///< of the cost, for each turn of first order off what is known
 constexpr double kFeetShare = 0.5;
-constexpr double kNoTurn = 1.0; ///< degrees that are not worth a change
+constexpr double kAsGood = 1.01; ///< cost of what is known beforehand, over that of the best
+constexpr double kNoTurn = 1.0;  ///< degrees that are not worth a change
 
 /// The points that carry lines, in runs of neighbours.
 struct Signal {
@@ -442,7 +443,10 @@ Rated Propose(const Judged& j, LineSigns signs)
         const Rated r = Refine(start.phases, 3.0, 15.0, 5, cost);
         if (r.cost < best.cost) best = r;
     }
-    return Refine(best.phases, 1.0, 5.0, 16, cost);
+    best = Refine(best.phases, 1.0, 5.0, 16, cost);
+    // A single line tells no first order: what is known beforehand stays unless the row says otherwise.
+    const Rated known = Refine({best.phases.p0, j.known_p1}, kAngleStep, 0.0, 12, cost);
+    return known.cost <= kAsGood * best.cost ? known : best;
 }
 
 Sums AllSums(const Signal& s, const Phases& p)
