@@ -62,7 +62,8 @@ void AddProcess(CLI::App& app, ProcessOptions& options)
         "each with trapezoid=on|off and trap1..trap4=%; or vendor");
     AddParsed(app, "--shift", ParseShift, options.shift, "points dropped at the start of the FID, or auto");
     AddParsed(app, "--phase", ParsePhase, options.phase,
-              "auto, off, vendor (what the files tell), or P0[,P1[,PIVOT]] in degrees and point");
+              "robust (as without it), auto (circle fit), off, vendor (what the files tell), or P0[,P1[,PIVOT]] in "
+              "degrees and point");
     AddReference(app, options.file_reference);
     AddRowAndBlock(app, options.row, options.block);
     AddParsed(app, "--range", ParseRange, options.range_ppm, "LEFT:RIGHT in ppm, for pictures and .csv");

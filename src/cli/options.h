@@ -40,8 +40,8 @@ struct WindowChoice {
 };
 
 struct PhaseChoice {
-    enum class Kind { automatic, off, given, vendor };
-    Kind kind = Kind::automatic;
+    enum class Kind { by_settings, automatic, robust, off, given, vendor };
+    Kind kind = Kind::by_settings;
     double p0_deg = 0, p1_deg = 0;
     std::optional<std::int32_t> pivot; ///< point index, as the JSON gives it
 };

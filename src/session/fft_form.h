@@ -37,6 +37,9 @@ public:
     void SetSecond(std::int32_t point); ///< "P2"
     void Command8();                    ///< "Auto"
     void Command7();                    ///< "Semi Auto"
+    void AutoRobust();                  ///< "Auto (robust)"
+    /// Of the last robust phase, percent; nothing when the present phases are others.
+    std::optional<double> quality() const { return quality_; }
     void SetRow(std::int16_t row);
     /// Check2 "Auto Phase correction": whether Command2_Click phases anew after each transform.
     bool auto_phase() const;
@@ -61,6 +64,8 @@ public:
     bool Close();
 
     std::int32_t points() const { return g_.Slots[0].par.POINT; }
+    /// First-order phase that the group delay leaves at the present shift; 0 when it tells none.
+    double known_phase1() const;
     /// The operator of the transform, who stands in FFTUser and the history; empty for the user of the run.
     void SetUser(const std::string& name) { user_ = name; }
     const std::string& user() const { return user_; }
@@ -71,6 +76,7 @@ public:
 private:
     Status StartOver();
     void RunAutoPhase(PhaseMode mode);
+    void PhaseAfterTransform();
     void RotateShownRow();
     void RecordTransform();
 
@@ -81,6 +87,7 @@ private:
     std::int32_t delay_shift_ = 0;
     std::string user_;
     ParamBlock opened_;                   // as the reader left it
+    std::optional<double> quality_;
     std::optional<bool> auto_phase_here_; // in place of the setting, for this FID
 };
 
