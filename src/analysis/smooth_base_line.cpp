@@ -21,21 +21,26 @@ double Median(std::vector<double> values)
     return *middle;
 }
 
-/// Deviation of the noise: the quiet quarter of many short pieces tells it, whatever lines there are.
+/// Deviation of the noise from a straight line in the quiet quarter of many short pieces. Not from point to
+/// point: in a zero-filled spectrum neighbours follow each other.
 double NoiseOf(std::span<const float> row)
 {
-    constexpr std::size_t kPieces = 64;
-    const std::size_t length = std::max<std::size_t>(row.size() / kPieces, 4);
+    constexpr std::size_t kPieces = 256, kShortest = 16;
+    const std::size_t length = std::max(row.size() / kPieces, std::min(row.size(), kShortest));
     std::vector<double> deviations;
     for (std::size_t from = 0; from + length <= row.size(); from += length) {
-        double sum = 0;
-        // Second differences: a slope or a gentle bend is no noise. Their variance is six times that of the noise.
-        for (std::size_t i = from + 1; i + 1 < from + length; ++i) {
-            const double d =
-                static_cast<double>(row[i - 1]) - 2.0 * static_cast<double>(row[i]) + static_cast<double>(row[i + 1]);
-            sum += d * d;
+        const double middle = 0.5 * static_cast<double>(length - 1), first = static_cast<double>(row[from]);
+        double sy = 0, sxy = 0, sxx = 0, syy = 0;
+        for (std::size_t i = 0; i < length; ++i) {
+            const double x = static_cast<double>(i) - middle, y = static_cast<double>(row[from + i]) - first;
+            sy += y;
+            sxy += x * y;
+            sxx += x * x;
+            syy += y * y;
         }
-        deviations.push_back(std::sqrt(sum / (6.0 * static_cast<double>(length - 2))));
+        const auto count = static_cast<double>(length);
+        const double rest = syy - sy * sy / count - (sxx > 0.0 ? sxy * sxy / sxx : 0.0);
+        deviations.push_back(std::sqrt(std::max(rest, 0.0) / count));
     }
     if (deviations.empty()) return 0.0;
     std::ranges::sort(deviations);

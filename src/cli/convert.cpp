@@ -91,6 +91,7 @@ Exit RunConvert(const ConvertOptions& options)
     }
     Run run;
     run.asker.SetTableValues(options.table);
+    run.asker.SetBlock(options.block);
     run.g->settings.ref_initital = options.file_reference ? 1 : 0;
     const Status read = Read_Path(run.session, options.in, run.type);
     TellWarnings(run, options.in, read ? std::string_view() : std::string_view(read.error().text));
@@ -98,11 +99,7 @@ Exit RunConvert(const ConvertOptions& options)
         Complain(options.in, read.error().text);
         return ExitFor(read.error().code);
     }
-    if (options.row > run.g->Slots[0].RowCount) {
-        Complain(options.in,
-                 fmt::format("there is no row {}, the data have {}", options.row, run.g->Slots[0].RowCount));
-        return Exit::bad_parameters;
-    }
+    if (!HasRowAndBlock(run, options.in, options.row)) return Exit::bad_parameters;
     run.g->CurrentRow = static_cast<std::int16_t>(options.row - 1);
     if (const Status written = writer->write(run.session, options); !written) {
         Complain(options.out, written.error().text);

@@ -137,17 +137,22 @@ Result<std::optional<std::int32_t>> ParseShift(const std::string& text)
 Result<PhaseChoice> ParsePhase(const std::string& text)
 {
     PhaseChoice choice;
-    if (text == "auto") return choice;
-    if (text == "off" || text == "vendor") {
-        choice.kind = text == "off" ? PhaseChoice::Kind::off : PhaseChoice::Kind::vendor;
-        return choice;
-    }
+    constexpr std::array<std::pair<std::string_view, PhaseChoice::Kind>, 4> kNames{
+        {{"auto", PhaseChoice::Kind::automatic},
+         {"robust", PhaseChoice::Kind::robust},
+         {"off", PhaseChoice::Kind::off},
+         {"vendor", PhaseChoice::Kind::vendor}}};
+    for (const auto& [name, kind] : kNames)
+        if (text == name) {
+            choice.kind = kind;
+            return choice;
+        }
     const auto parts = Split(text, ',');
     const auto p0 = ParseNumber(parts.at(0));
     const auto p1 = parts.size() > 1 ? ParseNumber(parts[1]) : 0.0;
     const auto pivot = parts.size() > 2 ? Int32(parts[2]) : std::optional<std::int32_t>(0);
     if (!p0 || !p1 || !pivot || parts.size() > 3)
-        return Usage("--phase takes auto, off, vendor or P0[,P1[,PIVOT]], not \"" + text + "\"");
+        return Usage("--phase takes auto, robust, off, vendor or P0[,P1[,PIVOT]], not \"" + text + "\"");
     choice.kind = PhaseChoice::Kind::given;
     choice.p0_deg = *p0;
     choice.p1_deg = *p1;

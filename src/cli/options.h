@@ -40,8 +40,8 @@ struct WindowChoice {
 };
 
 struct PhaseChoice {
-    enum class Kind { automatic, off, given, vendor };
-    Kind kind = Kind::automatic;
+    enum class Kind { by_settings, automatic, robust, off, given, vendor };
+    Kind kind = Kind::by_settings;
     double p0_deg = 0, p1_deg = 0;
     std::optional<std::int32_t> pivot; ///< point index, as the JSON gives it
 };
@@ -57,6 +57,7 @@ struct ProcessOptions {
     PhaseChoice phase;
     bool file_reference = true;
     std::int32_t row = 1;                               ///< from 1
+    std::optional<int> block;                           ///< of a file of several data sets, from 1
     std::optional<std::pair<double, double>> range_ppm; ///< left, right
     std::vector<std::string> outputs;
     bool json = false;

@@ -72,9 +72,14 @@ void ApplyVendorPhase(FftForm& form, bool shift_given)
     static_cast<void>(form.WindowChanged());
 }
 
+bool IsAutomatic(const PhaseChoice& choice)
+{
+    return choice.kind <= PhaseChoice::Kind::robust;
+}
+
 void ApplyPhase(FftForm& form, const PhaseChoice& choice, bool shift_given)
 {
-    if (choice.kind == PhaseChoice::Kind::automatic) return;
+    if (IsAutomatic(choice)) return;
     if (choice.kind == PhaseChoice::Kind::vendor) return ApplyVendorPhase(form, shift_given);
     GlobalBlock& g = form.block();
     form.SetAutoPhase(false);
@@ -86,7 +91,7 @@ void ApplyPhase(FftForm& form, const PhaseChoice& choice, bool shift_given)
 Status ApplyOptions(FftForm& form, const ProcessOptions& options)
 {
     const GlobalBlock& g = form.block();
-    form.SetAutoPhase(options.phase.kind == PhaseChoice::Kind::automatic);
+    form.SetAutoPhase(IsAutomatic(options.phase));
     if (options.zero_fill.kind != ZeroFill::Kind::by_settings) {
         const auto factor = PowerOfTwoFactor(options.zero_fill, g.Slots[0].par.FIDPointsRaw);
         if (const Status status = form.SetZeroFill(factor); !status) return status;
@@ -136,7 +141,7 @@ struct ScriptedTransform {
         if (row != g.CurrentRow && row < g.Slots[0].RowCount) form.SetRow(row);
         status = ApplyOptions(form, options);
         if (!status) return "CANCEL";
-        used = {true, static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), g.PivotPoint};
+        used = {true, static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), g.PivotPoint, form.quality()};
         status = form.Command3();
         return status ? "OK" : "CANCEL";
     }
@@ -193,18 +198,16 @@ Exit RunProcess(const ProcessOptions& options)
     }
     Run run;
     run.asker.SetTableValues(options.table);
+    run.asker.SetBlock(options.block);
+    if (options.phase.kind == PhaseChoice::Kind::automatic) run.g->settings.robust_phase = 0;
+    if (options.phase.kind == PhaseChoice::Kind::robust) run.g->settings.robust_phase = 1;
     run.g->settings.ref_initital = options.file_reference ? 1 : 0;
     ScriptedTransform transform{options, {}, {}};
     run.session.run_fft_form = [&](FftForm& form) { return transform(form); };
     const Status status = Read_Path(run.session, options.path, run.type);
     if (!transform.status) return Refuse(run, options.path, transform.status.error(), options.json);
     if (!status) return Refuse(run, options.path, status.error(), options.json);
-    if (options.row > run.g->Slots[0].RowCount) {
-        Complain(options.path,
-                 fmt::format("there is no row {}, the data have {}", options.row, run.g->Slots[0].RowCount));
-        return Exit::bad_parameters;
-    }
-    run.g->CurrentRow = static_cast<std::int16_t>(options.row - 1);
+    if (!HasRowAndBlock(run, options.path, options.row)) return Exit::bad_parameters;
     if (const Status done = Analyse(*run.g, options.analysis); !done) {
         Complain(options.path, done.error().text);
         return Exit::bad_parameters;

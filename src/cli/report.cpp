@@ -113,6 +113,7 @@ Json Report(const GlobalBlock& g, const FileType& type, const std::string& file,
     if (par.SMODE == 1 && par.POINT > 0 && row < static_cast<std::size_t>(set.RowCount)) AddSpectrum(out, set, row);
     if (par.SMODE == 0 || used.done) out["fid_shift"] = par.FIDShift;
     if (used.done) out["phase"] = {{"p0_deg", used.p0_deg}, {"p1_deg", used.p1_deg}, {"pivot", used.pivot}};
+    if (used.quality) out["phase"]["quality"] = Number(*used.quality);
     out["params"] = Params(par);
     Json all = set.Warnings;
     for (const std::string& warning : warnings) all.push_back(warning);

@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ struct TransformUsed {
     bool done = false;
     double p0_deg = 0, p1_deg = 0;
     std::int32_t pivot = 0;
+    std::optional<double> quality{}; ///< of the robust automatic phase, percent
 };
 
 /// The object of `info` and `process` for slot 0. `row` is from 0.

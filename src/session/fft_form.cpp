@@ -1,5 +1,6 @@
 #include "session/fft_form.h"
 
+#include "analysis/robust_phase.h"
 #include "core/error_report.h"
 #include "core/history.h"
 #include "core/log.h"
@@ -35,9 +36,16 @@ void CopyRows(const RowArray<float>& from, RowArray<float>& to, std::int32_t poi
 Status FftForm::Open()
 {
     user_ = OfferedOperator(g_);
-    const bool as_vendor = g_.settings.vendor_start == 1;
+    opened_ = g_.Slots[0].par;
+    return StartOver();
+}
+
+Status FftForm::StartOver()
+{
+    const bool as_vendor = vendor_start();
     if (!as_vendor || !TakeVendorSize()) Auto_ZeroFill(g_, 0);
     if (Status loaded = Load_FID_Work(g_); !loaded) return loaded;
+    auto_phase_here_.reset();
     // Behind the fill, which changes where zero frequency stands.
     Set_Initial_Shift(g_);
     delay_phase1_deg_ = g_.Phase1Deg;
@@ -55,25 +63,44 @@ void FftForm::Command2_Click()
 {
     FFT_Preview(g_, g_.Slots[0].par.FIDShift);
     if (auto_phase())
-        RunAutoPhase(PhaseMode::full);
+        PhaseAfterTransform();
     else
         RotateShownRow();
 }
 
+void FftForm::PhaseAfterTransform()
+{
+    if (g_.settings.robust_phase == 1)
+        AutoRobust();
+    else
+        RunAutoPhase(PhaseMode::full);
+}
+
+void FftForm::AutoRobust()
+{
+    quality_ = Auto_Phase_Robust(g_, points(), known_phase1());
+}
+
 void FftForm::RotateShownRow()
 {
+    quality_.reset();
     Phase_Apply(g_, g_.Phase0Deg, g_.Phase1Deg, points());
 }
 
 void FftForm::RunAutoPhase(PhaseMode mode)
 {
+    quality_.reset();
     Auto_Phase(g_, mode, points());
     // A single line tells no first order. What the group delay is known to leave is then better than
     // nothing; it turns about the pivot, so the line that was phased stays as it is.
-    const bool delay_applies = delay_phase1_deg_ != 0.0F && g_.Slots[0].par.FIDShift == delay_shift_;
-    if (g_.Phase1Deg != 0.0F || !delay_applies) return;
-    g_.Phase1Deg = delay_phase1_deg_;
+    if (g_.Phase1Deg != 0.0F || known_phase1() == 0.0) return;
+    g_.Phase1Deg = static_cast<float>(known_phase1());
     RotateShownRow();
+}
+
+double FftForm::known_phase1() const
+{
+    return g_.Slots[0].par.FIDShift == delay_shift_ ? static_cast<double>(delay_phase1_deg_) : 0.0;
 }
 
 Status FftForm::Command1()

@@ -37,6 +37,9 @@ public:
     void SetSecond(std::int32_t point); ///< "P2"
     void Command8();                    ///< "Auto"
     void Command7();                    ///< "Semi Auto"
+    void AutoRobust();                  ///< "Auto (robust)"
+    /// Of the last robust phase, percent; nothing when the present phases are others.
+    std::optional<double> quality() const { return quality_; }
     void SetRow(std::int16_t row);
     /// Check2 "Auto Phase correction": whether Command2_Click phases anew after each transform.
     bool auto_phase() const;
@@ -48,6 +51,11 @@ public:
     bool TakeVendorWindow();
     bool TakeVendorShift();
     bool TakeVendorPhase(); ///< for the present shift; automatic phasing is off from then on
+    /// Whether Open takes them, and whether this FID has any.
+    bool vendor_start() const { return g_.settings.vendor_start == 1; }
+    bool has_vendor_values() const;
+    /// Changes the setting and starts the form over with it: fill, window, shift and phase.
+    Status SetVendorStart(bool on);
 
     /// "Complete": commits all rows. DialogResult becomes "OK".
     Status Command3(const std::function<void(int)>& progress = {});
@@ -56,6 +64,8 @@ public:
     bool Close();
 
     std::int32_t points() const { return g_.Slots[0].par.POINT; }
+    /// First-order phase that the group delay leaves at the present shift; 0 when it tells none.
+    double known_phase1() const;
     /// The operator of the transform, who stands in FFTUser and the history; empty for the user of the run.
     void SetUser(const std::string& name) { user_ = name; }
     const std::string& user() const { return user_; }
@@ -64,7 +74,9 @@ public:
     Asker& asker() { return asker_; }
 
 private:
+    Status StartOver();
     void RunAutoPhase(PhaseMode mode);
+    void PhaseAfterTransform();
     void RotateShownRow();
     void RecordTransform();
 
@@ -74,6 +86,8 @@ private:
     float delay_phase1_deg_ = 0.0F;
     std::int32_t delay_shift_ = 0;
     std::string user_;
+    ParamBlock opened_; // as the reader left it
+    std::optional<double> quality_;
     std::optional<bool> auto_phase_here_; // in place of the setting, for this FID
 };
 

@@ -33,8 +33,8 @@ namespace {
 constexpr char kWhere[] = "NMR1D_m11_Click/1DF1";
 constexpr int kFileNotFound = 53; // run-time error number
 constexpr float kReadYFill = 0.95F;
-constexpr int kBrukerDirectory = 4;
-constexpr std::int32_t kBrukerFid = 4100;
+constexpr int kBrukerDirectory = 4, kBrukerFlat = 8;
+constexpr std::int16_t kSequential = 3; // AcqMode
 constexpr int kVarian = 6;
 // The two native families carry their own display range.
 constexpr int kNativeVer3 = 11;
@@ -112,15 +112,6 @@ Error KindError(const FileType& type)
     return {ErrorCode::not_nmr, kWhere, "No NMR data that this program knows"};
 }
 
-/// The code and tag of the family's FIDs for a file of rows.
-FileType AsArray(FileType type)
-{
-    type.code = kBrukerFid;
-    type.tag = "BRU1";
-    if (type.mode.starts_with("2D")) type.mode[0] = '1';
-    return type;
-}
-
 struct Candidate {
     FileType type;
     const FormatRow* row = nullptr;
@@ -137,7 +128,7 @@ Result<Candidate> Inspect(Session& s, const std::string& path, FileType& detecte
     Candidate found;
     found.type = detected = detect(path, s.asker, s.g.nuclides);
     // Rows measured along a list of values are an array, though the file is that of a plane.
-    if (IsTwoDimensional(found.type.code) && IsBrukerArray(found.type)) found.type = AsArray(found.type);
+    if (IsRowArray(found.type)) found.type = detected = AsRowArray(found.type);
     s.g.DataKind = found.type.code;
     if (!IsOneDimensional(found.type.code)) return KindError(found.type);
     s.g.FormatIndex = FamilyOf(found.type.code);
@@ -271,6 +262,8 @@ Status PrepareFid(GlobalBlock& g, const FormatRow& row)
 {
     DataSet& set = g.Slots[0];
     if (Status padded = PadToPowerOfTwo(g); !padded) return padded;
+    const bool is_bruker = row.family == kBrukerDirectory || row.family == kBrukerFlat;
+    if (is_bruker && set.par.AcqMode == kSequential) AlignSequential(g);
     ApplySense(set, row.sense);
     SortRows(set, SortOf(g));
     set.par.DataVersion = FormatNumber("###0.00", set.par.ObsCenter * 20.0);
@@ -370,6 +363,7 @@ Status ReadCandidate(Session& s, const Candidate& found)
     if (!IsNative(g.FormatIndex)) Set_Display_Range(g);
     RememberFile(s, found);
     Refresh(s);
+    if (s.notes_of_read) s.notes_of_read(g.Slots[0].Warnings);
     return {};
 }
 
@@ -432,6 +426,12 @@ Status NMR1D_m112_Click(Session& s)
     }
 }
 
+std::string NotesLine(const std::vector<std::string>& notes)
+{
+    if (notes.empty()) return {};
+    return fmt::format("{} {} on reading: {}", notes.size(), notes.size() == 1 ? "note" : "notes", notes.front());
+}
+
 void ShowFileTitle(const Session& s, const std::string& file)
 {
     if (s.set_title) s.set_title(WindowTitle(file));
@@ -488,6 +488,7 @@ bool ConfirmDeleteMulti(Session& s, MultiState state, MultiSpectra* deleted)
 
 void Set_Display_Range(GlobalBlock& g)
 {
+    TakeTickPreset(g);
     const ShownRange preset = GetPreset(g.settings, NucleusGroup(g.Slots[0].par.OBNUC), 1, XUnit::ppm);
     const ShownRange axis = AxisEnds(g.Slots[0]);
     // A preset beside the data would show an empty plot.

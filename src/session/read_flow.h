@@ -45,10 +45,13 @@ bool IsFileInUse(const GlobalBlock& g, const std::string& path);
 /// Writes the path of the open data file as the only line of WorkFile; an empty one gives the file up.
 void ClaimFile(const GlobalBlock& g, const std::string& path);
 
+/// "3 notes on reading: " and the first of them, for one line; empty without any.
+std::string NotesLine(const std::vector<std::string>& notes);
+
 /// Window title with the file that is open.
 void ShowFileTitle(const Session& s, const std::string& file);
 
-/// Shown range after a read: the preset group of the nucleus.
+/// Shown range and divisions of the axis after a read: those of the nucleus.
 void Set_Display_Range(GlobalBlock& g);
 /// The whole axis.
 void Show_All_Data(GlobalBlock& g);

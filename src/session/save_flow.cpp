@@ -93,6 +93,7 @@ void RememberSaved(Session& s, const fs::path& file, std::int16_t slot)
     GlobalBlock& g = s.g;
     MarkSaved(g, slot);
     RememberFolder(g, FolderGroup::save, file);
+    if (slot == 0) g.Undo.NoteSaved();
     AddRecentFile(g, file.string());
     if (slot == 0) ShowFileTitle(s, file.string());
     WriteLog(g, s.asker, kLogSave, file.string());

@@ -3,7 +3,7 @@
 
 #include "core/file_hash.h"
 #include "core/history.h"
-#include "formats/vendor_samples.h"
+#include "samples/vendor_samples.h"
 #include "session/ascii_commands.h"
 #include "session/menu.h"
 #include "session/rig.h"

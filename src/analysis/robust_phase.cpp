@@ -1,0 +1,576 @@
+#include "analysis/robust_phase.h"
+
+#include "analysis/phase.h"
+#include "core/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+namespace nmr {
+
+namespace {
+
+constexpr double kRadians = std::numbers::pi / 180.0;
+constexpr std::size_t kMostPoints = 12288; ///< points looked at
+constexpr std::size_t kRun = 64;           ///< points that share one rotation
+constexpr std::size_t kLanes = 8;
+constexpr int kAngles = 120; ///< of the table of a block, over a full turn
+constexpr double kAngleStep = 360.0 / kAngles;
+constexpr double kLargestPhase1 = 1080.0; ///< off what is known
+constexpr double kPhase1Step = 20.0;
+constexpr double kFarPenalty = 0.1; ///< of the cost, for each turn of first order off what is known
+constexpr double kFeetShare = 0.5;
+constexpr double kAsGood = 1.01; ///< cost of what is known beforehand, over that of the best
+constexpr double kNoTurn = 1.0;  ///< degrees that are not worth a change
+
+/// The points that carry lines, in runs of neighbours.
+struct Signal {
+    std::vector<float> re, im;
+    struct Run {
+        std::size_t first, count; ///< in re and im
+        double position;          ///< of its middle, share of the row from the middle of all signal
+        float weight;
+    };
+    std::vector<Run> runs;
+    double center = 0; ///< point about which the phases turn here
+    double size = 0;   ///< weighted sum of magnitudes
+};
+
+struct Phases {
+    double p0 = 0, p1 = 0; ///< degrees; first order over the whole row, about Signal::center
+};
+
+double LowerQuartile(std::vector<double> values)
+{
+    if (values.empty()) return 0.0;
+    const auto at = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 4);
+    std::ranges::nth_element(values, at);
+    return *at;
+}
+
+std::vector<float> Magnitudes(std::span<const float> re, std::span<const float> im)
+{
+    std::vector<float> m(re.size());
+    for (std::size_t i = 0; i < m.size(); ++i) m[i] = std::sqrt(re[i] * re[i] + im[i] * im[i]);
+    return m;
+}
+
+double NoiseOf(std::span<const float> magnitude)
+{
+    const std::size_t length = std::max<std::size_t>(magnitude.size() / 128, 1);
+    std::vector<double> means;
+    for (std::size_t from = 0; from + length <= magnitude.size(); from += length) {
+        double sum = 0;
+        for (std::size_t i = from; i < from + length; ++i) sum += static_cast<double>(magnitude[i]);
+        means.push_back(sum / static_cast<double>(length));
+    }
+    return LowerQuartile(std::move(means));
+}
+
+/// Spectra with much noise are smoothed first, evenly to both sides, which turns no line.
+struct Smoothed {
+    std::vector<float> re, im, magnitude;
+    double noise = 0;
+    float top = 0;
+};
+
+void Take(Smoothed& s)
+{
+    s.magnitude = Magnitudes(s.re, s.im);
+    s.noise = NoiseOf(s.magnitude);
+    s.top = *std::ranges::max_element(s.magnitude);
+}
+
+void SmoothOnce(std::vector<float>& row, std::size_t reach)
+{
+    const std::vector<float> from = row;
+    for (std::size_t i = reach; i + reach < row.size(); ++i)
+        row[i] = 0.25F * from[i - reach] + 0.5F * from[i] + 0.25F * from[i + reach];
+}
+
+Smoothed SmoothToNoise(std::span<const float> re, std::span<const float> im)
+{
+    constexpr double kQuiet = 150.0;
+    Smoothed best{{re.begin(), re.end()}, {im.begin(), im.end()}, {}, 0, 0};
+    Take(best);
+    for (std::size_t reach = 1; reach <= 8; reach *= 2) {
+        if (!(best.noise > 0.0) || static_cast<double>(best.top) > kQuiet * best.noise) break;
+        Smoothed next = best;
+        for (auto* row : {&next.re, &next.im}) SmoothOnce(*row, reach);
+        Take(next);
+        // As long as lines lose less height than the noise does.
+        if (static_cast<double>(next.top) * best.noise <= 1.05 * static_cast<double>(best.top) * next.noise) break;
+        best = std::move(next);
+    }
+    return best;
+}
+
+/// Lowest height that counts.
+float Threshold(const Smoothed& row)
+{
+    const auto top = static_cast<double>(row.top);
+    return static_cast<float>(std::max(std::min(4.0 * row.noise, 0.4 * top), 0.004 * top));
+}
+
+std::size_t CountAbove(const Smoothed& row, float threshold)
+{
+    return static_cast<std::size_t>(std::ranges::count_if(row.magnitude, [&](float m) { return m > threshold; }));
+}
+
+/// Every second point as the mean of two; an odd one at the end falls away.
+void Halve(std::vector<float>& row)
+{
+    for (std::size_t i = 0; 2 * i + 1 < row.size(); ++i) row[i] = 0.5F * (row[2 * i] + row[2 * i + 1]);
+    row.resize(row.size() / 2);
+}
+
+/// Halves a row of broad lines until it has few enough points of signal; how many points became one.
+std::size_t Thin(Smoothed& row)
+{
+    std::size_t factor = 1;
+    while (row.re.size() > 4096 && CountAbove(row, Threshold(row)) > kMostPoints) {
+        Smoothed next = row;
+        Halve(next.re);
+        Halve(next.im);
+        Take(next);
+        if (next.top < 0.98F * row.top) break;
+        row = std::move(next);
+        factor *= 2;
+    }
+    return factor;
+}
+
+void AddRun(Signal& s, std::span<const float> re, std::span<const float> im, std::size_t from, std::size_t to)
+{
+    s.runs.push_back({s.re.size(), to - from, static_cast<double>(from + to - 1) / 2.0, 1.0F});
+    s.re.insert(s.re.end(), re.begin() + static_cast<std::ptrdiff_t>(from),
+                re.begin() + static_cast<std::ptrdiff_t>(to));
+    s.im.insert(s.im.end(), im.begin() + static_cast<std::ptrdiff_t>(from),
+                im.begin() + static_cast<std::ptrdiff_t>(to));
+}
+
+/// One line far above all others (solvent) must not decide alone: groups of neighbouring runs weigh by a power of their
+/// size.
+void WeighRuns(Signal& s, std::size_t n)
+{
+    std::vector<double> size;
+    for (const Signal::Run& run : s.runs) {
+        double sum = 0;
+        for (std::size_t i = run.first; i < run.first + run.count; ++i)
+            sum += static_cast<double>(std::hypot(s.re[i], s.im[i]));
+        size.push_back(sum);
+    }
+    const double near = static_cast<double>(n) / 200.0;
+    for (std::size_t a = 0; a < s.runs.size();) {
+        std::size_t b = a + 1;
+        double sum = size[a];
+        while (b < s.runs.size() && s.runs[b].position - s.runs[b - 1].position < 2.0 * kRun &&
+               s.runs[b].position - s.runs[a].position < near)
+            sum += size[b++];
+        const double weight = std::pow(sum, -0.4);
+        for (; a < b; ++a) s.runs[a].weight = static_cast<float>(weight);
+    }
+    double total = 0, moment = 0;
+    for (std::size_t k = 0; k < s.runs.size(); ++k) {
+        const double part = size[k] * static_cast<double>(s.runs[k].weight);
+        total += part;
+        moment += part * s.runs[k].position;
+    }
+    s.size = total;
+    s.center = total > 0 ? moment / total : 0.0;
+    for (Signal::Run& run : s.runs) run.position = (run.position - s.center) / static_cast<double>(n);
+}
+
+Signal SignalOf(const Smoothed& row)
+{
+    Signal s;
+    const std::size_t n = row.re.size();
+    float threshold = Threshold(row);
+    while (CountAbove(row, threshold) > kMostPoints) threshold *= 1.4F;
+    for (std::size_t i = 0; i < n;) {
+        if (!(row.magnitude[i] > threshold)) {
+            ++i;
+            continue;
+        }
+        std::size_t to = i;
+        while (to < n && to - i < kRun && row.magnitude[to] > threshold) ++to;
+        AddRun(s, row.re, row.im, i, to);
+        i = to;
+    }
+    WeighRuns(s, n);
+    return s;
+}
+
+/// Sums of a run's real part turned by an angle: absolute, and as it is.
+struct Sums {
+    double absolute = 0, plain = 0;
+};
+Sums SumsAt(const Signal& s, const Signal::Run& run, double degrees)
+{
+    const auto c = static_cast<float>(std::cos(degrees * kRadians)),
+               d = static_cast<float>(std::sin(degrees * kRadians));
+    const float *re = s.re.data() + run.first, *im = s.im.data() + run.first;
+    std::array<float, kLanes> absolute{}, plain{};
+    std::size_t i = 0;
+    for (; i + kLanes <= run.count; i += kLanes)
+        for (std::size_t k = 0; k < kLanes; ++k) {
+            const float x = c * re[i + k] - d * im[i + k];
+            plain[k] += x;
+            absolute[k] += std::fabs(x);
+        }
+    Sums sums;
+    for (; i < run.count; ++i) {
+        const float x = c * re[i] - d * im[i];
+        sums.plain += static_cast<double>(x);
+        sums.absolute += static_cast<double>(std::fabs(x));
+    }
+    for (std::size_t k = 0; k < kLanes; ++k) {
+        sums.plain += static_cast<double>(plain[k]);
+        sums.absolute += static_cast<double>(absolute[k]);
+    }
+    return sums;
+}
+
+double AngleAt(const Signal::Run& run, const Phases& p)
+{
+    return p.p0 + p.p1 * run.position;
+}
+
+/// Share of the signal that the real part shows; with `same`, negative parts count twice more. Small is good.
+double AbsoluteCost(const Signal& s, const Phases& p, bool same)
+{
+    double cost = 0;
+    for (const Signal::Run& run : s.runs) {
+        const Sums sums = SumsAt(s, run, AngleAt(run, p));
+        const double negative = sums.absolute - sums.plain;
+        cost += static_cast<double>(run.weight) * (sums.absolute + (same ? negative : 0.0));
+    }
+    return cost / s.size;
+}
+
+/// Difference between the two feet of a line. In phase, only the dispersion has one: it is then imaginary. A base
+/// line that rolls slowly hardly tells on it.
+struct Feet {
+    double position, weight, angle_deg;
+};
+
+std::vector<Feet> FeetOf(const Smoothed& row, double center)
+{
+    constexpr std::size_t kMostLines = 60;
+    const std::size_t n = row.re.size();
+    std::vector<std::size_t> tops;
+    const auto least = static_cast<float>(std::max(0.02 * static_cast<double>(row.top), 8.0 * row.noise));
+    for (std::size_t i = 1; i + 1 < n; ++i)
+        if (row.magnitude[i] > least && row.magnitude[i] >= row.magnitude[i - 1] &&
+            row.magnitude[i] > row.magnitude[i + 1])
+            tops.push_back(i);
+    std::ranges::sort(tops, [&](std::size_t a, std::size_t b) { return row.magnitude[a] > row.magnitude[b]; });
+    if (tops.size() > kMostLines) tops.resize(kMostLines);
+    std::vector<Feet> feet;
+    for (const std::size_t i : tops) {
+        std::size_t width = 1; // half, at half height
+        while (width < n / 16 && i >= width && i + width < n &&
+               std::max(row.magnitude[i - width], row.magnitude[i + width]) > 0.5F * row.magnitude[i])
+            ++width;
+        const std::size_t near = 2 * width, far = 5 * width;
+        if (i < far || i + far >= n) continue;
+        double re = 0, im = 0;
+        for (std::size_t k = near; k <= far; ++k) {
+            re += static_cast<double>(row.re[i + k]) - static_cast<double>(row.re[i - k]);
+            im += static_cast<double>(row.im[i + k]) - static_cast<double>(row.im[i - k]);
+        }
+        if (re == 0.0 && im == 0.0) continue;
+        feet.push_back({(static_cast<double>(i) - center) / static_cast<double>(n),
+                        std::pow(static_cast<double>(row.magnitude[i]), 0.6), std::atan2(im, re) / kRadians});
+    }
+    double total = 0;
+    for (const Feet& f : feet) total += f.weight;
+    for (Feet& f : feet) f.weight /= total;
+    return feet;
+}
+
+/// 0 where all feet are even, 1 where all are as uneven as can be.
+double FeetCost(const std::vector<Feet>& feet, const Phases& p)
+{
+    double cost = 0;
+    for (const Feet& f : feet)
+        cost += f.weight * std::fabs(std::cos((f.angle_deg + p.p0 + p.p1 * f.position) * kRadians));
+    return cost;
+}
+
+/// What a block of neighbouring runs adds to AbsoluteCost at each angle, as if all its points turned alike.
+struct Block {
+    double position = 0;
+    std::array<float, kAngles / 2> absolute{}; ///< repeats after half a turn
+    double sum_re = 0, sum_im = 0;
+
+    double Cost(double degrees, bool same) const
+    {
+        constexpr int kHalf = kAngles / 2;
+        int at = static_cast<int>(std::lround(degrees / kAngleStep)) % kHalf;
+        if (at < 0) at += kHalf;
+        const auto total = static_cast<double>(absolute[static_cast<std::size_t>(at)]);
+        if (!same) return total;
+        const double plain = std::cos(degrees * kRadians) * sum_re - std::sin(degrees * kRadians) * sum_im;
+        return 2.0 * total - plain;
+    }
+};
+
+std::vector<Block> Blocks(const Signal& s)
+{
+    constexpr double kWidth = 1.0 / 128.0;
+    std::vector<Block> blocks;
+    for (std::size_t a = 0; a < s.runs.size();) {
+        Block block;
+        std::size_t b = a;
+        double weight = 0;
+        for (; b < s.runs.size() && s.runs[b].position - s.runs[a].position < kWidth; ++b) {
+            const Signal::Run& run = s.runs[b];
+            const auto w = static_cast<double>(run.weight);
+            block.position += run.position * w;
+            weight += w;
+            for (std::size_t k = 0; k < block.absolute.size(); ++k)
+                block.absolute[k] +=
+                    static_cast<float>(w * SumsAt(s, run, static_cast<double>(k) * kAngleStep).absolute);
+            for (std::size_t i = run.first; i < run.first + run.count; ++i) {
+                block.sum_re += w * static_cast<double>(s.re[i]);
+                block.sum_im += w * static_cast<double>(s.im[i]);
+            }
+        }
+        block.position /= weight;
+        blocks.push_back(block);
+        a = b;
+    }
+    return blocks;
+}
+
+struct Rated {
+    Phases phases;
+    double cost = 0;
+};
+
+/// The lowest places of a grid over both orders, no two of them near each other.
+std::vector<Rated> CoarseSearch(const std::vector<Block>& blocks, double size, double known_p1, bool same)
+{
+    constexpr std::size_t kKept = 4;
+    std::vector<Rated> best;
+    const double turn = same ? 360.0 : 180.0;
+    for (double off = -kLargestPhase1; off <= kLargestPhase1; off += kPhase1Step) {
+        Rated line{{}, 1e300};
+        for (double p0 = 0; p0 < turn; p0 += kAngleStep) {
+            double cost = 0;
+            for (const Block& b : blocks) cost += b.Cost(p0 + (known_p1 + off) * b.position, same);
+            if (cost < line.cost) line = {{p0, known_p1 + off}, cost};
+        }
+        // What is far from the known first order must be better to be believed.
+        line.cost = line.cost / size * (1.0 + kFarPenalty * std::abs(off) / 360.0);
+        best.push_back(line);
+    }
+    std::vector<Rated> kept;
+    for (std::size_t i = 0; i < best.size(); ++i) {
+        const bool low =
+            (i == 0 || best[i].cost <= best[i - 1].cost) && (i + 1 == best.size() || best[i].cost <= best[i + 1].cost);
+        if (low) kept.push_back(best[i]);
+    }
+    std::ranges::sort(kept, {}, &Rated::cost);
+    if (kept.size() > kKept) kept.resize(kKept);
+    return kept;
+}
+
+/// Nelder and Mead in two dimensions, from a small triangle.
+template <class Cost>
+Rated Refine(Phases start, double step0, double step1, int rounds, Cost cost)
+{
+    std::array<Rated, 3> t{Rated{start, 0}, Rated{{start.p0 + step0, start.p1}, 0},
+                           Rated{{start.p0, start.p1 + step1}, 0}};
+    for (Rated& r : t) r.cost = cost(r.phases);
+    const auto mix = [](const Phases& a, const Phases& b, double f) {
+        return Phases{a.p0 + f * (b.p0 - a.p0), a.p1 + f * (b.p1 - a.p1)};
+    };
+    for (int i = 0; i < rounds; ++i) {
+        std::ranges::sort(t, {}, &Rated::cost);
+        const Phases middle = mix(t[0].phases, t[1].phases, 0.5);
+        const auto tried = [&](double f) {
+            const Phases p = mix(middle, t[2].phases, f);
+            return Rated{p, cost(p)};
+        };
+        const Rated mirrored = tried(-1.0);
+        if (mirrored.cost < t[0].cost) {
+            const Rated farther = tried(-2.0);
+            t[2] = farther.cost < mirrored.cost ? farther : mirrored;
+        } else if (mirrored.cost < t[1].cost) {
+            t[2] = mirrored;
+        } else {
+            const Rated nearer = tried(mirrored.cost < t[2].cost ? -0.5 : 0.5);
+            if (nearer.cost < t[2].cost) {
+                t[2] = nearer;
+            } else {
+                for (std::size_t k = 1; k < 3; ++k) {
+                    t[k].phases = mix(t[0].phases, t[k].phases, 0.5);
+                    t[k].cost = cost(t[k].phases);
+                }
+            }
+        }
+    }
+    std::ranges::sort(t, {}, &Rated::cost);
+    return t[0];
+}
+
+/// A spectrum as it is judged.
+struct Judged {
+    Signal signal;
+    std::vector<Block> blocks;
+    std::vector<Feet> feet;
+    double known_p1 = 0;
+
+    double Cost(const Phases& p, LineSigns signs) const
+    {
+        const double far = std::abs(p.p1 - known_p1) / 360.0;
+        return AbsoluteCost(signal, p, signs == LineSigns::same) * (1.0 + kFarPenalty * far) +
+               kFeetShare * FeetCost(feet, p);
+    }
+};
+
+/// Search and refinement for one opinion on the signs.
+Rated Propose(const Judged& j, LineSigns signs)
+{
+    Rated best{{}, 1e300};
+    const auto cost = [&](const Phases& p) { return j.Cost(p, signs); };
+    for (const Rated& start : CoarseSearch(j.blocks, j.signal.size, j.known_p1, signs == LineSigns::same)) {
+        const Rated r = Refine(start.phases, 3.0, 15.0, 5, cost);
+        if (r.cost < best.cost) best = r;
+    }
+    best = Refine(best.phases, 1.0, 5.0, 16, cost);
+    // A single line tells no first order: what is known beforehand stays unless the row says otherwise.
+    const Rated known = Refine({best.phases.p0, j.known_p1}, kAngleStep, 0.0, 12, cost);
+    return known.cost <= kAsGood * best.cost ? known : best;
+}
+
+Sums AllSums(const Signal& s, const Phases& p)
+{
+    Sums all;
+    for (const Signal::Run& run : s.runs) {
+        const Sums sums = SumsAt(s, run, AngleAt(run, p));
+        all.plain += static_cast<double>(run.weight) * sums.plain;
+        all.absolute += static_cast<double>(run.weight) * sums.absolute;
+    }
+    return all;
+}
+
+struct Choice {
+    Phases phases;
+    LineSigns signs = LineSigns::same;
+    PhaseCriterion criterion = PhaseCriterion::one_sign;
+};
+
+Choice Choose(const Judged& j, LineSigns expected)
+{
+    // Lines of both signs must shrink the sum this much to be believed.
+    constexpr double kEvidence = 0.9, kOneSign = 0.7;
+    if (expected == LineSigns::alternate)
+        return {Propose(j, LineSigns::alternate).phases, LineSigns::alternate, PhaseCriterion::both_signs};
+    const Phases same = Propose(j, LineSigns::same).phases;
+    if (expected == LineSigns::same) return {same};
+    const Phases both = Propose(j, LineSigns::alternate).phases;
+    const double ratio = AbsoluteCost(j.signal, both, false) / AbsoluteCost(j.signal, same, false);
+    // Or the search for one sign has come to the same place, and lines point down there all the same.
+    const Sums sums = AllSums(j.signal, same);
+    const bool down = std::abs(sums.plain) < kOneSign * sums.absolute;
+    if (ratio >= kEvidence && !(down && ratio < 1.02)) return {same};
+    return {both, LineSigns::alternate, PhaseCriterion::both_signs};
+}
+
+/// Takes the other proposal, or its half turn, where it costs less.
+void Consider(const Judged& j, const Phases& other, Choice& choice)
+{
+    for (const double half : {0.0, 180.0}) {
+        const Phases turned{other.p0 + half, other.p1};
+        if (j.Cost(turned, choice.signs) >= j.Cost(choice.phases, choice.signs)) continue;
+        choice.phases = turned;
+        choice.criterion = PhaseCriterion::circle;
+    }
+}
+
+/// How even the feet are, times the share of the real part that has the sign it should have.
+double Quality(const Judged& j, const Choice& choice)
+{
+    const Sums sums = AllSums(j.signal, choice.phases);
+    const bool same = choice.signs == LineSigns::same && sums.absolute > 0.0;
+    const double negative = same ? 0.5 * (1.0 - sums.plain / sums.absolute) : 0.0;
+    return 100.0 * std::clamp((1.0 - FeetCost(j.feet, choice.phases)) * (1.0 - 2.0 * negative), 0.0, 1.0);
+}
+
+bool HardlyTurns(const Signal& s, const Phases& p)
+{
+    return std::ranges::all_of(
+        s.runs, [&](const Signal::Run& run) { return std::abs(std::remainder(AngleAt(run, p), 360.0)) < kNoTurn; });
+}
+
+} // namespace
+
+RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> im, const PhaseHint& hint)
+{
+    RobustPhase result;
+    const std::size_t n = std::min(re.size(), im.size());
+    if (n < 16) return result;
+    Smoothed row = SmoothToNoise(re.first(n), im.first(n));
+    if (!(row.top > 0.0F) || !std::isfinite(row.top)) return result;
+    result.pivot = static_cast<std::int32_t>(std::ranges::max_element(row.magnitude) - row.magnitude.begin());
+    const auto factor = static_cast<double>(Thin(row));
+    Judged j{SignalOf(row), {}, {}, hint.phase1_deg};
+    if (j.signal.runs.empty() || !(j.signal.size > 0.0) || !std::isfinite(j.signal.size)) return result;
+    j.blocks = Blocks(j.signal);
+    j.feet = FeetOf(row, j.signal.center);
+    // The middle of the signal as a point of the whole row.
+    const double center = (j.signal.center + 0.5) * factor - 0.5, points = static_cast<double>(n);
+    Choice choice = Choose(j, hint.signs);
+    if (const auto& c = hint.circle)
+        Consider(j, {c->phase0_deg + c->phase1_deg * (center - c->pivot) / points, c->phase1_deg}, choice);
+    if (AllSums(j.signal, choice.phases).plain < 0.0) choice.phases.p0 += 180.0;
+    result.quality = Quality(j, choice);
+    result.alternating = choice.signs == LineSigns::alternate;
+    if (HardlyTurns(j.signal, choice.phases)) {
+        result.criterion = PhaseCriterion::stays_as_is;
+        return result;
+    }
+    result.criterion = choice.criterion;
+    result.phase1_deg = choice.phases.p1;
+    result.phase0_deg = std::remainder(choice.phases.p0 + choice.phases.p1 * (result.pivot - center) / points, 360.0);
+    return result;
+}
+
+LineSigns Expected_Signs(const ParamBlock& par)
+{
+    for (const std::string* text : {&par.EXMOD, &par.PulseProg, &par.ExpTitle})
+        for (const char* word : {"dept", "apt", "jmod", "attach"})
+            if (ContainsNoCase(*text, word)) return LineSigns::alternate;
+    return LineSigns::by_evidence;
+}
+
+double Auto_Phase_Robust(GlobalBlock& g, std::int32_t n, double known_phase1_deg)
+{
+    const int slot = g.CurrentMultiSlot;
+    DataSet& set = g.Slots[static_cast<std::size_t>(slot > 0 && slot < kSlotCount ? slot : 0)];
+    const auto row = static_cast<std::size_t>(std::max<std::int32_t>(g.CurrentRow, 0));
+    auto count = static_cast<std::size_t>(std::max(n, 0));
+    for (const RowArray<float>* a : {&set.spec.SourceRe, &set.spec.SourceIm})
+        count = std::min(count, row < a->rows() ? a->columns() : 0);
+    if (count == 0) return 0.0;
+    // The circle fit is one of the proposals.
+    Auto_Phase(g, PhaseMode::full, static_cast<std::int32_t>(count));
+    const PhaseProposal circle{static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), g.PivotPoint};
+    const RobustPhase found =
+        Find_Robust_Phase(set.spec.SourceRe[row].first(count), set.spec.SourceIm[row].first(count),
+                          {known_phase1_deg, Expected_Signs(set.par), circle});
+    set.par.PhaseP0 = g.PivotPoint = found.pivot;
+    g.P2Point = -1;
+    g.Phase0Deg = static_cast<float>(found.phase0_deg);
+    g.Phase1Deg = static_cast<float>(found.phase1_deg);
+    Phase_Apply(g, g.Phase0Deg, g.Phase1Deg, static_cast<std::int32_t>(count));
+    return found.quality;
+}
+
+} // namespace nmr

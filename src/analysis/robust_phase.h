@@ -1,0 +1,59 @@
+#pragma once
+// The second automatic phase: several criteria each propose phases, and the proposal with the best quality is
+// taken. It never gives a phase that is no number, and turns a row that is in phase no further.
+//
+// Criteria and their sources: smallest absolute sum of the real part (an absorption line has a finite area, a
+// dispersion line an endless one), and negative area: A. Heuer, J. Magn. Reson. 91 (1991) 241; equal feet
+// on both sides of a line, which a rolling base line does not disturb; and the circle fit of analysis/phase.h.
+
+#include "core/global_block.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace nmr {
+
+enum class LineSigns { same, alternate, by_evidence };
+
+/// Phases that turn as Phase_Apply does.
+struct PhaseProposal {
+    double phase0_deg = 0, phase1_deg = 0;
+    std::int32_t pivot = 0;
+};
+
+struct PhaseHint {
+    double phase1_deg = 0; ///< first order that is known beforehand, as of a group delay
+    LineSigns signs = LineSigns::by_evidence;
+    std::optional<PhaseProposal> circle{}; ///< what the circle fit proposes
+};
+
+/// Whose proposal was taken.
+enum class PhaseCriterion {
+    none,        ///< a row without lines
+    one_sign,    ///< smallest absolute sum and negative area, with even feet
+    both_signs,  ///< smallest absolute sum, with even feet
+    circle,      ///< the circle fit
+    stays_as_is, ///< within a degree of what the points show already
+};
+
+struct RobustPhase {
+    double phase0_deg = 0, phase1_deg = 0; ///< turning as Phase_Apply does about `pivot`
+    std::int32_t pivot = 0;                ///< the strongest point
+    double quality = 0;                    ///< 0 to 100 percent
+    bool alternating = false;              ///< lines of both signs
+    PhaseCriterion criterion = PhaseCriterion::none;
+};
+
+/// Phases of a spectrum of any length. O(n) and below 50 ms at 65,536 points.
+RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> im, const PhaseHint& hint = {});
+
+/// Whether the experiment is one whose lines have both signs (DEPT, APT, J-modulated echo), by EXMOD and pulse
+/// program; else by evidence.
+LineSigns Expected_Signs(const ParamBlock& par);
+
+/// Phases the shown row from its source and sets PhaseP0, PivotPoint, P2Point, Phase0Deg and Phase1Deg, as Auto_Phase
+/// does. The quality in percent.
+double Auto_Phase_Robust(GlobalBlock& g, std::int32_t n, double known_phase1_deg = 0);
+
+} // namespace nmr

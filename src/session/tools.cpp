@@ -1,0 +1,341 @@
+// The state machine of the tools, and the mouse.
+
+#include "session/tools.h"
+
+#include "analysis/base_line.h"
+#include "analysis/phase.h"
+#include "analysis/shown_row.h"
+#include "core/list_values.h"
+#include "core/undo_parts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace nmr {
+namespace {
+
+constexpr char kFixPhase[] = "Will you Fix Phase Correction?";
+constexpr char kFixReference[] = "Will you Fix Reference Setting?";
+constexpr char kFixBaseLine[] = "Will you Fix Base Line Correction?";
+constexpr char kAfterBaseLine[] = "Since BaseLine Correction has been executed,\n"
+                                  "this Phase Correction will not give a correct result.\nContinue?";
+
+/// The question of a tool that must be fixed or discarded; null for one that closes as it is.
+const char* QuestionOf(Tool tool)
+{
+    switch (tool) {
+    case Tool::phase:
+        return kFixPhase;
+    case Tool::reference:
+        return kFixReference;
+    case Tool::base_line:
+        return kFixBaseLine;
+    default:
+        return nullptr;
+    }
+}
+
+ToolAction FirstAction(Tool tool)
+{
+    switch (tool) {
+    case Tool::phase:
+        return ToolAction::pivot;
+    case Tool::reference:
+        return ToolAction::pick_reference;
+    case Tool::base_line:
+        return ToolAction::add_base_point;
+    case Tool::peaks:
+        return ToolAction::add_peak;
+    case Tool::integrals:
+        return ToolAction::add_integral;
+    case Tool::regions:
+        return ToolAction::add_region;
+    case Tool::none:
+        break;
+    }
+    return ToolAction::none;
+}
+
+struct StatusRow {
+    ToolAction action;
+    const char* text;
+};
+constexpr StatusRow kStatus[] = {
+    {ToolAction::delete_integral, "Delete Integral"},       {ToolAction::divide_integral, "Divide Integral"},
+    {ToolAction::move_integral, "Move Integral"},           {ToolAction::enlarge_integral, "Enlarge Integral"},
+    {ToolAction::reference_integral, "Set Ref Value Here"}, {ToolAction::detect_level, "Move Threshold Level"},
+    {ToolAction::noise_level, "Move Noise Level"},          {ToolAction::base_level, "Move Base Level"},
+};
+
+bool NeedsIntegral(ToolAction action)
+{
+    return action >= ToolAction::divide_integral && action <= ToolAction::reference_integral;
+}
+
+} // namespace
+
+void Tools::Changed()
+{
+    if (s_.display_changed) s_.display_changed();
+}
+
+bool Tools::MayEnter(Tool tool)
+{
+    if (HeldPoints(set()) == 0 || set().par.SMODE != 1 || g_.NoSpectrumYet) return false;
+    if (tool != Tool::phase || set().par.BaseLineDone != 1) return true;
+    return s_.asker.Message({kAfterBaseLine, "", {Button::yes, Button::no}, Icon::question, true}) == Button::yes;
+}
+
+bool Tools::Enter(Tool tool)
+{
+    if (tool == Tool::none || tool == open()) {
+        Close();
+        return false;
+    }
+    if (!MayEnter(tool) || !Close()) return false;
+    Start(tool);
+    Changed();
+    return true;
+}
+
+void Tools::Start(Tool tool)
+{
+    g_.ToolMode = static_cast<std::int32_t>(tool);
+    action_ = FirstAction(tool);
+    down_ = false;
+    quality_.reset();
+    if (tool == Tool::phase || tool == Tool::base_line) {
+        // What is shown is where the tool starts from and what Cancel brings back.
+        CopyDataToSource(set());
+        const UndoKind kind = tool == Tool::phase ? UndoKind::phase : UndoKind::base_line;
+        points_before_ = g_.Undo.Begin(g_, static_cast<std::int32_t>(kind));
+    }
+    if (tool == Tool::phase) {
+        g_.RowPhase0.assign(set().spec.DataRe.rows(), 0.0F);
+        g_.RowPhase1 = g_.RowPhase0;
+        g_.Phase0Deg = g_.Phase1Deg = 0.0F;
+        float top = 0;
+        Find_Main_Peak(g_, g_.PivotPoint, top, set().par.POINT);
+        g_.P2Point = -1;
+    }
+    if (tool == Tool::base_line) {
+        g_.BasePoints.clear();
+        g_.PointUndo.Empty();
+    }
+    if (tool == Tool::reference) {
+        KeepParts(g_, reference_before_, kUndoReference);
+        referenced_ = false;
+    }
+    if (tool == Tool::integrals) {
+        Calc_All_Integrals(g_);
+        SelectIntegral(set().Integrals.empty() ? -1 : 0);
+    }
+}
+
+bool Tools::Close()
+{
+    const char* question = QuestionOf(open());
+    if (question == nullptr) {
+        Fix();
+        return true;
+    }
+    const MessageBox box{question, "", {Button::yes, Button::no, Button::cancel}, Icon::question, false};
+    switch (s_.asker.Message(box)) {
+    case Button::yes:
+        Fix();
+        return true;
+    case Button::no:
+        Cancel();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void Tools::End()
+{
+    g_.ToolMode = 0;
+    action_ = ToolAction::none;
+    down_ = false;
+    selected_ = -1;
+    points_before_ = {};
+    Changed();
+}
+
+void Tools::Fix()
+{
+    if (down_) MouseUp(now_);
+    if (open() == Tool::none) return;
+    if (open() == Tool::phase) FixPhase();
+    if (open() == Tool::base_line) FixBaseLine();
+    if (open() == Tool::reference) FixReference();
+    End();
+}
+
+void Tools::Cancel()
+{
+    if (open() == Tool::none) return;
+    if (down_) {
+        // Esc during a drag takes back the drag alone.
+        DragTo(start_);
+        down_ = false;
+        Changed();
+        return;
+    }
+    if (open() == Tool::phase) CancelPhase();
+    if (open() == Tool::base_line) CancelBaseLine();
+    if (open() == Tool::reference) CancelReference();
+    End();
+}
+
+void Tools::SetAction(ToolAction action)
+{
+    if (open() == Tool::none || down_) return;
+    const std::size_t count = set().Integrals.size();
+    if (action == ToolAction::add_integral && count >= kMaxIntegrals) return;
+    if (action == ToolAction::divide_integral && (count < 1 || count >= kMaxIntegrals)) return;
+    action_ = action;
+    Changed();
+}
+
+void Tools::SetRow(std::int16_t row)
+{
+    if (open() == Tool::base_line) CancelBaseLine(); // a preview stays with its row
+    const auto last = static_cast<std::int32_t>(set().spec.DataRe.rows()) - 1;
+    g_.CurrentRow = static_cast<std::int16_t>(std::clamp<std::int32_t>(row, 0, std::max(last, 0)));
+    if (open() == Tool::phase) {
+        const std::size_t shown = ShownRowIndex(g_, set());
+        g_.Phase0Deg = shown < g_.RowPhase0.size() ? g_.RowPhase0[shown] : 0.0F;
+        g_.Phase1Deg = shown < g_.RowPhase1.size() ? g_.RowPhase1[shown] : 0.0F;
+        quality_.reset();
+    }
+    if (open() == Tool::integrals) Calc_All_Integrals(g_);
+    Changed();
+}
+
+ToolMarks Tools::Marks() const
+{
+    ToolMarks marks;
+    const auto full = static_cast<double>(set().par.DispLeft);
+    if (open() == Tool::phase) {
+        marks.verticals.push_back({PointToPpm(set(), g_.PivotPoint), "PP"});
+        if (g_.P2Point >= 0) marks.verticals.push_back({PointToPpm(set(), g_.P2Point), "P2"});
+    }
+    if (open() == Tool::reference && referenced_) marks.verticals.push_back({reference_line_, ""});
+    if (open() == Tool::base_line) {
+        for (const BasePointEntry& e : g_.BasePoints)
+            marks.points.push_back({PointToPpm(set(), e.Point), static_cast<double>(e.Value)});
+        marks.base_line = BaseLineCurve();
+    }
+    if (open() == Tool::peaks) {
+        marks.levels = {{full * static_cast<double>(set().PeakThreshold), ToolAction::noise_level},
+                        {full * Detect_Level(set()), ToolAction::detect_level},
+                        {full * Base_Level(set()), ToolAction::base_level}};
+    }
+    const bool ranged = action_ == ToolAction::pick_range || action_ == ToolAction::delete_peak ||
+                        action_ == ToolAction::add_integral || action_ == ToolAction::add_region;
+    if (down_ && moved_ && ranged) marks.range_ppm = {start_.ppm, now_.ppm};
+    return marks;
+}
+
+std::string Tools::StatusText(const PlotPoint& at) const
+{
+    if (NeedsIntegral(action_) && Find_Integral(set(), at.ppm) < 0) return {};
+    for (const StatusRow& row : kStatus)
+        if (row.action == action_) return row.text;
+    return {};
+}
+
+void Tools::MouseDown(const PlotPoint& at)
+{
+    if (open() == Tool::none) return;
+    down_ = true;
+    moved_ = false;
+    start_ = now_ = at;
+    dragged_ = -1;
+    integrals_before_ = set().Integrals;
+    reference_index_before_ = set().IntegralRef;
+    base_before_ = g_.BasePoints;
+    if (action_ == ToolAction::move_base_point) {
+        const std::int32_t point = PpmToPoint(set(), at.ppm);
+        dragged_ = Find_Base_Point(g_, point, std::abs(PpmToPoint(set(), at.ppm + at.reach_ppm) - point));
+    }
+    if (NeedsIntegral(action_)) {
+        dragged_ = Find_Integral(set(), at.ppm);
+        SelectIntegral(dragged_);
+    }
+    if (action_ == ToolAction::enlarge_integral && dragged_ < 0) {
+        // The ends may be taken from outside too.
+        for (const double side : {-1.0, 1.0})
+            if (dragged_ < 0) dragged_ = Find_Integral(set(), at.ppm + side * at.reach_ppm);
+        SelectIntegral(dragged_);
+    }
+    if (action_ == ToolAction::enlarge_integral && dragged_ >= 0) {
+        const IntegralEntry& e = set().Integrals[static_cast<std::size_t>(dragged_)];
+        const double to_start = std::abs(IntegralStartPpm(set(), e) - at.ppm);
+        dragged_end_ = to_start <= std::abs(IntegralEndPpm(set(), e) - at.ppm) ? IntegralEnd::start : IntegralEnd::end;
+    }
+}
+
+void Tools::MouseMove(const PlotPoint& at)
+{
+    if (!down_) return;
+    now_ = at;
+    if (at.ppm != start_.ppm || at.height != start_.height) moved_ = true;
+    if (!moved_) return;
+    DragTo(at);
+    Changed();
+}
+
+void Tools::DragTo(const PlotPoint& at)
+{
+    const double full = static_cast<double>(set().par.DispLeft);
+    switch (action_) {
+    case ToolAction::pivot:
+        return SetPivot(PpmToPoint(set(), at.ppm));
+    case ToolAction::second:
+        return SetSecond(PpmToPoint(set(), at.ppm));
+    case ToolAction::move_base_point:
+        if (dragged_ < 0) return;
+        g_.BasePoints = base_before_;
+        Set_Base_Level_Of(
+            g_, dragged_,
+            static_cast<float>(static_cast<double>(base_before_[static_cast<std::size_t>(dragged_)].Value) + at.height -
+                               start_.height));
+        return;
+    case ToolAction::noise_level:
+        // The drawn line is noise plus base.
+        if (full != 0.0) SetLevel(action_, at.height / full - Base_Level(set()));
+        return;
+    case ToolAction::detect_level:
+    case ToolAction::base_level:
+        if (full != 0.0) SetLevel(action_, at.height / full);
+        return;
+    case ToolAction::move_integral:
+    case ToolAction::enlarge_integral:
+        if (dragged_ < 0) return;
+        set().Integrals = integrals_before_;
+        if (action_ == ToolAction::move_integral)
+            Move_Integral(g_, dragged_, at.ppm - start_.ppm);
+        else if (at.ppm != start_.ppm)
+            Enlarge_Integral(g_, dragged_, dragged_end_, at.ppm);
+        return;
+    default:
+        return;
+    }
+}
+
+void Tools::MouseUp(const PlotPoint& at)
+{
+    if (!down_) return;
+    MouseMove(at);
+    down_ = false;
+    if (moved_)
+        DragEnd(at);
+    else
+        Click(at);
+    Changed();
+}
+
+} // namespace nmr
