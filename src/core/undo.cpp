@@ -212,7 +212,7 @@ bool UndoStack::Exchange(GlobalBlock& g, UndoStep& step)
     const UndoKindRow* row = Row(step.Kind);
     if (row == nullptr) return false;
     if ((row->parts & kUndoBackup) != 0) {
-        ++point_changes_[0];
+        for (std::uint64_t& changes : point_changes_) ++changes; // a backup holds every slot
         return exchange_backup && exchange_backup(g, step);
     }
     const bool points = (row->parts & kUndoPoints) != 0;

@@ -142,7 +142,6 @@ Status ReadPoints(GlobalBlock& g, std::int16_t slot, ByteSpan data)
     if (Status axis = BuildAxis(set); !axis) return axis;
     if (const std::size_t damaged = ReadMatrices(set, data); damaged > 0)
         set.Warnings.push_back(fmt::format("{} values of the file are no numbers and were read as 0", damaged));
-    CopyDataToSource(set);
     return {};
 }
 

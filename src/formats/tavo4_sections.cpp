@@ -6,6 +6,7 @@
 
 #include <bit>
 #include <cmath>
+#include <utility>
 
 namespace nmr::tavo4 {
 namespace {
@@ -81,20 +82,33 @@ bool AllFinite(std::span<const float> row)
     return (overflow & kSign) == 0;
 }
 
-/// Takes a row of the file; values that are none become 0 and are counted.
-std::size_t TakeRow(ByteSpan in, std::span<float> row)
+/// Takes values of the file; those that are none become 0 and are counted.
+std::size_t TakeValues(ByteSpan in, std::span<float> out)
 {
     if constexpr (std::endian::native == std::endian::little)
-        std::memcpy(row.data(), in.data(), row.size_bytes());
+        std::memcpy(out.data(), in.data(), out.size_bytes());
     else
-        for (std::size_t i = 0; i < row.size(); ++i) row[i] = FromLittle<float>(in.subspan(4 * i));
-    if (AllFinite(row)) return 0;
+        for (std::size_t i = 0; i < out.size(); ++i) out[i] = FromLittle<float>(in.subspan(4 * i));
+    if (AllFinite(out)) return 0;
     std::size_t damaged = 0;
-    for (float& value : row)
+    for (float& value : out)
         if (!std::isfinite(value)) {
             value = 0.0F;
             ++damaged;
         }
+    return damaged;
+}
+
+/// A row of data and its source, piece by piece while the values are in the cache.
+std::size_t TakeRow(ByteSpan in, std::span<float> row, std::span<float> source)
+{
+    constexpr std::size_t kPiece = 4096;
+    std::size_t damaged = 0;
+    for (std::size_t at = 0; at < row.size(); at += kPiece) {
+        const std::span<float> piece = row.subspan(at, std::min(kPiece, row.size() - at));
+        damaged += TakeValues(in.subspan(4 * at), piece);
+        std::ranges::copy(piece, source.begin() + static_cast<std::ptrdiff_t>(at));
+    }
     return damaged;
 }
 
@@ -453,9 +467,11 @@ std::size_t ReadMatrices(DataSet& set, ByteSpan section)
 {
     const auto points = static_cast<std::size_t>(set.par.POINT);
     std::size_t at = kLabelSize, damaged = 0;
-    for (RowArray<float>* matrix : {&set.spec.DataRe, &set.spec.DataIm})
+    SpecBuffer& spec = set.spec;
+    for (const auto& [data, source] :
+         {std::pair(&spec.DataRe, &spec.SourceRe), std::pair(&spec.DataIm, &spec.SourceIm)})
         for (std::size_t row = 0; row < static_cast<std::size_t>(set.RowCount); ++row, at += 4 * points)
-            damaged += TakeRow(section.subspan(at, 4 * points), (*matrix)[row].first(points));
+            damaged += TakeRow(section.subspan(at), (*data)[row].first(points), (*source)[row].first(points));
     return damaged;
 }
 

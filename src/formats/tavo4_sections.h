@@ -35,7 +35,8 @@ std::size_t WriteHistory(const DataSet& set, FileImage& image);
 
 /// Points as the file holds them: rows of POINT values, real parts, then imaginary parts.
 std::size_t MatrixBytes(const DataSet& set);
-/// Copies both matrices into the allocated arrays; numbers that are none become 0 and are counted.
+/// Copies both matrices into the allocated arrays of data and source; numbers that are none become 0 and are
+/// counted.
 std::size_t ReadMatrices(DataSet& set, ByteSpan section);
 
 } // namespace nmr::tavo4
