@@ -111,7 +111,7 @@ bool Recorder::Write(Change& change)
 
 bool Recorder::Note(Asker& asker)
 {
-    if (!journal_.is_open() || Transforming(g_)) return false;
+    if (!journal_.is_open() || Transforming(g_) || g_.Undo.InStep()) return false;
     Change change;
     change.anew = g_.Undo.reads() != reads_ || image_.empty();
     change.fresh = TakeImage(g_);
