@@ -124,6 +124,7 @@ const Case kWork[] = {
     {"points taken back and done again", [](Rig& r) { ScalePoints(r, 2), m20_Click(r.s), ReDo_Click(r.s); }},
     {"one point", ChangeOnePoint},
     {"a multi spectrum", [](Rig& r) { CopyToMulti(r), AddPeak(r), ScalePoints(r, 3), CopyToMulti(r); }},
+    {"a multi spectrum again, after one point", [](Rig& r) { CopyToMulti(r), ChangeOnePoint(r), CopyToMulti(r); }},
     {"points without a step",
      [](Rig& r) {
          AddPeak(r);
