@@ -171,6 +171,8 @@ UndoStep UndoStack::Begin(GlobalBlock& g, std::int32_t kind, std::int16_t slot)
     step.Extra.points = set.par.POINT;
     if (const UndoKindRow* row = Row(kind)) KeepParts(g, step, row->parts);
     if (EnsureLive(g, slot)) step.DataFile = Live(g, slot);
+    step.open = std::make_shared<const char>('\0');
+    open_ = step.open;
     return step;
 }
 
@@ -178,6 +180,7 @@ bool UndoStack::Commit(GlobalBlock& g, UndoStep step)
 {
     const std::int16_t slot = step.Slot;
     ++point_changes_[static_cast<std::size_t>(slot)];
+    step.open.reset();
     if (!step.DataFile.empty()) step.DataFile = MoveToFreeNumber(step.DataFile, g.AppPath / snapshots_);
     const bool kept = !step.DataFile.empty();
     if (kept) {

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <set>
 #include <span>
 #include <string>
@@ -118,8 +119,9 @@ struct UndoStep {
     std::vector<std::int32_t> OldRows; ///< slots of OldSets
     std::vector<PeakEntry> OldPeaks;
     std::vector<IntegralEntry> OldIntegrals;
-    std::string Name;      ///< caption in place of the kind's, "UnDo(Change Difference Specrum)"
-    std::int16_t Slot = 0; ///< whose parts these are
+    std::string Name;                 ///< caption in place of the kind's, "UnDo(Change Difference Specrum)"
+    std::int16_t Slot = 0;            ///< whose parts these are
+    std::shared_ptr<const char> open; ///< from Begin to Commit, or to the end of a step that is dropped
 };
 
 class UndoStack {
@@ -140,6 +142,10 @@ public:
     /// @return false when no snapshot could be kept (all numbers taken, disk full, no data folder): the
     ///         change then stands without a step; an earlier step of points takes it back as well
     bool Commit(GlobalBlock& g, UndoStep step);
+
+    /// Between the two: the points are those of a tool that is at work, and the live snapshot must stay
+    /// what it is.
+    bool InStep() const { return !open_.expired(); }
 
     bool UnDo(GlobalBlock& g);
     bool ReDo(GlobalBlock& g);
@@ -190,6 +196,7 @@ private:
     std::set<std::filesystem::path> live_files_;
     std::array<std::uint64_t, kSlotCount> point_changes_{};
     std::uint64_t reads_ = 0, saves_ = 0;
+    std::weak_ptr<const char> open_;
     StepStack<UndoStep> stack_;
 };
 

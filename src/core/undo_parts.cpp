@@ -31,9 +31,9 @@ DataSet& LiveSet(GlobalBlock& g, const UndoStep& step)
     return g.Slots[static_cast<std::size_t>(step.Slot)];
 }
 
-// The members of ParamBlock that go with a part.
-template <class... Members, class Op>
-void EachOf(ParamBlock& live, ParamBlock& kept, Op op, Members... members)
+// The members of a record, parameters or set, that go with a part.
+template <class Record, class... Members, class Op>
+void EachOf(Record& live, Record& kept, Op op, Members... members)
 {
     (op(live.*members, kept.*members), ...);
 }
@@ -81,10 +81,7 @@ struct Peaks {
     {
         DataSet &live = LiveSet(g, step), &kept = step.Extra.set;
         op(live.Peaks, step.OldPeaks);
-        op(live.PeakFlags, kept.PeakFlags);
-        op(live.PeakThreshold, kept.PeakThreshold);
-        op(live.PeakNoise, kept.PeakNoise);
-        op(live.PeakWidth, kept.PeakWidth);
+        EachOf(live, kept, op, &DataSet::PeakFlags, &DataSet::PeakThreshold, &DataSet::PeakNoise, &DataSet::PeakWidth);
         op(live.par.PeakDigits, kept.par.PeakDigits);
     }
 };
@@ -95,11 +92,8 @@ struct IntegralList {
     {
         DataSet &live = LiveSet(g, step), &kept = step.Extra.set;
         op(live.Integrals, step.OldIntegrals);
-        op(live.IntegralRef, kept.IntegralRef);
-        op(live.IntegralScale, kept.IntegralScale);
-        op(live.IntegralAux, kept.IntegralAux);
-        op(live.IntegralOffset, kept.IntegralOffset);
-        op(live.IntegralDigits, kept.IntegralDigits);
+        EachOf(live, kept, op, &DataSet::IntegralRef, &DataSet::IntegralScale, &DataSet::IntegralAux,
+               &DataSet::IntegralOffset, &DataSet::IntegralDigits);
     }
 };
 

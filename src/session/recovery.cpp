@@ -36,6 +36,16 @@ bool Transforming(const GlobalBlock& g)
     return !IsEmpty(g.Slots[0]) && g.Slots[0].par.SMODE != 1;
 }
 
+/// A multi spectrum may be a copy of another slot's points, changed since in one place: each change of any
+/// slot is a reason to look at its points again.
+std::uint64_t PointChanges(const GlobalBlock& g, std::int16_t slot)
+{
+    if (slot == 0) return g.Undo.point_changes(0);
+    std::uint64_t sum = 0;
+    for (std::int16_t other = 0; other < kSlotCount; ++other) sum += g.Undo.point_changes(other);
+    return sum;
+}
+
 } // namespace
 
 struct Recorder::Change {
@@ -70,7 +80,7 @@ void Recorder::TakeSlot(Change& change, std::int16_t slot)
         change.fresh[{slot, Section::axis}] = AxisImage(set);
         mark.axis = axis;
     }
-    const std::uint64_t glance = GlancePoints(set), changes = g_.Undo.point_changes(slot);
+    const std::uint64_t glance = GlancePoints(set), changes = PointChanges(g_, slot);
     if (known && glance == mark.glance && changes == mark.changes) return;
     mark.glance = glance;
     mark.changes = changes;
@@ -111,7 +121,7 @@ bool Recorder::Write(Change& change)
 
 bool Recorder::Note(Asker& asker)
 {
-    if (!journal_.is_open() || Transforming(g_)) return false;
+    if (!journal_.is_open() || Transforming(g_) || g_.Undo.InStep()) return false;
     Change change;
     change.anew = g_.Undo.reads() != reads_ || image_.empty();
     change.fresh = TakeImage(g_);

@@ -32,7 +32,8 @@ public:
     /// Begins the journal of the run's work number.
     explicit Recorder(GlobalBlock& g);
 
-    /// Appends what has changed since the last call; nothing while a FID waits for its transform. The user
+    /// Appends what has changed since the last call; nothing while a FID waits for its
+    /// transform or a tool tries phases and base lines: the change is accepted with its step. The user
     /// is told once when it can't be written.
     /// @return whether all of the present state is in the journal
     bool Note(Asker& asker);

@@ -124,12 +124,35 @@ const Case kWork[] = {
     {"points taken back and done again", [](Rig& r) { ScalePoints(r, 2), m20_Click(r.s), ReDo_Click(r.s); }},
     {"one point", ChangeOnePoint},
     {"a multi spectrum", [](Rig& r) { CopyToMulti(r), AddPeak(r), ScalePoints(r, 3), CopyToMulti(r); }},
+    {"a multi spectrum again, after one point", [](Rig& r) { CopyToMulti(r), ChangeOnePoint(r), CopyToMulti(r); }},
     {"points without a step",
      [](Rig& r) {
          AddPeak(r);
          for (float& value : r.g.Slots[0].spec.DataRe.all()) value += 1;
          CopyDataToSource(r.g.Slots[0]);
          r.s.display_changed();
+     }},
+    {"killed while a tool tries",
+     [](Rig& r) {
+         AddPeak(r);
+         const DataSet before = r.g.Slots[0];
+         const UndoStep step = r.g.Undo.Begin(r.g, 6);
+         for (float& value : r.g.Slots[0].spec.DataRe.all()) value *= 2;
+         r.s.display_changed();
+         r.g.Slots[0] = before; // what was accepted
+     }},
+    {"taken back after a tool has tried",
+     [](Rig& r) {
+         UndoStep step = r.g.Undo.Begin(r.g, 6);
+         for (float& value : r.g.Slots[0].spec.DataRe.all()) value *= 2;
+         r.s.display_changed();
+         r.g.Undo.Commit(r.g, std::move(step));
+         r.g.Slots[0].par.DataChanged = 1;
+         r.s.display_changed();
+         const float peak = r.g.Slots[0].spec.DataRe[0][100];
+         m20_Click(r.s);
+         EXPECT_EQ(r.g.Slots[0].spec.DataRe[0][100], peak / 2);
+         AddPeak(r);
      }},
     {"killed inside a step of points",
      [](Rig& r) {

@@ -183,8 +183,8 @@ void Follow(Form& form, const std::string& output, Faults& faults)
             seen.insert(first);
         } else if (line.find("could not be recovered") != std::string::npos) {
             faults.Add(fmt::format("{}: {}", form.name, line));
-        } else if (word == "notice") {
-            fmt::print("kill_test: {}: {}\n", form.name, line);
+        } else if (word == "notice" || word == "message") {
+            continue; // what a user would have read
         } else if (started) {
             if (!std::exchange(checked, true)) CheckMissing(form, seen, faults);
             if (word == "pending") {
