@@ -63,6 +63,7 @@ constexpr std::array<double, 23> kPowers{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6
 double Scaled(double mantissa, int exponent)
 {
     constexpr int kExact = static_cast<int>(kPowers.size()) - 1;
+    if (mantissa == 0) return 0; // times a power beyond all numbers it would be none
     if (exponent >= 0)
         return exponent <= kExact ? mantissa * kPowers[static_cast<std::size_t>(exponent)]
                                   : mantissa * std::pow(10.0, exponent);

@@ -128,7 +128,7 @@ Result<Candidate> Inspect(Session& s, const std::string& path, FileType& detecte
     Candidate found;
     found.type = detected = detect(path, s.asker, s.g.nuclides);
     // Rows measured along a list of values are an array, though the file is that of a plane.
-    if (IsRowArray(found.type)) found.type = detected = AsRowArray(found.type);
+    if (IsRowArray(found.type)) found.type = AsRowArray(found.type);
     s.g.DataKind = found.type.code;
     if (!IsOneDimensional(found.type.code)) return KindError(found.type);
     s.g.FormatIndex = FamilyOf(found.type.code);

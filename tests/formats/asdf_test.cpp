@@ -40,6 +40,7 @@ const TableCase kTables[] = {
     {"count of 1 behind each item", "0A00SJSKS", {100, 101, 103}},
     {"long run", "0@%S0", Values(11, 0)},
     {"exponents in AFFN", "0 1.5E+03 2e2 -2.5E-1", {1500, 200, -0.25}},
+    {"nothing times any power", "0 0E8840 0e-9999 1", {0, 0, 1}},
     {"E is a digit where other letters are", "400E12F3", {512, 63}},
     {"line whose only letter is E", "1A0\n2E4420E5294\n", {10, 54420, 55294}},
     {"exponent of X in a table of letters", "0.0000000E+00A1B2", {11, 22}},

@@ -233,6 +233,45 @@ TEST(Delta, SpectraRiseInPpm)
     EXPECT_EQ(BytesRead(axis(1, 26, NAN, 3)).status.error().code, ErrorCode::bad_value);
 }
 
+TEST(Delta, TheListOfProcessingCommandsGivesSizeAndWindow)
+{
+    struct Case {
+        const char* list;
+        std::int32_t points; ///< of 16 in the FID; 0: not told
+        bool window;
+        double broadening_hz;
+        std::optional<std::array<double, 4>> trapezoid;
+    };
+    const std::array<double, 4> tail{0, 0, 80, 100};
+    const Case cases[] = {
+        {"sexp : 2[Hz];trapezoid : 0[%] : 0[%] : 80[%] : 100[%];zerofill : 1;fft : 1;machinephase;ppm;", 16, true, 2,
+         tail},
+        {"sexp( 0.5[Hz], 0.0[s] );zerofill( 4, TRUE );fft( 1, TRUE, TRUE );", 64, true, 0.5, {}},
+        {"zerofill : 2;fft : 1;", 32, true, 0, {}},
+        {"dexp( 1.0[Hz], 0.6[Hz] );zerofill( 2 );", 32, false, 0, {}},
+        {"sexp : 2[Hz];trapezoid3( 0[%], 80[%], 100[%] );zerofill : 1;", 16, false, 0, {}},
+        {"sexp : 2[Hz];trapezoid : 90[%] : 0[%] : 80[%] : 100[%];zerofill : 1;", 16, false, 0, {}},
+        {"sexp : -2[Hz];zerofill : 1;", 16, false, 0, {}},
+        {"sexp;zerofill : 99999999;", 0, false, 0, {}},
+        {"sexp : 2[Hz];fft : 1;", 0, false, 0, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.list);
+        Image file = DeltaSetFile();
+        const std::size_t start = file.str().size();
+        file.Text(start, std::string("end pulse;\n\0\3\0", 14) + c.list + std::string(1, '\0'));
+        file.Big(1300, start, 4).Big(1304, file.str().size() - start, 4);
+        const BytesRead read(file.str());
+        ASSERT_TRUE(read.status);
+        const VendorProcessing& told = read.set().vendor;
+        EXPECT_EQ(told.points, c.points);
+        ASSERT_EQ(told.window.has_value(), c.window);
+        if (!c.window) continue;
+        EXPECT_EQ(told.window->broadening_hz, c.broadening_hz);
+        EXPECT_EQ(told.window->trapezoid_percent, c.trapezoid);
+    }
+}
+
 TEST(Delta, BadFilesAreRefused)
 {
     struct Case {

@@ -78,6 +78,21 @@ std::vector<Top> StrongestLines(const Spectrum& s, std::size_t count)
     return lines;
 }
 
+/// Full width at half height of a line, ppm.
+double WidthOf(const Spectrum& s, const Top& top)
+{
+    const double half = top.height / 2;
+    double width = 0;
+    for (const int step : {-1, 1}) {
+        auto i = static_cast<std::ptrdiff_t>(std::lround(top.index));
+        const auto at = [&](std::ptrdiff_t k) { return s.height[static_cast<std::size_t>(k)]; };
+        while (i + step > 0 && i + step + 1 < std::ssize(s.height) && at(i + step) > half) i += step;
+        const double share = std::clamp((at(i) - half) / (at(i) - at(i + step)), 0.0, 1.0);
+        width += std::fabs(static_cast<double>(i) + step * share - top.index);
+    }
+    return width * s.step_ppm;
+}
+
 struct VendorCase {
     std::string folder;
     double height = 0.1;   ///< largest relative deviation of a line's height from the others'
@@ -120,6 +135,7 @@ double Median(std::vector<double> values)
 struct Deviations {
     std::vector<double> points; ///< own minus vendor, in points of the coarser grid
     std::vector<double> ratio;  ///< own height over vendor height
+    std::vector<double> width;  ///< own width over vendor width
 };
 
 Deviations Compare(const Spectrum& own, const Spectrum& vendor, double weakest)
@@ -133,6 +149,7 @@ Deviations Compare(const Spectrum& own, const Spectrum& vendor, double weakest)
         const Top top = TopBetween(own, at - reach, at + reach);
         out.points.push_back((own.PpmAt(top.index) - ppm) / grid);
         out.ratio.push_back(top.height / line.height);
+        out.width.push_back(WidthOf(own, top) / WidthOf(vendor, line));
     }
     return out;
 }
@@ -168,15 +185,16 @@ TEST(VendorSpectrum, OwnMagnitudeAgreesInPlaceAndHeight)
         EXPECT_EQ(own.height.size(), vendor.height.size());
         const Deviations found = Compare(own, vendor, c.weakest);
         ASSERT_GE(found.points.size(), 3U);
-        const double ratio = Median(found.ratio), offset = Median(found.points);
+        const double ratio = Median(found.ratio), offset = Median(found.points), width = Median(found.width);
         double farthest = 0, highest = 0;
         for (double points : found.points) farthest = std::max(farthest, std::abs(points));
         for (double r : found.ratio) highest = std::max(highest, std::abs(r / ratio - 1));
         EXPECT_LT(farthest, 2);
         EXPECT_LT(std::abs(offset), c.offset) << "all lines are displaced";
         EXPECT_LT(highest, c.height);
-        std::printf("%-40s %2zu lines: median %+.3f, farthest %.3f points; heights within %.1f %%\n", c.folder.c_str(),
-                    found.points.size(), offset, farthest, 100 * highest);
+        EXPECT_NEAR(width, 1, c.height);
+        std::printf("%-40s %2zu lines: median %+.3f, farthest %.3f points; heights within %.1f %%, widths x %.3f\n",
+                    c.folder.c_str(), found.points.size(), offset, farthest, 100 * highest, width);
     }
 }
 
