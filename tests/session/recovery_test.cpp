@@ -5,6 +5,8 @@
 
 #include "core/snapshot.h"
 #include "formats/tavo4.h"
+#include "session/color_regions.h"
+#include "session/display_commands.h"
 #include "session/journal_records.h"
 #include "session/menu.h"
 #include "session/rig.h"
@@ -123,6 +125,14 @@ const Case kWork[] = {
     {"points twice, taken back once", [](Rig& r) { ScalePoints(r, 1.5F), ScalePoints(r, 0.3F), m20_Click(r.s); }},
     {"points taken back and done again", [](Rig& r) { ScalePoints(r, 2), m20_Click(r.s), ReDo_Click(r.s); }},
     {"one point", ChangeOnePoint},
+    {"turned round", [](Rig& r) { m291_Click(r.s); }},
+    {"coloured, turned round and that taken back",
+     [](Rig& r) {
+         EXPECT_TRUE(SetColorRegion(r.g, 1, 2, 255));
+         m291_Click(r.s);
+         m372_Click(r.s);
+         m20_Click(r.s);
+     }},
     {"a multi spectrum", [](Rig& r) { CopyToMulti(r), AddPeak(r), ScalePoints(r, 3), CopyToMulti(r); }},
     {"a multi spectrum again, after one point", [](Rig& r) { CopyToMulti(r), ChangeOnePoint(r), CopyToMulti(r); }},
     {"points without a step",
