@@ -3,6 +3,7 @@
 #include "bench.h"
 #include "core/global_block.h"
 #include "sample_block.h"
+#include "session/recovery.h"
 
 #include <fmt/format.h>
 
@@ -15,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr double kDataLimitMs = 50, kListLimitMs = 1;
+constexpr double kDataLimitMs = 50, kListLimitMs = 1, kJournalLimitMs = 1;
 constexpr std::size_t kPeaks = 1000;
 
 /// A folder for the snapshots, where temporary files of this machine are.
@@ -74,6 +75,48 @@ void AddRows(std::vector<BenchRow>& rows, const std::string& name, const Times& 
     rows.push_back({name + ", redo", times.redo, "ms", limit, {}});
 }
 
+/// What the journal adds to an edit.
+std::vector<BenchRow> Journal()
+{
+    const Folder folder;
+    SampleBlock sample(kMaxPoints);
+    GlobalBlock& g = sample.g();
+    g.AppPath = folder.path();
+    g.WorkFile = folder.path() / "Work_File_1D0000.wkf";
+    DataSet& set = g.Slots[0];
+    set.par.SMODE = 1;
+    set.Peaks.resize(kPeaks);
+    SilentAsker asker;
+    Recorder recorder(g);
+    bool written = true;
+    std::vector<BenchRow> rows;
+    const auto add = [&](const char* name, double limit, auto change) {
+        double best = 1e9;
+        for (int round = 0; round < 10; ++round) {
+            change();
+            best = std::min(best, OnceMs([&] { written = recorder.Note(asker) && written; }));
+        }
+        rows.push_back({name, best, "ms", limit, {}});
+    };
+    add("journal, after a read, 1048576 points", 0, [&] {
+        ChangePoints(set);
+        g.Undo.Empty();
+    });
+    add("journal, peak, 1048576 points, 1000 peaks", kJournalLimitMs, [&] { set.Peaks[kPeaks / 2].Point += 1; });
+    add("journal, parameter, 1048576 points", kJournalLimitMs, [&] { set.par.COMNT += "x"; });
+    add("journal, nothing changed", kJournalLimitMs, [] {});
+    add("journal, reference (a new axis), 1048576 points", 0, [&] {
+        for (double& ppm : set.spec.XAxis) ppm += 0.01;
+    });
+    add("journal, phase, 1048576 points", 0, [&] {
+        UndoStep step = g.Undo.Begin(g, static_cast<std::int32_t>(UndoKind::phase));
+        ChangePoints(set);
+        g.Undo.Commit(g, std::move(step));
+    });
+    recorder.End();
+    return written ? rows : std::vector<BenchRow>{};
+}
+
 std::vector<BenchRow> Undo()
 {
     const Folder folder;
@@ -103,6 +146,7 @@ std::vector<BenchRow> Undo()
                         return ms;
                     }),
             kListLimitMs);
+    for (BenchRow& row : Journal()) rows.push_back(std::move(row));
     return rows;
 }
 

@@ -1,6 +1,7 @@
 #include "cli/cli_asker.h"
 
 #include "formats/csv_choice.h"
+#include "formats/jcamp.h"
 
 #include "session/forms.h"
 
@@ -41,6 +42,11 @@ std::optional<FileChoice> CliAsker::File(const FileDialog& dialog)
 
 FormAnswer CliAsker::Form(const FormRequest& request)
 {
+    // The reader itself says which data set it took when nothing was told.
+    if (request.form == forms::kQuestion && forms::Text(request.values, forms::kTitle) == kJcampTitle) {
+        block_asked_ = true;
+        return {block_ ? fmt::format("{}{}", kBlockAnswer, *block_) : std::string(), {}};
+    }
     if (request.form == kCsvForm) return TakeFound(request);
     // All rows are read and written as they stand; --row chooses the one whose phase is corrected.
     if (request.form == forms::kArrayData) return {forms::kOk, {{forms::kArrayMode, "1"}, {forms::kDescending, "0"}}};

@@ -5,6 +5,7 @@
 #include "formats/jcamp.h"
 #include "session/ascii_commands.h"
 #include "session/read_flow.h"
+#include "session/save_flow.h"
 
 #include <fmt/format.h>
 
@@ -14,23 +15,31 @@
 namespace nmr {
 namespace {
 
-Status WriteText(GlobalBlock& g, const ConvertOptions& options)
+Status WriteText(Session& s, const ConvertOptions& options)
 {
-    return Save_Ascii(g, options.out, options.ascii);
+    return Save_Ascii(s.g, options.out, options.ascii);
 }
 
-Status WriteJcamp(GlobalBlock& g, const ConvertOptions& options)
+Status WriteJcamp(Session& s, const ConvertOptions& options)
 {
-    return options.reduced ? WriteDataDx2(options.out, g, 0) : WriteDataDX(options.out, g, 0);
+    return options.reduced ? WriteDataDx2(options.out, s.g, 0) : WriteDataDX(options.out, s.g, 0);
+}
+
+Status WriteNative(Session& s, const ConvertOptions& options)
+{
+    return Save_Ver4(s, options.out);
 }
 
 /// What convert writes: one row for an extension.
 struct WriterRow {
     std::string_view extension;
     std::string_view help;
-    Status (*write)(GlobalBlock& g, const ConvertOptions& options);
+    Status (*write)(Session& s, const ConvertOptions& options);
 };
 constexpr WriterRow kWriters[] = {
+    {".tvo1", "native, with all rows, every parameter and the history", WriteNative},
+    {".tvo", "the same", WriteNative},
+    {".tv1", "the same", WriteNative},
     {".csv", "text with every parameter and all points", WriteText},
     {".txt", "columns of ppm and intensity, see --ascii", WriteText},
     {".dat", "the same", WriteText},
@@ -82,6 +91,7 @@ Exit RunConvert(const ConvertOptions& options)
     }
     Run run;
     run.asker.SetTableValues(options.table);
+    run.asker.SetBlock(options.block);
     run.g->settings.ref_initital = options.file_reference ? 1 : 0;
     const Status read = Read_Path(run.session, options.in, run.type);
     TellWarnings(run, options.in, read ? std::string_view() : std::string_view(read.error().text));
@@ -89,13 +99,9 @@ Exit RunConvert(const ConvertOptions& options)
         Complain(options.in, read.error().text);
         return ExitFor(read.error().code);
     }
-    if (options.row > run.g->Slots[0].RowCount) {
-        Complain(options.in,
-                 fmt::format("there is no row {}, the data have {}", options.row, run.g->Slots[0].RowCount));
-        return Exit::bad_parameters;
-    }
+    if (!HasRowAndBlock(run, options.in, options.row)) return Exit::bad_parameters;
     run.g->CurrentRow = static_cast<std::int16_t>(options.row - 1);
-    if (const Status written = writer->write(*run.g, options); !written) {
+    if (const Status written = writer->write(run.session, options); !written) {
         Complain(options.out, written.error().text);
         return written.error().code == ErrorCode::bad_value ? Exit::bad_parameters : Exit::not_written;
     }

@@ -13,7 +13,8 @@ struct ConvertOptions {
     AsciiChoice ascii;    ///< for .txt, .dat and .asc
     bool reduced = false; ///< for .dx
     bool file_reference = true;
-    std::int32_t row = 1; ///< from 1
+    std::int32_t row = 1;     ///< from 1
+    std::optional<int> block; ///< of a file of several data sets, from 1
     TableValues table;
 };
 

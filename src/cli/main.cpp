@@ -45,6 +45,13 @@ void AddReference(CLI::App& app, bool& file_reference)
         ->check(CLI::IsMember({"file", "none"}));
 }
 
+void AddRowAndBlock(CLI::App& app, std::int32_t& row, std::optional<int>& block)
+{
+    app.add_option("--row", row, "row of array data, from 1")->check(CLI::Range(1, kMaxRows));
+    app.add_option("--block", block, "data set of a JCAMP-DX file that holds several, from 1")
+        ->check(CLI::Range(1, 9999));
+}
+
 void AddProcess(CLI::App& app, ProcessOptions& options)
 {
     app.add_option("path", options.path, "data file or folder")->required();
@@ -58,7 +65,7 @@ void AddProcess(CLI::App& app, ProcessOptions& options)
               "robust (as without it), auto (circle fit), off, vendor (what the files tell), or P0[,P1[,PIVOT]] in "
               "degrees and point");
     AddReference(app, options.file_reference);
-    app.add_option("--row", options.row, "row of array data, from 1")->check(CLI::Range(1, kMaxRows));
+    AddRowAndBlock(app, options.row, options.block);
     AddParsed(app, "--range", ParseRange, options.range_ppm, "LEFT:RIGHT in ppm, for pictures and .csv");
     app.add_option("--out", options.outputs,
                    "write FILE: .tvo1, .npy, .csv, .red, .int, .Ilist, .png, .svg or .pdf; may be given again")
@@ -84,7 +91,7 @@ void AddConvert(CLI::App& app, ConvertOptions& options)
         ->type_name("TEXT");
     app.add_flag("--reduced", options.reduced, "JCAMP-DX with real and imaginary page");
     AddReference(app, options.file_reference);
-    app.add_option("--row", options.row, "row of array data, from 1")->check(CLI::Range(1, kMaxRows));
+    AddRowAndBlock(app, options.row, options.block);
     AddParsed(app, "--table", ParseTable, options.table, kTableHelp);
 }
 

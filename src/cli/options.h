@@ -57,6 +57,7 @@ struct ProcessOptions {
     PhaseChoice phase;
     bool file_reference = true;
     std::int32_t row = 1;                               ///< from 1
+    std::optional<int> block;                           ///< of a file of several data sets, from 1
     std::optional<std::pair<double, double>> range_ppm; ///< left, right
     std::vector<std::string> outputs;
     bool json = false;

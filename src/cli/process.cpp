@@ -198,6 +198,7 @@ Exit RunProcess(const ProcessOptions& options)
     }
     Run run;
     run.asker.SetTableValues(options.table);
+    run.asker.SetBlock(options.block);
     if (options.phase.kind == PhaseChoice::Kind::automatic) run.g->settings.robust_phase = 0;
     if (options.phase.kind == PhaseChoice::Kind::robust) run.g->settings.robust_phase = 1;
     run.g->settings.ref_initital = options.file_reference ? 1 : 0;
@@ -206,12 +207,7 @@ Exit RunProcess(const ProcessOptions& options)
     const Status status = Read_Path(run.session, options.path, run.type);
     if (!transform.status) return Refuse(run, options.path, transform.status.error(), options.json);
     if (!status) return Refuse(run, options.path, status.error(), options.json);
-    if (options.row > run.g->Slots[0].RowCount) {
-        Complain(options.path,
-                 fmt::format("there is no row {}, the data have {}", options.row, run.g->Slots[0].RowCount));
-        return Exit::bad_parameters;
-    }
-    run.g->CurrentRow = static_cast<std::int16_t>(options.row - 1);
+    if (!HasRowAndBlock(run, options.path, options.row)) return Exit::bad_parameters;
     if (const Status done = Analyse(*run.g, options.analysis); !done) {
         Complain(options.path, done.error().text);
         return Exit::bad_parameters;

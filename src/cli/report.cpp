@@ -134,13 +134,21 @@ Json HistoryReport(const GlobalBlock& g, const std::string& file)
     Json rows = Json::array();
     for (const HistoryRow& row : HistoryRows(set))
         rows.push_back({{"subject", row.subject}, {"operator", row.operator_name}, {"date", row.date}});
-    return {{"file", file}, {"original_file", set.par.OrgFile}, {"history", std::move(rows)}};
+    constexpr const char* kStates[] = {"not noted", "unchanged", "changed", "missing"};
+    const Original state = CheckOriginal(set);
+    Json report = {{"file", file}, {"original_file", set.par.OrgFile}};
+    report["original_state"] = kStates[static_cast<std::size_t>(state)];
+    if (state != Original::not_noted) report["original_sha256_begin"] = set.HistoryHead2;
+    report["history"] = std::move(rows);
+    return report;
 }
 
 std::string HistoryText(const Json& report)
 {
-    std::string text = fmt::format("Original File Name {}\n{:<14} {:<20} {}\n",
-                                   report["original_file"].get<std::string>(), "Subject", "Operator", "Date");
+    const std::string state = report["original_state"];
+    std::string text =
+        fmt::format("Original File Name {}{}\n{:<14} {:<20} {}\n", report["original_file"].get<std::string>(),
+                    state == "not noted" ? "" : " (" + state + ")", "Subject", "Operator", "Date");
     for (const Json& row : report["history"]) {
         std::string line = fmt::format("{:<14} {:<20} {}", row["subject"].get<std::string>(),
                                        row["operator"].get<std::string>(), row["date"].get<std::string>());

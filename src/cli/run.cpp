@@ -12,6 +12,14 @@ Run::Run()
     g->settings.vendor_start = 0; // only what the options ask for
 }
 
+bool HasRowAndBlock(const Run& run, const std::string& path, std::int32_t row)
+{
+    const std::int32_t rows = run.g->Slots[0].RowCount;
+    if (row > rows) Complain(path, fmt::format("there is no row {}, the data have {}", row, rows));
+    if (run.asker.BlockIsMissing()) Complain(path, "the file holds one data set only");
+    return row <= rows && !run.asker.BlockIsMissing();
+}
+
 void Complain(const std::string& path, const std::string& text)
 {
     fmt::print(stderr, "nmr1d-cli: {}: {}\n", path, text);

@@ -21,6 +21,9 @@ struct Run {
     Run();
 };
 
+/// False, and said so, when the read data have no such row, or their file no such data set.
+bool HasRowAndBlock(const Run& run, const std::string& path, std::int32_t row);
+
 /// "nmr1d-cli: PATH: TEXT".
 void Complain(const std::string& path, const std::string& text);
 

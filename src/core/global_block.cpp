@@ -1,5 +1,7 @@
 #include "core/global_block.h"
 
+#include "core/spec_buffer.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -12,45 +14,53 @@ namespace {
 
 /// A store kept from a set many times larger is given back, or one large file would hold its memory
 /// for the rest of the run.
+/// Whether arrays that have the right size already are zeroed, too.
+enum class Contents { zero, any };
+
 template <class T>
-void SizeRows(RowArray<T>& array, std::size_t rows, std::size_t columns)
+void SizeRows(RowArray<T>& array, std::size_t rows, std::size_t columns, Contents contents = Contents::zero)
 {
+    if (contents == Contents::any && array.rows() == rows && array.columns() == columns) return;
     if (array.rows() * array.columns() / 4 > rows * columns) array.Release();
     array.Resize(rows, columns);
 }
 
 template <class T>
-void SizeLine(std::vector<T>& line, std::size_t count)
+void SizeLine(std::vector<T>& line, std::size_t count, Contents contents = Contents::zero)
 {
+    if (contents == Contents::any && line.size() == count) return;
     if (line.capacity() / 4 > count) std::vector<T>().swap(line);
     line.assign(count, T{});
 }
 
-void SizeSpecBuffer(SpecBuffer& spec, std::size_t rows, std::size_t columns, bool with_aux)
+void SizeSpecBuffer(SpecBuffer& spec, std::size_t rows, std::size_t columns, bool with_aux, Contents contents)
 {
-    SizeLine(spec.XAxis, columns);
-    for (auto* array : {&spec.DataRe, &spec.DataIm, &spec.SourceRe, &spec.SourceIm}) SizeRows(*array, rows, columns);
-    SizeRows(spec.IntegralCurve, 1, columns);
-    SizeLine(spec.IntegralSum, columns);
+    SizeLine(spec.XAxis, columns, contents);
+    for (auto* array : {&spec.DataRe, &spec.DataIm, &spec.SourceRe, &spec.SourceIm})
+        SizeRows(*array, rows, columns, contents);
+    SizeRows(spec.IntegralCurve, 1, columns, contents);
+    SizeLine(spec.IntegralSum, columns, contents);
     if (with_aux)
         SizeRows(spec.AuxCurve, 1, columns);
     else
         spec.AuxCurve.Release();
 }
 
-void SizeWorkArrays(GlobalBlock& g, std::size_t rows, std::int32_t points)
+void SizeWorkArrays(GlobalBlock& g, std::size_t rows, std::int32_t points, Contents contents)
 {
     const std::size_t columns = static_cast<std::size_t>(points) + 1;
     SizeLine(g.RowPhase0, rows);
     SizeLine(g.RowPhase1, rows);
-    SizeRows(g.WorkRe, rows, columns);
-    SizeRows(g.WorkIm, rows, columns);
-    if (g.WindowCurve.last() / 4 > points) g.WindowCurve.Release();
-    g.WindowCurve.Resize(points);
-    SizeLine(g.WorkLine, columns);
-    SizeLine(g.CrossLine, columns);
-    for (auto& line : g.SpareLines) SizeLine(line, columns);
-    SizeLine(g.PointFlag, columns);
+    SizeRows(g.WorkRe, rows, columns, contents);
+    SizeRows(g.WorkIm, rows, columns, contents);
+    if (contents == Contents::zero || g.WindowCurve.last() != points) {
+        if (g.WindowCurve.last() / 4 > points) g.WindowCurve.Release();
+        g.WindowCurve.Resize(points);
+    }
+    SizeLine(g.WorkLine, columns, contents);
+    SizeLine(g.CrossLine, columns, contents);
+    for (auto& line : g.SpareLines) SizeLine(line, columns, contents);
+    SizeLine(g.PointFlag, columns, contents);
 }
 
 Error AllocateError(ErrorCode code, std::string text)
@@ -58,9 +68,7 @@ Error AllocateError(ErrorCode code, std::string text)
     return {code, "AllocateSpecBuffer/1DBuf", std::move(text)};
 }
 
-} // namespace
-
-Status AllocateSpecBuffer(GlobalBlock& g, std::int32_t points, std::int16_t slot)
+Status Allocate(GlobalBlock& g, std::int32_t points, std::int16_t slot, Contents contents)
 {
     if (slot < 0 || slot >= kSlotCount)
         return AllocateError(ErrorCode::bad_value, "There is no slot " + std::to_string(slot) + ".");
@@ -74,13 +82,30 @@ Status AllocateSpecBuffer(GlobalBlock& g, std::int32_t points, std::int16_t slot
                              std::to_string(set.RowCount) + " rows are more than a set can hold.");
     const auto rows = static_cast<std::size_t>(set.RowCount);
     try {
-        SizeSpecBuffer(set.spec, rows, static_cast<std::size_t>(points) + 1, slot != 0);
-        if (slot == 0) SizeWorkArrays(g, rows, points);
+        SizeSpecBuffer(set.spec, rows, static_cast<std::size_t>(points) + 1, slot != 0, contents);
+        if (slot == 0) SizeWorkArrays(g, rows, points, contents);
     } catch (const std::bad_alloc&) {
         set.spec = SpecBuffer{};
         return AllocateError(ErrorCode::too_large, "There is not enough memory for the points.");
     }
     set.spec.AllocatedPoints = points;
+    return {};
+}
+
+} // namespace
+
+Status AllocateSpecBuffer(GlobalBlock& g, std::int32_t points, std::int16_t slot)
+{
+    return Allocate(g, points, slot, Contents::zero);
+}
+
+Status AllocateToOverwrite(GlobalBlock& g, std::int32_t points, std::int16_t slot)
+{
+    if (Status allocated = Allocate(g, points, slot, Contents::any); !allocated) return allocated;
+    SpecBuffer& spec = g.Slots[static_cast<std::size_t>(slot)].spec;
+    spec.XAxis.back() = 0.0;
+    for (auto* array : {&spec.DataRe, &spec.DataIm, &spec.SourceRe, &spec.SourceIm})
+        for (std::size_t row = 0; row < array->rows(); ++row) (*array)[row].back() = 0.0F;
     return {};
 }
 

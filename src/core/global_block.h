@@ -91,9 +91,6 @@ struct GlobalBlock {
     std::string DialogResult;
     std::filesystem::path BackupFile;
     std::string OverwriteBackupName; ///< backup of the unsaved data that a read has replaced; empty: none
-    // What their backup file does not tell to the letter.
-    std::int16_t BackupSubKind = 0;
-    std::string BackupDTYPE, BackupFileName;
     std::int32_t PrinterCount = 0;
     std::int32_t MaxPoints = kMaxPoints;
     std::int32_t DefaultPoints = 8192;

@@ -1,5 +1,6 @@
 #include "core/history.h"
 
+#include "core/file_hash.h"
 #include "core/text.h"
 
 #include <algorithm>
@@ -73,6 +74,23 @@ void AppendHistory(DataSet& set, std::string_view operator_name, std::string_vie
 void AppendHistory(DataSet& set, std::string_view operator_name, std::string_view subject)
 {
     AppendHistory(set, operator_name, subject, NowLocal());
+}
+
+void NoteOriginal(DataSet& set, const std::filesystem::path& file)
+{
+    if (!set.HistoryHead2.empty()) return;
+    if (const auto digest = Sha256OfFile(file)) set.HistoryHead2 = digest->substr(0, kHistoryBytes);
+}
+
+Original CheckOriginal(const DataSet& set)
+{
+    const std::string& noted = set.HistoryHead2;
+    const bool is_digest =
+        noted.size() == kHistoryBytes && noted.find_first_not_of("0123456789abcdef") == std::string::npos;
+    if (!is_digest) return Original::not_noted;
+    const auto digest = Sha256OfFile(set.par.OrgFile);
+    if (!digest) return Original::missing;
+    return digest->starts_with(noted) ? Original::unchanged : Original::changed;
 }
 
 std::vector<HistoryRow> HistoryRows(const DataSet& set)

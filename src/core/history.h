@@ -4,6 +4,7 @@
 #include "core/data_set.h"
 #include "core/dates.h"
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,13 @@ inline constexpr char kHistorySave[] = "Saved";
 /// the file keeps.
 void AppendHistory(DataSet& set, std::string_view operator_name, std::string_view subject, const DateTime& when);
 void AppendHistory(DataSet& set, std::string_view operator_name, std::string_view subject);
+
+/// Notes in HistoryHead2 which file the data came from, when nothing stands there: the first half of its
+/// SHA-256, which is what the field has room for. A file that can't be read is not noted.
+void NoteOriginal(DataSet& set, const std::filesystem::path& file);
+/// Whether OrgFile is still the file that was noted.
+enum class Original { not_noted, unchanged, changed, missing };
+Original CheckOriginal(const DataSet& set);
 
 struct HistoryRow {
     std::string subject, operator_name, date;

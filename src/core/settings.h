@@ -749,6 +749,8 @@ struct Settings {
     std::int32_t theme = 0; ///< 0 as the desktop, 1 light, 2 dark
     /// 1: the transform form starts with size, window, shift and phases that the vendor's files tell.
     std::int32_t vendor_start = 1;
+    /// 1: the number type of Bruker data is asked for, unless the length of the file tells it.
+    std::int32_t ask_data_type = 0;
     std::int32_t robust_phase = 1;     ///< automatic phase of a transform: 1 the robust one, 0 the circle fit
     std::int32_t base_line_method = 0; ///< of the tool: 0 straight lines, 1 Whittaker, 2 Bernstein polynomial
     std::int32_t negative_peaks = 0;   ///< 1: picking takes tops below the base line too

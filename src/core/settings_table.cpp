@@ -17,6 +17,7 @@ namespace {
 constexpr SettingRow kOwnRows[] = {
     settings_rows::Count("THEME", &Settings::theme, 0, 2),
     settings_rows::Count("VENDOR START", &Settings::vendor_start, 0, 1),
+    settings_rows::Count("ASK DATA TYPE", &Settings::ask_data_type, 0, 1),
     settings_rows::Count("ROBUST PHASE", &Settings::robust_phase, 0, 1),
     settings_rows::Count("BASE LINE METHOD", &Settings::base_line_method, 0, 2),
     settings_rows::Count("NEGATIVE PEAKS", &Settings::negative_peaks, 0, 1),

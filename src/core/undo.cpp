@@ -54,6 +54,7 @@ constexpr UndoKindRow kKinds[] = {
     {142, "UnDo(ReSet Color Region)", kUndoRegions},
     {201, "UnDo(Change Multi Specrum)", kUndoMulti},
     {205, "UnDo(Change DEPT Parameter)", kUndoDept},
+    {291, "UnDo(Inversion of Spectrum)", kData | kUndoReference | kUndoPeaks | kUndoIntegrals},
     {5001, "UnDo(Data Read/OverWrite) ", kUndoBackup},
 };
 
@@ -66,14 +67,7 @@ constexpr UndoKindRow kPointKinds[] = {
 
 constexpr char kWorkFiles[] = "Work_File_1D*.wkf";
 constexpr char kLiveExtension[] = "00X";
-
-/// A claim of another run in the folder; one of a run that was killed counts too, which harms nothing.
-bool AnotherClaim(const GlobalBlock& g)
-{
-    const std::string own = g.WorkFile.filename().string();
-    const auto names = ListFiles(g.AppPath, kWorkFiles);
-    return std::ranges::any_of(names, [&](const std::string& name) { return name != own; });
-}
+constexpr char kLastLive[] = "$";
 
 DataSet& SetOf(GlobalBlock& g, const UndoStep& step)
 {
@@ -87,6 +81,13 @@ void Remove(const fs::path& file)
 }
 
 } // namespace
+
+bool AnotherClaim(const GlobalBlock& g)
+{
+    const std::string own = g.WorkFile.filename().string();
+    const auto names = ListFiles(g.AppPath, kWorkFiles);
+    return std::ranges::any_of(names, [&](const std::string& name) { return name != own; });
+}
 
 std::span<const UndoKindRow> UndoKinds()
 {
@@ -123,23 +124,41 @@ void UndoStack::PushStep(UndoStep step)
         if (std::erase(files_, lost.DataFile) > 0) Remove(lost.DataFile);
 }
 
-fs::path UndoStack::Live(const GlobalBlock& g)
+fs::path UndoStack::Live(const GlobalBlock& g, std::int16_t slot)
 {
     if (g.AppPath.empty() || snapshots_.empty()) return {};
     if (live_name_.empty()) {
         live_name_ = snapshots_ + kLiveExtension;
         if (AnotherClaim(g)) live_name_ += fmt::format("{:04}", g.WorkNumber);
     }
-    return g.AppPath / live_name_;
+    return g.AppPath / (slot == 0 ? live_name_ : fmt::format("{}S{:02}", live_name_, slot));
+}
+
+/// What the file held stays beside it under another name: the journal may count on it until its next
+/// record, and a run that is killed while it writes has lost nothing.
+bool UndoStack::WriteLive(GlobalBlock& g, std::int16_t slot)
+{
+    const fs::path live = Live(g, slot);
+    if (live.empty()) return false;
+    const fs::path last = live.string() + kLastLive;
+    live_files_.insert({live, last});
+    std::error_code ignored;
+    fs::rename(live, last, ignored);
+    return static_cast<bool>(WriteSpcDataTemp(g.Slots[static_cast<std::size_t>(slot)], live));
 }
 
 /// The live snapshot is compared rather than trusted: a tool that keeps no steps may have changed the
 /// points since, and reading costs less than a step that brings the wrong data back.
-bool UndoStack::EnsureLive(GlobalBlock& g, const DataSet& set)
+bool UndoStack::EnsureLive(GlobalBlock& g, std::int16_t slot)
 {
-    const fs::path live = Live(g);
+    const fs::path live = Live(g, slot);
     if (live.empty()) return false;
-    return HoldsSnapshotOf(set, live) || static_cast<bool>(WriteSpcDataTemp(set, live));
+    return HoldsSnapshotOf(g.Slots[static_cast<std::size_t>(slot)], live) || WriteLive(g, slot);
+}
+
+fs::path UndoStack::KeepLive(GlobalBlock& g)
+{
+    return EnsureLive(g, 0) ? Live(g, 0) : fs::path();
 }
 
 UndoStep UndoStack::Begin(GlobalBlock& g, std::int32_t kind, std::int16_t slot)
@@ -151,22 +170,22 @@ UndoStep UndoStack::Begin(GlobalBlock& g, std::int32_t kind, std::int16_t slot)
     step.Extra.rows = set.RowCount;
     step.Extra.points = set.par.POINT;
     if (const UndoKindRow* row = Row(kind)) KeepParts(g, step, row->parts);
-    if (EnsureLive(g, set)) step.DataFile = Live(g);
+    if (EnsureLive(g, slot)) step.DataFile = Live(g, slot);
     return step;
 }
 
 bool UndoStack::Commit(GlobalBlock& g, UndoStep step)
 {
-    const fs::path live = Live(g);
-    if (!step.DataFile.empty()) step.DataFile = MoveToFreeNumber(live, g.AppPath / snapshots_);
-    const DataSet& set = SetOf(g, step);
+    const std::int16_t slot = step.Slot;
+    ++point_changes_[static_cast<std::size_t>(slot)];
+    if (!step.DataFile.empty()) step.DataFile = MoveToFreeNumber(step.DataFile, g.AppPath / snapshots_);
     const bool kept = !step.DataFile.empty();
     if (kept) {
         files_.push_back(step.DataFile);
         PushStep(std::move(step));
     }
     // Without it the next step writes it anew.
-    if (!live.empty()) static_cast<void>(WriteSpcDataTemp(set, live));
+    static_cast<void>(WriteLive(g, slot));
     return kept;
 }
 
@@ -174,9 +193,10 @@ bool UndoStack::ExchangePoints(GlobalBlock& g, UndoStep& step)
 {
     DataSet& set = SetOf(g, step);
     if (set.RowCount != step.Extra.rows || set.par.POINT != step.Extra.points) return false;
-    const fs::path live = Live(g);
-    const bool can_redo = EnsureLive(g, set);
+    const fs::path live = Live(g, step.Slot);
+    const bool can_redo = EnsureLive(g, step.Slot);
     if (!ReadSpcDataTemp(set, step.DataFile)) return false;
+    ++point_changes_[static_cast<std::size_t>(step.Slot)];
     // The next rotation starts from the source, so it must not bring the change back.
     CopyDataToSource(set);
     if (can_redo && ExchangeFiles(live, step.DataFile)) return true;
@@ -191,7 +211,10 @@ bool UndoStack::Exchange(GlobalBlock& g, UndoStep& step)
 {
     const UndoKindRow* row = Row(step.Kind);
     if (row == nullptr) return false;
-    if ((row->parts & kUndoBackup) != 0) return exchange_backup && exchange_backup(g, step);
+    if ((row->parts & kUndoBackup) != 0) {
+        ++point_changes_[0];
+        return exchange_backup && exchange_backup(g, step);
+    }
     const bool points = (row->parts & kUndoPoints) != 0;
     if (points && !ExchangePoints(g, step)) return false;
     ExchangeParts(g, step, row->parts);
@@ -229,8 +252,15 @@ std::string UndoStack::RedoCaption() const
     return caption;
 }
 
+void UndoStack::Empty()
+{
+    stack_.Clear();
+    ++reads_;
+}
+
 void UndoStack::NoteSaved()
 {
+    ++saves_;
     const auto differs = [](DataSet& set) {
         set.par.DataChanged = 1;
         set.par.DataFromFile = 0;
@@ -248,8 +278,18 @@ void UndoStack::RemoveFiles(const GlobalBlock& g, bool alone)
     if (alone)
         for (const std::string& name : ListFiles(g.AppPath, snapshots_ + "*")) Remove(g.AppPath / name);
     for (const fs::path& file : files_) Remove(file);
-    if (!live_name_.empty()) Remove(g.AppPath / live_name_);
+    for (const fs::path& file : live_files_) Remove(file);
     files_.clear();
+    live_files_.clear();
+}
+
+void UndoStack::RemoveOrphans(const GlobalBlock& g)
+{
+    if (g.AppPath.empty() || snapshots_.empty()) return;
+    for (const std::string& name : ListFiles(g.AppPath, snapshots_ + "*")) {
+        const fs::path file = g.AppPath / name;
+        if (!live_files_.contains(file) && std::ranges::find(files_, file) == files_.end()) Remove(file);
+    }
 }
 
 UndoStep& PushUndoStep(GlobalBlock& g, UndoKind kind, std::span<const std::int32_t> slots)

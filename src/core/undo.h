@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -150,11 +151,23 @@ public:
     const StepStack<UndoStep>& steps() const { return stack_; }
 
     /// After a read. The files stay until the exit, so that their numbers are used once in a run.
-    void Empty() { stack_.Clear(); }
+    void Empty();
     /// After a save: every state but the present one differs from the file.
     void NoteSaved();
+
+    /// The live snapshot with the points of slot 0 as they are now; empty when it can't be written. What it
+    /// held before stays in some snapshot file at least until the next call.
+    std::filesystem::path KeepLive(GlobalBlock& g);
+    // What the journal of the run watches: how often points of a slot were changed by a step, in either
+    // direction, and how often the data were read and saved.
+    std::uint64_t point_changes(std::int16_t slot) const { return point_changes_[static_cast<std::size_t>(slot)]; }
+    std::uint64_t reads() const { return reads_; }
+    std::uint64_t saves() const { return saves_; }
     /// At exit: the snapshots of this run, or, when it is alone, of all that were killed before.
     void RemoveFiles(const GlobalBlock& g, bool alone);
+
+    /// The snapshots of runs that are gone, when this run is alone: their numbers are free again.
+    void RemoveOrphans(const GlobalBlock& g);
 
     /// Brings the set of a kUndoBackup step back and leaves in the step what stood in its place; answers
     /// whether that can be done again. Set by the read flow, which knows the readers.
@@ -164,8 +177,9 @@ private:
     const UndoKindRow* Row(std::int32_t kind) const;
     bool Exchange(GlobalBlock& g, UndoStep& step);
     bool ExchangePoints(GlobalBlock& g, UndoStep& step);
-    std::filesystem::path Live(const GlobalBlock& g);
-    bool EnsureLive(GlobalBlock& g, const DataSet& set);
+    std::filesystem::path Live(const GlobalBlock& g, std::int16_t slot);
+    bool EnsureLive(GlobalBlock& g, std::int16_t slot);
+    bool WriteLive(GlobalBlock& g, std::int16_t slot);
     void PushStep(UndoStep step);
     std::string CaptionOf(const UndoStep* step) const;
 
@@ -173,8 +187,14 @@ private:
     std::string snapshots_;
     std::string live_name_;                    ///< chosen at the first use
     std::vector<std::filesystem::path> files_; ///< snapshots of this run
+    std::set<std::filesystem::path> live_files_;
+    std::array<std::uint64_t, kSlotCount> point_changes_{};
+    std::uint64_t reads_ = 0, saves_ = 0;
     StepStack<UndoStep> stack_;
 };
+
+/// A claim of another run in the folder; one of a run that was killed counts too, which harms nothing.
+bool AnotherClaim(const GlobalBlock& g);
 
 /// A step of the main form, before its change; see UndoStack::Push.
 UndoStep& PushUndoStep(GlobalBlock& g, UndoKind kind, std::span<const std::int32_t> slots = {});

@@ -189,6 +189,18 @@ void EachSetting(Settings& live, const Members& members, Kept& kept, Op op)
     for (std::size_t i = 0; i < std::size(members); ++i) op(live.*members[i], kept[i]);
 }
 
+constexpr double Settings::*kMultiNumbers[] = {&Settings::multi_spec_shift};
+
+template <class OnSwitch, class OnNumber>
+void EachUndoSetting(OnSwitch on_switch, OnNumber on_number)
+{
+    for (const auto member : kGridSwitches) on_switch(member);
+    for (const auto member : kArraySwitches) on_switch(member);
+    for (const auto member : kGridNumbers) on_number(member);
+    for (const auto member : kDeptNumbers) on_number(member);
+    for (const auto member : kMultiNumbers) on_number(member);
+}
+
 struct Grid {
     template <class Op>
     static void Visit(GlobalBlock& g, UndoStep& step, Op op)
@@ -237,7 +249,7 @@ struct Multi {
     {
         for (std::size_t i = 0; i < step.OldRows.size(); ++i)
             nmr::Visit(g.Slots[static_cast<std::size_t>(step.OldRows[i])], step.OldSets[i], op);
-        op(g.settings.multi_spec_shift, step.Extra.numbers[0]);
+        EachSetting(g.settings, kMultiNumbers, step.Extra.numbers, op);
         op(g.DiffMode, step.Extra.DiffMode);
         op(g.DiffCount, step.Extra.DiffCount);
     }
@@ -296,6 +308,25 @@ void ExchangeParts(GlobalBlock& g, UndoStep& step, std::uint32_t parts)
 {
     for (const PartRow& row : kParts)
         if ((row.parts & parts) != 0) row.exchange(g, step);
+}
+
+UndoSettings TakeUndoSettings(const Settings& settings)
+{
+    UndoSettings values;
+    EachUndoSetting([&](std::int32_t Settings::*member) { values.switches.push_back(settings.*member); },
+                    [&](double Settings::*member) { values.numbers.push_back(settings.*member); });
+    return values;
+}
+
+bool PutUndoSettings(Settings& settings, const UndoSettings& values)
+{
+    const UndoSettings now = TakeUndoSettings(settings);
+    if (values.switches.size() != now.switches.size() || values.numbers.size() != now.numbers.size()) return false;
+    auto next_switch = values.switches.begin();
+    auto next_number = values.numbers.begin();
+    EachUndoSetting([&](std::int32_t Settings::*member) { settings.*member = *next_switch++; },
+                    [&](double Settings::*member) { settings.*member = *next_number++; });
+    return true;
 }
 
 } // namespace nmr

@@ -116,9 +116,10 @@ void AppendShortHead(fmt::memory_buffer& text, const ParamBlock& par)
     Append(text, "SMODE,1,\n$END,,\n");
 }
 
-Status Write(const std::string& path, const fmt::memory_buffer& text)
+Status Write(const std::string& path, const Result<std::string>& text)
 {
-    Status written = WriteWholeFile(path, std::string_view(text.data(), text.size()));
+    if (!text) return text.error();
+    Status written = WriteWholeFile(path, std::string_view(*text));
     if (!written) return Error{written.error().code, kWhere, written.error().text};
     return {};
 }
@@ -145,8 +146,8 @@ std::optional<AsciiChoice> ParseAsciiWord(std::string_view word)
     return choice;
 }
 
-Status WriteDataAscii(const std::string& path, const GlobalBlock& g, AsciiMode mode, std::int16_t slot,
-                      std::int32_t points, double screen_height)
+Result<std::string> AsciiText(const GlobalBlock& g, AsciiMode mode, std::int16_t slot, std::int32_t points,
+                              double screen_height)
 {
     const auto curve = CurveOf(g, slot);
     if (!curve) return curve.error();
@@ -160,10 +161,10 @@ Status WriteDataAscii(const std::string& path, const GlobalBlock& g, AsciiMode m
         AppendPoint(text, curve->ppm[point], static_cast<double>(curve->values[point]) / divisor);
     }
     Append(text, "\n");
-    return Write(path, text);
+    return fmt::to_string(text);
 }
 
-Status WriteAscii2(const std::string& path, const GlobalBlock& g, std::int16_t slot)
+Result<std::string> Ascii2Text(const GlobalBlock& g, std::int16_t slot)
 {
     const auto curve = CurveOf(g, slot);
     if (!curve) return curve.error();
@@ -176,7 +177,18 @@ Status WriteAscii2(const std::string& path, const GlobalBlock& g, std::int16_t s
     for (std::size_t i = 0; i < curve->values.size(); ++i)
         AppendPoint(text, curve->ppm[i], static_cast<double>(curve->values[i]));
     Append(text, "\n");
-    return Write(path, text);
+    return fmt::to_string(text);
+}
+
+Status WriteDataAscii(const std::string& path, const GlobalBlock& g, AsciiMode mode, std::int16_t slot,
+                      std::int32_t points, double screen_height)
+{
+    return Write(path, AsciiText(g, mode, slot, points, screen_height));
+}
+
+Status WriteAscii2(const std::string& path, const GlobalBlock& g, std::int16_t slot)
+{
+    return Write(path, Ascii2Text(g, slot));
 }
 
 } // namespace nmr

@@ -38,7 +38,12 @@ std::optional<AsciiChoice> ParseAsciiWord(std::string_view word);
 Status WriteDataAscii(const std::string& path, const GlobalBlock& g, AsciiMode mode, std::int16_t slot,
                       std::int32_t points = 0, double screen_height = 1.0);
 
+/// The text that it writes.
+Result<std::string> AsciiText(const GlobalBlock& g, AsciiMode mode, std::int16_t slot, std::int32_t points = 0,
+                              double screen_height = 1.0);
+
 /// Writes the block form: the full head, then all points of the shown row as they are.
 Status WriteAscii2(const std::string& path, const GlobalBlock& g, std::int16_t slot);
+Result<std::string> Ascii2Text(const GlobalBlock& g, std::int16_t slot);
 
 } // namespace nmr

@@ -190,25 +190,33 @@ Result<Bytes> ReadPoints(const std::string& path, std::string_view where, std::s
     return bytes;
 }
 
-bool IsSer(const FileType& type)
+/// "Form120", where the settings want it: old files do not tell what their numbers are.
+void AskNumberType(const ReadRequest& request, BrukerParameters& parameters)
 {
-    return EqualsNoCase(type.data_name, "SER");
+    constexpr std::pair<std::string_view, BrukerNumber> kWords[] = {
+        {"LONG", BrukerNumber::int32}, {"SINGLE", BrukerNumber::float32}, {"DOUBLE", BrukerNumber::float64}};
+    if (request.g.settings.ask_data_type != 1) return;
+    const std::string answer = request.asker.Form({"Form120", {}}).dialog_result;
+    for (const auto& [word, number] : kWords)
+        if (answer == word) parameters.asked_number = number;
 }
 
-Status ReadRows(const ReadRequest& request, const BrukerPaths& paths, const BrukerParameters& acqus,
+Status ReadRows(const ReadRequest& request, const BrukerPaths& paths, BrukerParameters& acqus,
                 const BrukerParameters* procs)
 {
-    const bool array = IsSer(request.type);
+    const bool array = IsBrukerRows(request.type);
     const std::size_t largest = array ? kMaxFile * static_cast<std::size_t>(kMaxRows) : kMaxFile;
     const auto bytes = ReadPoints(paths.data, "ReadDataBruker/1DDRW", array ? "ser" : "fid", largest);
     if (!bytes) return bytes.error();
+    if (const auto td = acqus.Number("TD"); array || !td || static_cast<double>(bytes->size()) != 8 * *td)
+        AskNumberType(request, acqus);
     if (!array) return ReadDataBruker(request.g, request.slot, acqus, procs, Family(request.type), *bytes);
-    return ReadBrukerArray(request.g, request.slot, acqus, procs, request.type.directory, *bytes);
+    return ReadBrukerArray(request.g, request.slot, acqus, procs, Family(request.type), request.type.directory, *bytes);
 }
 
 Status ReadFid(const ReadRequest& request, const BrukerPaths& paths)
 {
-    const auto acqus = ReadParaBruker(request, paths.acqus);
+    auto acqus = ReadParaBruker(request, paths.acqus);
     if (!acqus) return acqus.error();
     DataSet& set = SlotOf(request);
     std::optional<BrukerParameters> procs; // only a help for a FID: without it BF1 is the reference
@@ -234,8 +242,9 @@ Status ReadSpectrum(const ReadRequest& request, const BrukerPaths& paths)
     } else {
         SlotOf(request).Warnings.emplace_back("There is no acqus: nucleus and frequency follow from procs.");
     }
-    const auto procs = ReadParaBrukerProcs(request, paths.procs);
+    auto procs = ReadParaBrukerProcs(request, paths.procs);
     if (!procs) return procs.error();
+    AskNumberType(request, *procs);
     const auto re = ReadPoints(paths.data, "ReadDataBrukerProc/1DDRW", "1r");
     if (!re) return re.error();
     Bytes im;
@@ -281,7 +290,7 @@ Result<BrukerParameters> ReadParaBrukerProcs(const ReadRequest& request, const s
 
 Status ReadBruker(const ReadRequest& request)
 {
-    const bool plane = IsSer(request.type) && !IsBrukerArray(request.type);
+    const bool plane = IsBrukerRows(request.type) && !IsBrukerArray(request.type);
     if (IsTwoDimensional(request.type.code) || plane || EqualsNoCase(request.type.data_name, "2RR"))
         return Error{ErrorCode::two_dimensional, "ReadDataBruker/1DDRW",
                      "two-dimensional data (ser, 2rr) can't be read here"};

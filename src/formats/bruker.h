@@ -12,6 +12,7 @@
 
 #include "core/vendor_processing.h"
 #include "formats/registry.h"
+#include "formats/word_block.h"
 
 #include <map>
 #include <optional>
@@ -19,6 +20,8 @@
 #include <vector>
 
 namespace nmr {
+
+enum class BrukerNumber { int32 = 0, float32 = 1, float64 = 2 };
 
 /// A parameter file: text, or the values of an array, by name. Names keep their case (SW is not SW_h).
 class BrukerParameters {
@@ -36,6 +39,8 @@ public:
     bool IsVendorFile() const;
     /// The file has its ##END record: nothing was cut off.
     bool ended() const { return ended_; }
+    /// What the user said of the numbers of the file of points; nothing when not asked.
+    std::optional<BrukerNumber> asked_number;
 
 private:
     void Add(std::string_view label, std::string_view value);
@@ -60,18 +65,19 @@ enum class BrukerUse { fid, spectrum };
 /// their value; nothing is refused here.
 void ApplyBrukerRecords(const BrukerParameters& acqus, BrukerUse use, const NuclearTable& nuclides, ParamBlock& par);
 
-enum class BrukerNumber { int32 = 0, float32 = 1, float64 = 2 };
 struct BrukerCode {
     BrukerNumber number = BrukerNumber::int32;
     bool big_endian = false;
 };
+WordKind KindOf(BrukerNumber number);
+std::endian OrderOf(BrukerCode code);
 enum class BrukerFamily { directory, flat };
 
 /// Whether a 0 ppm frequency can belong to what was observed: within 2 %, which no chemical shift exceeds.
 bool IsSameNucleus(double zero_ppm_mhz, double observed_mhz);
 
-/// How a file of `count` values is stored: 8 bytes for each value force float64, else DTYPA or DTYPP
-/// (`type_name`) decides, 0 without it; the byte order is BYTORDA or BYTORDP (`order_name`).
+/// How a file of `count` values is stored: 8 bytes for each value force float64, else what the user was asked
+/// decides, else DTYPA or DTYPP (`type_name`), 0 without it; the byte order is BYTORDA or BYTORDP (`order_name`).
 BrukerCode FindBrukerCode(const BrukerParameters& parameters, std::string_view type_name, std::string_view order_name,
                           BrukerFamily family, ByteSpan file, std::uint64_t count);
 
@@ -96,15 +102,27 @@ Status FillParaBrukerProcs(GlobalBlock& g, std::int16_t slot, const BrukerParame
 Status ReadDataBruker(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
                       BrukerFamily family, ByteSpan fid);
 
-/// A ser file whose rows are an array, not the second dimension of a plane: acqu2s has no quadrature in
+/// Whether a file holds rows: ser of a folder, or a flat *.ser.
+bool IsBrukerRows(const FileType& type);
+
+/// A file of rows that are an array, not the second dimension of a plane: acqu2s has no quadrature in
 /// that direction (FnMODE 0 or 1) and a list (vdlist, vplist, vclist, vtlist) tells the value of each row.
 bool IsBrukerArray(const FileType& type);
+/// By the parameters of the second direction; missing ones count as none.
+bool HasNoQuadrature(const BrukerParameters& indirect);
+
+/// A list of row values: "vdlist" and its like, one value a line.
+struct BrukerList {
+    std::string name, text;
+};
+/// Values, name and unit of the rows, RowCount of them; without a usable list they are numbered.
+void SetBrukerRowValues(const BrukerList& list, DataSet& set);
 
 /// Rows of such a file, as ReadDataBruker reads one, all on one scale so that their heights keep their
 /// ratios; RowValueA, name and unit from the list in `folder`.
 /// @return too_large above kMaxRows rows
 Status ReadBrukerArray(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
-                       const std::string& folder, ByteSpan ser);
+                       BrukerFamily family, const std::string& folder, ByteSpan ser);
 
 /// Points of a spectrum whose parameters stand in the slot, and its axis, from high to low ppm. Run with
 /// the bytes of 1r and of 1i; an empty 1i leaves the imaginary part 0.

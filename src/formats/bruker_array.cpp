@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 
 namespace nmr {
 
@@ -29,6 +30,8 @@ struct ListKind {
     double scale;         ///< from seconds to the unit
 };
 
+constexpr std::string_view kSer = ".SER"; // extension of a flat file of rows
+
 constexpr ListKind kLists[] = {
     {"vdlist", "vd", "s", "t(s)", 1, 1},
     {"vplist", "vp", "us", "vp(us)", 1e-6, 1e6},
@@ -36,16 +39,10 @@ constexpr ListKind kLists[] = {
     {"vtlist", "vt", "K", "vt(K)", 0, 1},
 };
 
-struct FoundList {
-    const ListKind* kind = nullptr;
-    std::string path;
-};
-
-FoundList FindList(const std::string& folder)
+const ListKind* KindOfList(std::string_view file)
 {
-    for (const ListKind& kind : kLists)
-        if (const auto path = FindInFolder(folder, kind.file)) return {&kind, path->string()};
-    return {};
+    const auto kind = std::ranges::find_if(kLists, [&](const ListKind& k) { return EqualsNoCase(k.file, file); });
+    return kind == std::end(kLists) ? nullptr : &*kind;
 }
 
 /// "0.25s", "100m", "30us", "5": the value of one line in the unit of its list.
@@ -67,12 +64,9 @@ std::optional<double> ListValue(std::string_view line, const ListKind& kind, boo
     return std::nullopt;
 }
 
-std::vector<float> ReadList(const FoundList& list, std::vector<std::string>& warnings)
+std::vector<float> ReadList(std::string_view text, const ListKind& kind, std::vector<std::string>& warnings)
 {
     std::vector<float> values;
-    const auto bytes = ReadFileHead(list.path, kLargestList);
-    if (!bytes) return values;
-    std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
     bool without_unit = false;
     std::size_t unread = 0;
     while (!text.empty() && values.size() < static_cast<std::size_t>(kMaxRows)) {
@@ -80,16 +74,29 @@ std::vector<float> ReadList(const FoundList& list, std::vector<std::string>& war
         const std::string_view line = Trim(text.substr(0, end));
         text.remove_prefix(std::min(end + 1, text.size()));
         if (line.empty()) continue;
-        if (const auto value = ListValue(line, *list.kind, without_unit))
+        if (const auto value = ListValue(line, kind, without_unit))
             values.push_back(static_cast<float>(*value));
         else
             ++unread;
     }
     if (unread > 0)
-        warnings.push_back(fmt::format("{} lines of {} are no values and are left out.", unread, list.kind->file));
-    if (without_unit && list.kind->plain_seconds != 1)
-        warnings.push_back(fmt::format("Values of {} without a unit are taken for microseconds.", list.kind->file));
+        warnings.push_back(fmt::format("{} lines of {} are no values and are left out.", unread, kind.file));
+    if (without_unit && kind.plain_seconds != 1)
+        warnings.push_back(fmt::format("Values of {} without a unit are taken for microseconds.", kind.file));
     return values;
+}
+
+/// The first list of values in a folder; its name is empty when there is none.
+BrukerList FindList(const std::string& folder)
+{
+    for (const ListKind& kind : kLists) {
+        const auto path = FindInFolder(folder, kind.file);
+        if (!path) continue;
+        const auto bytes = ReadFileHead(path->string(), kLargestList);
+        if (!bytes) continue;
+        return {std::string(kind.file), std::string(reinterpret_cast<const char*>(bytes->data()), bytes->size())};
+    }
+    return {};
 }
 
 BrukerParameters Indirect(const std::string& folder)
@@ -116,36 +123,84 @@ struct SerLayout {
     }
 };
 
-SerLayout LayoutOf(const BrukerParameters& acqus, ByteSpan file, std::uint64_t told_rows)
+SerLayout LayoutOf(const BrukerParameters& acqus, BrukerFamily family, ByteSpan file, std::uint64_t told_rows)
 {
     SerLayout layout;
     layout.values = static_cast<std::uint64_t>(acqus.Number("TD").value_or(0));
     // Length tells nothing of the type here: rows are padded.
-    layout.code = FindBrukerCode(acqus, "DTYPA", "BYTORDA", BrukerFamily::directory, file, 0);
+    layout.code = FindBrukerCode(acqus, "DTYPA", "BYTORDA", family, file, 0);
     layout.size = layout.code.number == BrukerNumber::float64 ? 8 : 4;
     const std::uint64_t row = layout.values * layout.size;
     layout.stride = (row + kRowBlock - 1) / kRowBlock * kRowBlock;
-    if (told_rows > 1 && file.size() == row * told_rows) layout.stride = row;
+    const bool exact = row > 0 && file.size() % row == 0; // the rows of flat files are not filled up
+    if (told_rows > 1 ? file.size() == row * told_rows : family == BrukerFamily::flat && exact) layout.stride = row;
     return layout;
 }
 
 /// Rows that the file begins, at most those that were told; 0 told means as many as there are.
-std::uint64_t RowsOf(const SerLayout& layout, ByteSpan file, std::uint64_t told, std::vector<std::string>& warnings)
+std::uint64_t RowsOf(const SerLayout& layout, BrukerFamily family, ByteSpan file, std::uint64_t told,
+                     std::vector<std::string>& warnings)
 {
     const std::uint64_t begun = (file.size() + layout.stride - 1) / layout.stride;
     if (told == 0) {
-        warnings.emplace_back("acqu2s does not tell the number of rows: it follows from the length of ser.");
+        if (family == BrukerFamily::directory)
+            warnings.emplace_back("acqu2s does not tell the number of rows: it follows from the length of ser.");
         return begun;
     }
     if (begun < told) warnings.push_back(fmt::format("ser is cut short: {} of {} rows are there.", begun, told));
     return std::min(begun, told);
 }
 
-void SetRowValues(const std::string& folder, DataSet& set)
+/// One-channel rows have no imaginary part, REVERSE turns that of others round.
+struct RowForm {
+    std::size_t parts = 2;
+    double sign = 1;
+};
+
+std::size_t DecodeRow(ByteSpan file, const SerLayout& layout, std::uint64_t row, RowForm form, std::span<double> re,
+                      std::span<double> im)
 {
-    const auto rows = static_cast<std::size_t>(set.RowCount);
-    const FoundList list = FindList(folder);
-    const std::vector<float> values = list.kind ? ReadList(list, set.Warnings) : std::vector<float>();
+    const auto [parts, sign] = form;
+    const std::size_t points = layout.Held(file, row) / parts;
+    if (points == 0) return 0;
+    const auto bytes = file.subspan(static_cast<std::size_t>(row * layout.stride));
+    const WordKind kind = KindOf(layout.code.number);
+    if (parts == 1) {
+        DecodeWords(bytes, kind, OrderOf(layout.code), re.first(points));
+        std::ranges::fill(im.first(points), 0.0);
+        return points;
+    }
+    DecodePairs(bytes, kind, OrderOf(layout.code), re.first(points), im.first(points));
+    if (sign < 0)
+        for (double& value : im.first(points)) value = -value;
+    return points;
+}
+
+} // namespace
+
+bool IsBrukerRows(const FileType& type)
+{
+    return EqualsNoCase(type.data_name, "SER") ||
+           EqualsNoCase(std::filesystem::path(type.path).extension().string(), kSer);
+}
+
+bool IsBrukerArray(const FileType& type)
+{
+    if (!IsBrukerRows(type) || FindList(type.directory).name.empty()) return false;
+    return HasNoQuadrature(Indirect(type.directory));
+}
+
+bool HasNoQuadrature(const BrukerParameters& indirect)
+{
+    const double mode = indirect.Number("FnMODE").value_or(0);
+    return mode == 0 || mode == 1;
+}
+
+void SetBrukerRowValues(const BrukerList& list, DataSet& set)
+{
+    const auto rows = std::min(static_cast<std::size_t>(set.RowCount), set.RowValueA.size());
+    const ListKind* kind = KindOfList(list.name);
+    const std::vector<float> values = kind ? ReadList(list.text, *kind, set.Warnings) : std::vector<float>();
     set.par.RowCountCopy = set.RowCount;
     if (values.empty()) {
         for (std::size_t row = 0; row < rows; ++row) set.RowValueA[row] = static_cast<float>(row + 1);
@@ -156,50 +211,21 @@ void SetRowValues(const std::string& folder, DataSet& set)
     // The console starts again at the top of a list that is too short.
     for (std::size_t row = 0; row < rows; ++row) set.RowValueA[row] = values[row % values.size()];
     if (values.size() != rows)
-        set.Warnings.push_back(fmt::format("{} has {} values for {} rows.", list.kind->file, values.size(), rows));
-    set.RowParamName = list.kind->parameter;
-    set.RowParamUnit = list.kind->unit;
-    set.RowHeading = list.kind->heading;
-}
-
-/// One-channel rows have no imaginary part, REVERSE turns that of others round.
-struct RowForm {
-    std::size_t parts = 2;
-    double sign = 1;
-};
-
-std::size_t DecodeRow(ByteSpan file, const SerLayout& layout, std::uint64_t row, RowForm form, std::span<double> re,
-                      std::span<double> im, std::uint64_t& damaged)
-{
-    const auto [parts, sign] = form;
-    const std::size_t held = layout.Held(file, row) / parts * parts;
-    const auto bytes = held == 0 ? ByteSpan() : file.subspan(static_cast<std::size_t>(row * layout.stride));
-    const std::vector<double> values = DecodeBruker(bytes, layout.code, held, damaged);
-    for (std::size_t i = 0; i < held / parts; ++i) {
-        re[i] = values[parts * i];
-        im[i] = parts == 2 ? sign * values[2 * i + 1] : 0;
-    }
-    return held / parts;
-}
-
-} // namespace
-
-bool IsBrukerArray(const FileType& type)
-{
-    if (!EqualsNoCase(type.data_name, "SER") || !FindList(type.directory).kind) return false;
-    const double mode = Indirect(type.directory).Number("FnMODE").value_or(0);
-    return mode == 0 || mode == 1;
+        set.Warnings.push_back(fmt::format("{} has {} values for {} rows.", kind->file, values.size(), rows));
+    set.RowParamName = kind->parameter;
+    set.RowParamUnit = kind->unit;
+    set.RowHeading = kind->heading;
 }
 
 Status ReadBrukerArray(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
-                       const std::string& folder, ByteSpan ser)
+                       BrukerFamily family, const std::string& folder, ByteSpan ser)
 {
     DataSet& set = g.Slots[static_cast<std::size_t>(slot)];
     const double td = Indirect(folder).Number("TD").value_or(0);
     const auto told = static_cast<std::uint64_t>(std::clamp(td, 0.0, 1e9));
-    const SerLayout layout = LayoutOf(acqus, ser, told);
+    const SerLayout layout = LayoutOf(acqus, family, ser, told);
     if (ser.size() < 2 * layout.size) return Error{ErrorCode::truncated, std::string(kWhere), "ser holds no points"};
-    const std::uint64_t rows = RowsOf(layout, ser, told, set.Warnings);
+    const std::uint64_t rows = RowsOf(layout, family, ser, told, set.Warnings);
     if (rows > static_cast<std::uint64_t>(kMaxRows))
         return Error{ErrorCode::too_large, std::string(kWhere), fmt::format("{} rows", rows)};
     set.RowCount = static_cast<std::int32_t>(rows);
@@ -208,17 +234,15 @@ Status ReadBrukerArray(GlobalBlock& g, std::int16_t slot, const BrukerParameters
         set.Warnings.push_back(fmt::format("ser is cut short in row {}: what is missing is zero.", rows));
     const bool reversed = procs != nullptr && EqualsNoCase(procs->Text("REVERSE").value_or("no"), "yes");
     const RowForm form{set.par.AcqMode == 1 ? std::size_t{1} : std::size_t{2}, reversed ? -1.0 : 1.0};
-    std::uint64_t damaged = 0;
     const FidRows source{static_cast<std::size_t>(rows), static_cast<std::size_t>(set.par.FIDPoints),
                          [&](std::size_t row, std::span<double> re, std::span<double> im) {
-                             return DecodeRow(ser, layout, row, form, re, im, damaged);
+                             return DecodeRow(ser, layout, row, form, re, im);
                          }};
-    static_cast<void>(StoreFidRows(source, set.spec));
-    if (damaged > 0) // every row is decoded twice
-        set.Warnings.push_back(fmt::format("{} values of ser are no numbers and read as zero.", damaged / 2));
+    if (const std::uint64_t damaged = StoreFidRows(source, set.spec); damaged > 0)
+        set.Warnings.push_back(fmt::format("{} values of ser are no numbers and read as zero.", damaged));
     g.DataScale = kFidScale;
     set.par.Limit164 = kFidScale;
-    SetRowValues(folder, set);
+    SetBrukerRowValues(FindList(folder), set);
     return {};
 }
 

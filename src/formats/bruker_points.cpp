@@ -28,28 +28,14 @@ std::size_t BytesOf(BrukerNumber number)
     return number == BrukerNumber::float64 ? 8 : 4;
 }
 
-double ValueAt(ByteSpan file, BrukerCode code, std::size_t offset)
-{
-    switch (code.number) {
-    case BrukerNumber::float64:
-        return code.big_endian ? GetDoubleBE(file, offset) : GetDoubleLE(file, offset);
-    case BrukerNumber::float32:
-        return code.big_endian ? GetSingleBE(file, offset) : GetSingleLE(file, offset);
-    case BrukerNumber::int32:
-        break;
-    }
-    return code.big_endian ? GetLongBE(file, offset) : GetLongLE(file, offset);
-}
-
 /// Small integers are denormal floats and negative ones are no numbers at all, so hardly any word of a
 /// measured integer file looks like a float of ordinary size.
 bool LooksLikeFloats(ByteSpan file, bool big_endian)
 {
-    const BrukerCode code{BrukerNumber::float32, big_endian};
     const std::size_t words = file.size() / 4;
     std::size_t plausible = 0, zeros = 0;
     for (std::size_t i = 0; i < words; ++i) {
-        const double size = std::fabs(ValueAt(file, code, 4 * i));
+        const double size = std::fabs(big_endian ? GetSingleBE(file, 4 * i) : GetSingleLE(file, 4 * i));
         if (size == 0)
             ++zeros;
         else if (size > 1e-15 && size < 1e20)
@@ -117,13 +103,33 @@ Result<std::vector<double>> ReadValues(DataSet& set, std::string_view where, std
 
 } // namespace
 
+WordKind KindOf(BrukerNumber number)
+{
+    switch (number) {
+    case BrukerNumber::float64:
+        return WordKind::float64;
+    case BrukerNumber::float32:
+        return WordKind::float32;
+    case BrukerNumber::int32:
+        break;
+    }
+    return WordKind::int32;
+}
+
+std::endian OrderOf(BrukerCode code)
+{
+    return code.big_endian ? std::endian::big : std::endian::little;
+}
+
 BrukerCode FindBrukerCode(const BrukerParameters& parameters, std::string_view type_name, std::string_view order_name,
                           BrukerFamily family, ByteSpan file, std::uint64_t count)
 {
     BrukerCode code;
     code.big_endian = parameters.Number(order_name).value_or(0) == 1;
     const double type = parameters.Number(type_name).value_or(0);
-    if (file.size() == 8 * count || type == 2)
+    if (parameters.asked_number && file.size() != 8 * count)
+        code.number = *parameters.asked_number;
+    else if (file.size() == 8 * count || type == 2)
         code.number = BrukerNumber::float64;
     else if (type == 1 || (family == BrukerFamily::flat && LooksLikeFloats(file, code.big_endian)))
         code.number = BrukerNumber::float32;
@@ -138,13 +144,12 @@ bool IsSameNucleus(double zero_ppm_mhz, double observed_mhz)
 
 std::vector<double> DecodeBruker(ByteSpan file, BrukerCode code, std::uint64_t count, std::uint64_t& damaged)
 {
-    const std::size_t size = BytesOf(code.number);
-    std::vector<double> values(std::min<std::uint64_t>(count, file.size() / size));
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const double value = ValueAt(file, code, i * size);
-        const bool sound = std::fabs(value) <= kMaxValue; // false for NaN
-        values[i] = sound ? value : 0;
-        damaged += sound ? 0 : 1;
+    std::vector<double> values(std::min<std::uint64_t>(count, file.size() / BytesOf(code.number)));
+    DecodeWords(file, KindOf(code.number), OrderOf(code), values);
+    for (double& value : values) {
+        if (std::fabs(value) <= kMaxValue) continue; // false for NaN
+        value = 0;
+        ++damaged;
     }
     return values;
 }
@@ -228,8 +233,8 @@ Status ReadDataBruker(GlobalBlock& g, std::int16_t slot, const BrukerParameters&
         set.Warnings.emplace_back("The FID has one channel (AQ_mod 0): every line has a mirror image at the other side "
                                   "of the carrier.");
     if (set.par.AcqMode == kSequential)
-        set.Warnings.emplace_back("The FID was taken sequentially (AQ_mod 2) but is read as simultaneous: lines have "
-                                  "mirror images and the phase turns by half a point.");
+        set.Warnings.emplace_back("The FID was taken sequentially (AQ_mod 2): its imaginary part, taken half a point "
+                                  "later, is moved to the times of the real part.");
     g.DataScale = kFidScale;
     set.par.Limit164 = kFidScale;
     return {};

@@ -82,7 +82,7 @@ void Store(T& field, const BrukerParameters& acqus, const BrukerRecord& record)
         const auto numbers = acqus.Numbers(record.name);
         if (record.element < numbers.size()) number = numbers[record.element];
     }
-    if (!number) return;
+    if (!number || (record.offset != 0 && *number <= 0)) return; // 0 K was not measured
     const double value = *number + record.offset;
     if constexpr (std::is_same_v<T, float>) {
         constexpr double limit = std::numeric_limits<float>::max();

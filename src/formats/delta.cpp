@@ -255,8 +255,9 @@ Status ReadDataDelta(GlobalBlock& g, std::int16_t slot, ByteSpan file)
     set.RowCount = 1;
     if (Status made = AllocateSpecBuffer(g, set.par.POINT, slot); !made) return made;
     if (Status read = ReadPoints(set, file, *layout, header.little()); !read) return read;
-    return header.IsSpectrum() ? FinishSpectrum(set, header, parameters, *layout)
-                               : FinishFid(set, header, parameters, *layout);
+    if (header.IsSpectrum()) return FinishSpectrum(set, header, parameters, *layout);
+    set.vendor = FindDeltaProcessing(file, header, set.par.POINT);
+    return FinishFid(set, header, parameters, *layout);
 }
 
 Status ReadDelta(const ReadRequest& request)

@@ -18,7 +18,7 @@ constexpr ByteField<DeltaHeader> kHead[] = {
     {180, &DeltaHeader::points2},          {208, &DeltaHeader::first_valid},      {240, &DeltaHeader::last_valid},
     {272, &DeltaHeader::axis_start},       {336, &DeltaHeader::axis_stop},        {1064, &DeltaHeader::base_mhz},
     {1212, &DeltaHeader::parameter_start}, {1216, &DeltaHeader::parameter_bytes}, {1284, &DeltaHeader::data_start},
-    {1292, &DeltaHeader::data_bytes},
+    {1292, &DeltaHeader::data_bytes},      {1300, &DeltaHeader::context_start},   {1304, &DeltaHeader::context_bytes},
 };
 constexpr TextField<DeltaHeader> kTexts[] = {
     {48, 124, &DeltaHeader::title},    {424, 128, &DeltaHeader::site},   {552, 128, &DeltaHeader::author},

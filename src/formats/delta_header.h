@@ -39,6 +39,7 @@ struct DeltaHeader {
     double base_mhz = 0;
     std::uint32_t parameter_start = 0, parameter_bytes = 0;
     std::uint32_t data_start = 0, data_bytes = 0;
+    std::uint32_t context_start = 0, context_bytes = 0; ///< text of the experiment, and how to process it
     std::string title, site, author, comment, nucleus, nucleus2;
 
     bool little() const { return little_sections != 0; }

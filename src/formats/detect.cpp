@@ -531,7 +531,9 @@ void Detector::Interpret(int family, const ProbeAnswer& answer)
         return;
     }
     std::string_view tag = spectrum ? row->tag_2d_spectrum : row->tag_2d_fid;
-    if (!answer.mode.starts_with('V') || tag.empty()) return;
+    constexpr int kJcamp = 13; // it says "2D" where others say "V2D"
+    const bool plane = answer.mode.starts_with('V') || (family == kJcamp && answer.mode.starts_with("2D"));
+    if (!plane || tag.empty()) return;
     if (tag == "GXD2F" && answer.mode.starts_with("VPH")) tag = "GXD2FPH";
     Accept(family, kTwoDimensionalBit | flag, tag, answer);
 }

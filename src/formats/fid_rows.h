@@ -14,7 +14,7 @@ namespace nmr {
 struct FidRows {
     std::size_t rows = 1, points = 0; ///< complex points of each row
     /// Fills real and imaginary parts of a row with the stored numbers and returns how many points the
-    /// file holds of it. It is called twice for every row.
+    /// file holds of it. It is called twice for every row of several.
     std::function<std::size_t(std::size_t row, std::span<double> re, std::span<double> im)> decode;
 };
 

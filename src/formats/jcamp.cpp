@@ -3,6 +3,7 @@
 #include "formats/jcamp.h"
 
 #include "core/file_layer.h"
+#include "core/numbers.h"
 #include "core/text.h"
 #include "formats/jcamp_fields.h"
 
@@ -62,6 +63,16 @@ bool IsOneDimensionalKind(JcampKind kind)
     return kind == JcampKind::fid || kind == JcampKind::spectrum;
 }
 
+bool HoldsFid(const JcampBlock& block)
+{
+    return NormalLabel(block.Value("DATATYPE")).find("NMRFID") != std::string::npos;
+}
+
+bool IsUsable(const JcampBlock& block)
+{
+    return (IsOneDimensionalKind(KindOf(block)) && RealTable(block) != nullptr) || IsArrayBlock(block);
+}
+
 /// Why no block of the file can be read.
 Error NothingToRead(const JcampFile& file)
 {
@@ -78,8 +89,19 @@ Error NothingToRead(const JcampFile& file)
 std::string Caption(const JcampBlock& block, std::size_t number)
 {
     const std::string_view title = block.Value("TITLE");
-    return fmt::format("{}: {}{}{}", number, KindOf(block) == JcampKind::fid ? "FID" : "Spectrum",
-                       title.empty() ? "" : ", ", FromUnknownCodePage(Left(title, 40)));
+    return fmt::format("{}: {}{}{}", number, HoldsFid(block) ? "FID" : "Spectrum", title.empty() ? "" : ", ",
+                       FromUnknownCodePage(Left(title, 40)));
+}
+
+Result<const JcampBlock*> NumberedBlock(const std::vector<const JcampBlock*>& blocks, std::string_view text)
+{
+    const auto number = ParseInteger(text);
+    if (number && *number >= 1 && *number <= static_cast<std::int64_t>(blocks.size()))
+        return blocks[static_cast<std::size_t>(*number - 1)];
+    Error wrong =
+        Failure(ErrorCode::bad_value, fmt::format("There is no data set {}, the file holds {}", text, blocks.size()));
+    wrong.user_knows = true; // it is the asking that was wrong, not the file
+    return wrong;
 }
 
 /// The user's choice of several blocks; what is no answer (no one is there to be asked) takes the first.
@@ -88,7 +110,9 @@ Result<const JcampBlock*> AskForBlock(const ReadRequest& request, const std::vec
     constexpr std::size_t kMostButtons = 8;
     constexpr std::string_view kCancel = "Cancel";
     const std::size_t shown = std::min(blocks.size(), kMostButtons);
-    FormRequest form{"Form110", {{"TITLE", "JCAMP-DX"}, {"TEXT", "The file holds several data sets. Read which one?"}}};
+    FormRequest form{
+        "Form110",
+        {{"TITLE", std::string(kJcampTitle)}, {"TEXT", "The file holds several data sets. Read which one?"}}};
     form.values["COUNT"] = std::to_string(shown + 1);
     for (std::size_t i = 0; i < shown; ++i) form.values["BUTTON " + std::to_string(i + 1)] = Caption(*blocks[i], i + 1);
     form.values["BUTTON " + std::to_string(shown + 1)] = kCancel;
@@ -96,9 +120,9 @@ Result<const JcampBlock*> AskForBlock(const ReadRequest& request, const std::vec
     if (answer == kCancel) return Failure(ErrorCode::cancelled, "Cancelled");
     for (std::size_t i = 0; i < shown; ++i)
         if (answer == Caption(*blocks[i], i + 1)) return blocks[i];
+    if (answer.starts_with(kBlockAnswer)) return NumberedBlock(blocks, answer.substr(kBlockAnswer.size()));
     SlotOf(request).Warnings.push_back(fmt::format("The file holds {} data sets; the first one ({}) was read.",
-                                                   blocks.size(),
-                                                   KindOf(*blocks[0]) == JcampKind::fid ? "a FID" : "a spectrum"));
+                                                   blocks.size(), HoldsFid(*blocks[0]) ? "a FID" : "a spectrum"));
     return blocks[0];
 }
 
@@ -106,7 +130,7 @@ Result<const JcampBlock*> ChooseBlock(const ReadRequest& request, const JcampFil
 {
     std::vector<const JcampBlock*> usable;
     for (const JcampBlock& block : file.blocks)
-        if (IsOneDimensionalKind(KindOf(block)) && RealTable(block) != nullptr) usable.push_back(&block);
+        if (IsUsable(block)) usable.push_back(&block);
     if (usable.empty()) return NothingToRead(file);
     if (usable.size() == 1) return usable.front();
     return AskForBlock(request, usable);
@@ -127,14 +151,15 @@ public:
     explicit ColumnLists(const JcampBlock& block) : block_(block), symbols_(SplitColumns(block.Value("SYMBOL"), 0)) {}
 
     /// Column of a symbol; where there is no list of symbols, the usual order.
-    std::size_t Find(char symbol) const
+    std::size_t Find(std::string_view symbol) const
     {
         constexpr std::string_view kUsual = "XRI";
         for (std::size_t i = 0; i < symbols_.size(); ++i)
-            if (ToUpper(symbols_[i]) == std::string_view(&symbol, 1)) return i;
-        if (!block_.Value("SYMBOL").empty()) return kNone;
-        return kUsual.find(symbol == 'Y' ? 'R' : symbol);
+            if (ToUpper(symbols_[i]) == symbol) return i;
+        if (!block_.Value("SYMBOL").empty() || symbol.size() != 1) return kNone;
+        return kUsual.find(symbol == "Y" ? 'R' : symbol.front());
     }
+    std::size_t Find(char symbol) const { return Find(std::string_view(&symbol, 1)); }
     std::string Text(std::string_view list, std::size_t column) const
     {
         const std::vector<std::string> values = SplitColumns(block_.Value(list), symbols_.size());
@@ -159,17 +184,20 @@ double Factor(std::optional<double> given, std::string_view name, std::vector<st
     return 1;
 }
 
-Columns PageColumns(const JcampBlock& block, char real_symbol, std::vector<std::string>& warnings)
+Columns PageColumns(const JcampBlock& block, const JcampTable& real, std::vector<std::string>& warnings)
 {
     const ColumnLists lists(block);
-    const std::size_t x = lists.Find('X'), re = lists.Find(real_symbol), im = lists.Find('I');
+    const bool array = KindOf(block) == JcampKind::two_dimensional;
+    const std::size_t x = lists.Find(array ? std::string_view(real.abscissa) : "X"), re = lists.Find(real.symbol),
+                      im = lists.Find('I');
     Columns columns;
     columns.pages = true;
     columns.x = {lists.Number("FIRST", x), lists.Number("LAST", x), lists.Number("FACTOR", x),
                  ToUpper(lists.Text("UNITS", x))};
     if (const auto delta = block.Number("DELTAX")) columns.x.delta = delta;
-    columns.count =
-        block.Number("NPOINTS").value_or(lists.Number("VARDIM", x).value_or(lists.Number("VARDIM", re).value_or(0)));
+    // The count of an array's head is that of all rows together.
+    const auto told = array ? std::nullopt : block.Number("NPOINTS");
+    columns.count = told.value_or(lists.Number("VARDIM", x).value_or(lists.Number("VARDIM", re).value_or(0)));
     columns.re_factor = Factor(lists.Number("FACTOR", re), "The factor of the real page", warnings);
     if (ImaginaryTable(block) != nullptr)
         columns.im_factor = Factor(lists.Number("FACTOR", im), "The factor of the imaginary page", warnings);
@@ -205,33 +233,140 @@ std::string FailureText(const AsdfReport& report, std::string_view page)
     return {};
 }
 
+// --- Rows of an array
+
+struct RowTables {
+    const JcampTable* re = nullptr;
+    const JcampTable* im = nullptr; ///< nullptr: there is none
+};
+
+/// A row for each page of real values; the imaginary page of a row has the same name.
+std::vector<RowTables> ArrayRows(const JcampBlock& block)
+{
+    std::vector<RowTables> rows;
+    for (const JcampTable& table : block.tables) {
+        if (table.label != "DATATABLE") continue;
+        if (table.symbol == 'R' || table.symbol == 'Y')
+            rows.push_back({&table});
+        else if (table.symbol == 'I' && !rows.empty() && rows.back().re->page == table.page)
+            rows.back().im = &table;
+    }
+    return rows;
+}
+
+/// "T1=0.01"
+std::optional<double> PageValue(std::string_view page)
+{
+    const std::size_t equals = page.find('=');
+    return equals == page.npos ? std::nullopt : JcampNumber(page.substr(equals + 1));
+}
+
+/// The values of the pages, when they are times; empty when they are not, or one is missing.
+std::vector<double> PageTimes(const JcampBlock& block, const std::vector<RowTables>& rows)
+{
+    std::vector<double> times;
+    if (rows.empty()) return times;
+    const std::string_view first = rows.front().re->page;
+    const ColumnLists lists(block);
+    const std::string units = ToUpper(lists.Text("UNITS", lists.Find(ToUpper(Trim(first.substr(0, first.find('=')))))));
+    if (!units.starts_with("SEC")) return times;
+    for (const RowTables& row : rows) {
+        const auto value = PageValue(row.re->page);
+        if (!value || !std::isfinite(*value)) return {};
+        times.push_back(*value);
+    }
+    return times;
+}
+
+bool IsEven(const std::vector<double>& values)
+{
+    if (values.size() < 3) return false;
+    const double step = (values.back() - values.front()) / static_cast<double>(values.size() - 1);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (std::fabs(values[i] - values.front() - static_cast<double>(i) * step) > 0.01 * std::fabs(step))
+            return false;
+    return true;
+}
+
+BrukerParameters SecondDimension(const JcampBlock& block)
+{
+    auto parsed = BrukerParameters::Parse(std::as_bytes(std::span(block.bruker_f1)));
+    return parsed ? std::move(*parsed) : BrukerParameters();
+}
+
 /// Reads one block into a slot.
 class BlockReader {
 public:
     BlockReader(const ReadRequest& request, const JcampBlock& block, bool file_ended) :
-        request_(request), block_(block), set_(SlotOf(request)), par_(set_.par),
-        is_fid_(KindOf(block) == JcampKind::fid), complete_(block.ended && file_ended)
+        request_(request), block_(block), set_(SlotOf(request)), par_(set_.par), is_fid_(HoldsFid(block)),
+        is_array_(KindOf(block) == JcampKind::two_dimensional), complete_(block.ended && file_ended)
     {
     }
 
     Status Run()
     {
-        const JcampTable& table = *RealTable(block_);
+        rows_ = is_array_ ? ArrayRows(block_) : std::vector<RowTables>{{RealTable(block_), ImaginaryTable(block_)}};
+        DropUnmeasured();
+        const JcampTable& table = *rows_.front().re;
         head_ = FillJcampFields(block_, request_.g.nuclides, set_);
         par_.SMODE = is_fid_ ? 0 : 1;
         par_.DataKind =
             static_cast<std::int16_t>(is_fid_ ? par_.DataKind & ~kSpectrumBit : par_.DataKind | kSpectrumBit);
         if (!complete_) Warn("The file ends without its ##END: it may be cut short.");
-        columns_ = table.label == "DATATABLE" ? PageColumns(block_, table.symbol, set_.Warnings)
+        columns_ = table.label == "DATATABLE" ? PageColumns(block_, table, set_.Warnings)
                                               : TableColumns(block_, table, set_.Warnings);
         if (Status counted = CheckCount(); !counted) return counted;
-        if (Status decoded = DecodeReal(table); !decoded) return decoded;
-        if (Status decoded = DecodeImaginary(); !decoded) return decoded;
-        if (Status stored = StorePoints(); !stored) return stored;
+        for (row_ = 0; row_ < rows_.size(); ++row_)
+            if (Status read = ReadRow(rows_[row_]); !read) return read;
+        FillRowValues();
         return is_fid_ ? FillFid() : FillSpectrum();
     }
 
 private:
+    /// The vendor's program fills rows up to a power of two with zeros.
+    void DropUnmeasured()
+    {
+        if (!is_array_) return;
+        const double measured = SecondDimension(block_).Number("TD").value_or(0);
+        if (!(measured >= 1) || measured >= static_cast<double>(rows_.size())) return;
+        Warn(fmt::format("{} of {} rows were measured, the others are left out.", measured, rows_.size()));
+        rows_.resize(static_cast<std::size_t>(measured));
+    }
+
+    Status ReadRow(const RowTables& row)
+    {
+        if (Status decoded = DecodeReal(*row.re); !decoded) return decoded;
+        if (Status decoded = DecodeImaginary(row.im); !decoded) return decoded;
+        if (row_ == 0)
+            if (Status made = MakeRoom(); !made) return made;
+        StoreRow(re_, columns_.re_factor * Scale(), set_.spec.DataRe[row_]);
+        StoreRow(im_, columns_.im_factor * Scale() * (TurnsAsJeol() ? -1 : 1), set_.spec.DataIm[row_]);
+        return {};
+    }
+
+    void FillRowValues()
+    {
+        if (!is_array_) return;
+        const std::vector<double> times = PageTimes(block_, rows_);
+        if (times.empty() || !block_.list.empty()) {
+            SetBrukerRowValues({block_.list_name, block_.list}, set_);
+            return;
+        }
+        set_.par.RowCountCopy = set_.RowCount;
+        std::ranges::transform(times, set_.RowValueA.begin(), [](double time) { return static_cast<float>(time); });
+        const std::string_view page = rows_.front().re->page;
+        set_.RowParamName = std::string(Trim(page.substr(0, page.find('='))));
+        set_.RowParamUnit = "s";
+        set_.RowHeading = "t(s)";
+    }
+
+    /// "the table", "the real page", "the real page of row 3".
+    std::string PageName(std::string_view part) const
+    {
+        if (!columns_.pages) return "the table";
+        return fmt::format("the {} page{}", part, is_array_ ? fmt::format(" of row {}", row_ + 1) : std::string());
+    }
+
     void Warn(std::string text) { set_.Warnings.push_back(std::move(text)); }
 
     const BrukerParameters* bruker() const { return head_.bruker ? &*head_.bruker : nullptr; }
@@ -267,9 +402,9 @@ private:
 
     Status DecodeReal(const JcampTable& table)
     {
-        if (Status decoded = Decode(table, columns_.pages ? "the real page" : "the table", re_); !decoded)
-            return decoded;
+        if (Status decoded = Decode(table, PageName("real"), re_); !decoded) return decoded;
         const std::size_t found = re_.size();
+        if (row_ > 0) return CheckFurtherRow(found);
         if (found == 0) return Failure(ErrorCode::truncated, "The table of points is empty");
         points_ = declared_ == 0 ? found : declared_;
         if (declared_ == 0)
@@ -286,6 +421,16 @@ private:
             return Failure(ErrorCode::too_large, "Data is too Large, or Parameter Error");
         columns_.x.count = static_cast<std::int32_t>(StepCount());
         CheckFirst();
+        return {};
+    }
+
+    /// Rows behind the first one have its length.
+    Status CheckFurtherRow(std::size_t found)
+    {
+        if (found > points_ + 1)
+            return Failure(ErrorCode::bad_format, FailureText({AsdfReport::Failure::too_many}, PageName("real")));
+        if (found < points_)
+            Warn(fmt::format("Row {} holds {} of {} points, the rest is zero.", row_ + 1, found, points_));
         return {};
     }
 
@@ -310,23 +455,23 @@ private:
             Warn(fmt::format("FIRSTY is {:.6g}, but the first point is {:.6g}.", *first, value));
     }
 
-    Status DecodeImaginary()
+    Status DecodeImaginary(const JcampTable* table)
     {
-        const JcampTable* table = columns_.pages ? ImaginaryTable(block_) : nullptr;
+        im_.clear();
         if (table != nullptr) {
-            if (Status decoded = Decode(*table, "the imaginary page", im_); !decoded) return decoded;
+            if (Status decoded = Decode(*table, PageName("imaginary"), im_); !decoded) return decoded;
             if (im_.size() > points_ + 1)
                 return Failure(ErrorCode::bad_format,
                                FailureText({AsdfReport::Failure::too_many}, "The imaginary page"));
             if (im_.size() != points_)
                 Warn(fmt::format("The imaginary page holds {} points, the real page {}.", im_.size(), re_.size()));
-        } else if (is_fid_) {
+        } else if (row_ == 0 && is_fid_) {
             Warn("The FID has no imaginary part: every line has a mirror image at the other side of the carrier.");
-        } else if (columns_.pages) {
+        } else if (row_ == 0 && columns_.pages) {
             Warn("There is no imaginary page: the phase can't be changed.");
         }
         const auto is_extra = [](const JcampTable& t) { return t.label == "DATATABLE"; };
-        if (columns_.pages && std::ranges::count_if(block_.tables, is_extra) > (table != nullptr ? 2 : 1))
+        if (!is_array_ && columns_.pages && std::ranges::count_if(block_.tables, is_extra) > (table != nullptr ? 2 : 1))
             Warn("The file has further pages, which were not read.");
         return {};
     }
@@ -353,15 +498,12 @@ private:
     }
 
     /// Pages are held in a length that is a power of two, a single table in its own.
-    Status StorePoints()
+    Status MakeRoom()
     {
         par_.FIDPoints = static_cast<std::int32_t>(points_);
         par_.POINT = static_cast<std::int32_t>(columns_.pages ? std::bit_ceil(points_) : points_);
-        set_.RowCount = 1;
-        if (Status made = AllocateSpecBuffer(request_.g, par_.POINT, request_.slot); !made) return made;
-        StoreRow(re_, columns_.re_factor * Scale(), set_.spec.DataRe[0]);
-        StoreRow(im_, columns_.im_factor * Scale() * (TurnsAsJeol() ? -1 : 1), set_.spec.DataIm[0]);
-        return {};
+        set_.RowCount = static_cast<std::int32_t>(rows_.size());
+        return AllocateSpecBuffer(request_.g, par_.POINT, request_.slot);
     }
 
     /// The registry's row holds for Bruker data and for programs that say nothing.
@@ -417,11 +559,14 @@ private:
     DataSet& set_;
     ParamBlock& par_;
     bool is_fid_;
+    bool is_array_;
     bool complete_;
     JcampHead head_;
     Columns columns_;
     std::size_t declared_ = 0; ///< 0: the file does not say
     std::size_t points_ = 0;
+    std::vector<RowTables> rows_;
+    std::size_t row_ = 0; ///< that is being read
     std::vector<double> re_, im_;
 };
 
@@ -434,6 +579,24 @@ JcampKind KindOf(const JcampBlock& block)
     if (!spectrum && !fid) return JcampKind::none;
     if (type.starts_with("ND") || block.Number("NUMDIM").value_or(1) > 1) return JcampKind::two_dimensional;
     return spectrum ? JcampKind::spectrum : JcampKind::fid;
+}
+
+bool IsArrayBlock(const JcampBlock& block)
+{
+    if (KindOf(block) != JcampKind::two_dimensional) return false;
+    const std::vector<RowTables> rows = ArrayRows(block);
+    if (rows.empty() || rows.size() > static_cast<std::size_t>(kMaxRows)) return false;
+    if (!block.list.empty()) return HasNoQuadrature(SecondDimension(block));
+    const std::vector<double> times = PageTimes(block, rows);
+    return !times.empty() && !IsEven(times);
+}
+
+bool IsJcampArray(const FileType& type)
+{
+    const auto bytes = ReadWholeFile(type.path, kLargestFile);
+    if (!bytes) return false;
+    const JcampFile file = ScanJcamp({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
+    return std::ranges::any_of(file.blocks, IsUsable);
 }
 
 Status ReadJcampBytes(const ReadRequest& request, std::string_view bytes)

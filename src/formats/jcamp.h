@@ -13,6 +13,8 @@
 // - Most axes fall. The carrier stands in the middle of the spectrum, so the 0 ppm frequency follows
 //   from the first point by half a width up or down, as the axis runs.
 // - FIDs of JEOL instruments turn the other way round than those of all other programs.
+// - Arrays are called "nD NMR ...". A plane has evenly spaced times or frequencies along its second
+//   direction; rows along a list of delays have uneven times, or carry their list ("vdlist") along.
 // - The block of a LINK file that holds the spectrum may be its third; lists of peaks and structures
 //   stand before it, under the same data type.
 
@@ -61,6 +63,8 @@ struct JcampPrivate {
 struct JcampTable {
     std::string label;     ///< normal: "XYDATA", "DATATABLE", "XYPOINTS", "PEAKTABLE"
     char symbol = 0;       ///< of its ordinates, upper case: 'Y', 'R', 'I'
+    std::string abscissa;  ///< symbol of its X, upper case: "X", "T2" of "(T2++(R..R))"
+    std::string page;      ///< of the PAGE record before it: "N=1", "T1=0.01"
     std::string_view text; ///< the lines behind the label's
 };
 
@@ -71,6 +75,8 @@ struct JcampBlock {
     std::vector<JcampPrivate> own;   ///< of the JEOL or NMR block
     std::vector<JcampPrivate> loose; ///< outside of all private blocks
     std::string bruker;              ///< records of the Bruker block, one a line
+    std::string bruker_f1;           ///< the same of the second dimension
+    std::string list_name, list;     ///< a list of row values that the file carries along: "vdlist"
     bool has_jeol = false, has_bruker = false;
     bool ended = false; ///< its ##END is there
 
@@ -94,11 +100,21 @@ enum class JcampKind { none, fid, spectrum, two_dimensional };
 /// What a block says it holds.
 JcampKind KindOf(const JcampBlock& block);
 
-/// Family 13: parameters, points and axis of the slot. A file with several FIDs and spectra asks which
-/// one is meant (form "Form110"); an answer that is none of its buttons takes the first.
+/// Rows of one dimension, at most kMaxRows of them, in the form of a plane.
+bool IsArrayBlock(const JcampBlock& block);
+/// A file without data of one dimension that holds such rows.
+bool IsJcampArray(const FileType& type);
+
+/// Family 13: parameters, points and axis of the slot; of an array all rows with their values. A file with
+/// several data sets asks which one is meant (form "Form110"; kBlockAnswer and a number from 1 is an answer
+/// too); an answer that is none of its buttons takes the first.
 /// @return not_nmr, two_dimensional; bad_format for a table that can't be read; truncated without any
 ///         point; bad_value, too_large for counts or axes that can't be right; cancelled
 Status ReadDataJCAMP(const ReadRequest& request);
+
+/// Who answers with a number instead of a button says so: "BLOCK 3".
+inline constexpr std::string_view kBlockAnswer = "BLOCK ";
+inline constexpr std::string_view kJcampTitle = "JCAMP-DX"; ///< of the question
 
 /// The same from bytes at hand.
 Status ReadJcampBytes(const ReadRequest& request, std::string_view bytes);

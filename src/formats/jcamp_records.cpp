@@ -15,6 +15,8 @@ constexpr std::size_t kMostText = 65536; // of one record with its further lines
 // A record costs more memory than its text: what goes beyond any real file is passed over.
 constexpr std::size_t kMostRecords = 200'000;
 constexpr std::size_t kMostBlocks = 4096;
+constexpr std::size_t kMostPageName = 64;
+constexpr std::string_view kCarriedFile = "BRUKER FILE";
 
 /// Without a comment behind "$$".
 std::string_view WithoutComment(std::string_view text)
@@ -34,6 +36,16 @@ char OrdinateSymbol(std::string_view form)
     const std::size_t dots = form.find("..");
     if (dots == form.npos || dots == 0) return 0;
     return ToUpper(form.substr(dots - 1, 1)).front();
+}
+
+/// "T2" of "(T2++(R..R)), PROFILE".
+std::string AbscissaSymbol(std::string_view form)
+{
+    const std::size_t end = form.find("++");
+    if (end == form.npos) return "X";
+    form = form.substr(0, end);
+    const std::size_t begin = form.rfind('(');
+    return ToUpper(Trim(form.substr(begin == form.npos ? 0 : begin + 1)));
 }
 
 /// Splits at separators; parts are trimmed.
@@ -168,8 +180,9 @@ public:
     }
 
 private:
-    enum class Private { none, own, bruker };
+    enum class Private { none, own, bruker, bruker_f1 };
 
+    bool InBruker() const { return private_ == Private::bruker || private_ == Private::bruker_f1; }
     JcampBlock* Current() { return open_.empty() ? nullptr : &file_.blocks[open_.back()]; }
 
     void Take(std::string_view line, const char* begin)
@@ -182,7 +195,7 @@ private:
         } else if (line.starts_with("$$")) {
             continued_ = nullptr;
             TakeComment(line.substr(2));
-        } else if (private_ == Private::bruker && Current() != nullptr && !line.empty()) {
+        } else if (InBruker() && Current() != nullptr && !line.empty()) {
             AddBrukerLine(line); // arrays and texts run over lines
         } else if (continued_ != nullptr && continued_->size() < kMostText && !WithoutComment(line).empty()) {
             *continued_ += ' ';
@@ -193,6 +206,7 @@ private:
     void TakeRecord(std::string_view line)
     {
         continued_ = nullptr;
+        in_list_ = false;
         if (++records_ > kMostRecords) return;
         const std::size_t equals = line.find('=');
         const std::string_view label = Trim(line.substr(0, equals));
@@ -211,7 +225,7 @@ private:
         }
         if (Current() == nullptr) Open();
         if (IsTableLabel(normal)) {
-            Current()->tables.push_back({normal, OrdinateSymbol(value), {}});
+            Current()->tables.push_back({normal, OrdinateSymbol(value), AbscissaSymbol(value), page_, {}});
             table_begin_ = rest_.data();
             table_block_ = open_.back();
             return;
@@ -220,6 +234,7 @@ private:
         if (normal == "JCAMPDX" && value.find("$$") != value.npos)
             Current()->records.emplace_back("JCAMPDXPROGRAM", Trim(value.substr(value.find("$$") + 2)));
         Current()->records.emplace_back(normal, std::string(WithoutComment(value)));
+        if (normal == "PAGE") page_ = Left(WithoutComment(value), kMostPageName);
         if (equals != line.npos) continued_ = &Current()->records.back().second;
     }
 
@@ -249,9 +264,14 @@ private:
     {
         JcampBlock* block = Current();
         if (block == nullptr || !has_value) return;
-        if (private_ == Private::bruker) {
+        if (InBruker()) {
             AddBrukerLine("##$" + std::string(Trim(key)) + "= " + std::string(Trim(value)));
             return;
+        }
+        // Files that the vendor's program carries along stand in comments behind their names.
+        if (key.starts_with(kCarriedFile) && IsList(Trim(value)) && block->list.empty()) {
+            block->list_name = std::string(Trim(value));
+            in_list_ = true;
         }
         const std::size_t comment = value.find("$$");
         JcampPrivate entry{std::string(Trim(key)), std::string(WithoutComment(value)), {}};
@@ -262,20 +282,32 @@ private:
     /// Comments go, but not in a text in angle brackets.
     void AddBrukerLine(std::string_view line)
     {
-        std::string& text = Current()->bruker;
+        std::string& text = private_ == Private::bruker ? Current()->bruker : Current()->bruker_f1;
         if (line.find('<') == line.npos) line = line.substr(0, line.find("$$"));
         text += line;
         text += '\n';
     }
 
+    static bool IsList(std::string_view name)
+    {
+        constexpr std::array<std::string_view, 4> kLists{"vdlist", "vplist", "vclist", "vtlist"};
+        return std::ranges::find(kLists, name) != kLists.end();
+    }
+
     void TakeComment(std::string_view comment)
     {
+        if (in_list_ && Current() != nullptr && Current()->list.size() < kMostText) {
+            Current()->list += comment;
+            Current()->list += '\n';
+        }
         const std::string words = ToUpper(Trim(comment));
         JcampBlock* block = Current();
         if (words.starts_with("END OF ")) {
             private_ = Private::none;
         } else if (block == nullptr) {
             return;
+        } else if (words.starts_with("BRUKER SPECIFIC PARAMETERS FOR F1")) {
+            private_ = Private::bruker_f1;
         } else if (words.starts_with("BRUKER SPECIFIC PARAMETERS")) {
             private_ = Private::bruker;
             block->has_bruker = true;
@@ -293,6 +325,8 @@ private:
     const char* table_begin_ = nullptr;
     std::size_t table_block_ = 0;
     std::size_t records_ = 0;
+    std::string page_;                 ///< of the tables to come
+    bool in_list_ = false;             ///< comments are lines of a list
     std::string* continued_ = nullptr; ///< the value that further lines belong to
     Private private_ = Private::none;
 };

@@ -102,7 +102,8 @@ private:
             answer.mode = "ERR";
             return answer;
         }
-        return Found((kind == Kind::two_dimensional ? "2D:" : "1D:") + mode_, kind == Kind::spectrum);
+        const bool plane = kind == Kind::two_dimensional;
+        return Found((plane ? "2D:" : "1D:") + mode_, plane ? plane_is_spectrum_ : kind == Kind::spectrum);
     }
 
     void Take(const std::string& line)
@@ -135,7 +136,7 @@ private:
         if (label == "##DATATYPE")
             TakeDataType(Squeezed(value));
         else if (label == "##XYDATA" || label == "##DATATABLE")
-            done_ = !link_ || kind_ != Kind::none;
+            done_ = !link_ || (kind_ != Kind::none && kind_ != Kind::two_dimensional);
         else if (label == "##END") {
             // In a file of several blocks a peak list or a structure may stand before the spectrum.
             done_ = !link_;
@@ -150,13 +151,16 @@ private:
         if (type.starts_with("LINK")) link_ = true;
         if (!spectrum && !fid) return;
         kind_ = spectrum ? Kind::spectrum : Kind::fid;
-        if (type.starts_with("ND")) kind_ = Kind::two_dimensional;
+        if (!type.starts_with("ND")) return;
+        kind_ = Kind::two_dimensional;
+        plane_is_spectrum_ = spectrum;
     }
 
     std::string mode_ = "JCAMP-DX";
     Block block_ = Block::none;
     Kind kind_ = Kind::none;
     Kind earlier_ = Kind::none; ///< of a block of the same file that had no table
+    bool plane_is_spectrum_ = false;
     bool link_ = false;
     bool done_ = false;
 };

@@ -33,7 +33,7 @@ constexpr FormatRow kRows[] = {
     {10, "GE Omega", "*.fid (*.hed)", "GE1", "GE2D", "GE2F", kAsTransformed},
     {11, "Native Ver.3", "*.tv1", "TAVO1", "TAVO2D", "TAVO2F", kAsTransformed},
     {12, "Native Ver.4", "*.tvo, *.tvo1", "TAVO1_V4", "TAVO2D_V4", "TAVO2D_V4", kAsTransformed, ReadTavo4, true},
-    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "", "", kOpposite, ReadDataJCAMP, true},
+    {13, "JCAMP-DX", "*.jdx, *.dx", "JCAMP1", "JCAMP2D", "JCAMP2F", kOpposite, ReadDataJCAMP, true},
     {14, "CSV", "*.csv, *.txt, *.dat, *.asc", "CSV1", "", "", kOpposite, ReadDataCSV, true},
     {15, "MSL/Aspect", "*.msl", "MSL1", "MSL2D", "MSL2F", kAsTransformed},
     {16, "Siemens/DICOM", "*.ima, *.dcm", "SIEMENS", "", "", kAsTransformed},
@@ -84,6 +84,23 @@ const FormatRow* FindFormat(int family)
 {
     const auto row = std::ranges::find(kRows, family, &FormatRow::family);
     return row == std::end(kRows) ? nullptr : &*row;
+}
+
+bool IsRowArray(const FileType& type)
+{
+    constexpr int kJcamp = 13;
+    if (!IsTwoDimensional(type.code)) return false;
+    return FamilyOf(type.code) == kJcamp ? IsJcampArray(type) : IsBrukerArray(type);
+}
+
+FileType AsRowArray(FileType type)
+{
+    const FormatRow* row = FindFormat(FamilyOf(type.code));
+    const bool flat_fid = row != nullptr && row->tag_2d_fid == "BRUX2F" && !IsSpectrum(type.code);
+    type.code = (type.code & ~kTwoDimensionalBit) | kOneDimensionalBit;
+    if (row != nullptr) type.tag = flat_fid ? "BRUX1F" : row->tag_1d;
+    if (type.mode.starts_with("2D")) type.mode[0] = '1';
+    return type;
 }
 
 std::span<const FileTypeRow> FileTypeTable()

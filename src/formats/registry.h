@@ -38,6 +38,11 @@ struct FormatRow {
 std::span<const FormatRow> FormatRows();
 const FormatRow* FindFormat(int family);
 
+/// Whether a file of the form of a plane holds rows of one dimension, measured along a list of values.
+bool IsRowArray(const FileType& type);
+/// Such a file as what it is then: code and tag of its family's one-dimensional data.
+FileType AsRowArray(FileType type);
+
 /// The choice table of the open dialog: 20 rows and the empty row 0 ("-----").
 struct FileTypeRow {
     std::string_view expression;

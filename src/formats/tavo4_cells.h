@@ -187,6 +187,8 @@ public:
         bytes_.resize(bytes_.size() + count);
         return MutableBytes(bytes_).last(count);
     }
+    /// Appends bytes that are there already.
+    void Append(ByteSpan bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
     void Label(std::string_view label)
     {
         std::ranges::copy(std::as_bytes(std::span(label)), Append(kLabelSize).begin());

@@ -3,6 +3,7 @@
 
 #include "core/dates.h"
 #include "core/file_layer.h"
+#include "core/spec_buffer.h"
 #include "formats/tavo4.h"
 #include "formats/tavo4_layout.h"
 #include "formats/tavo4_sections.h"
@@ -29,6 +30,7 @@ constexpr std::uint64_t kLargestFile = 0x7FFFFFFF;
 constexpr std::size_t kBlockHead = 256;
 constexpr float kReadYFill = 0.95F;
 constexpr std::int32_t kFirstWindowPoint = -5000;
+constexpr double kFarthestPpm = 1e30; ///< the file keeps the first position as a float
 
 Error Bad(std::string text)
 {
@@ -116,24 +118,27 @@ Status BuildAxis(DataSet& set)
     ParamBlock& par = set.par;
     std::vector<double>& axis = set.spec.XAxis;
     const auto points = static_cast<std::size_t>(par.POINT);
+    // A counter of 32 bits, which converts to double in vectors.
+    double* const ppm = axis.data();
     if (par.Resolution2 != 0) {
-        for (std::size_t i = 0; i < points; ++i)
-            axis[i] = static_cast<double>(par.PhaseWord1) + static_cast<double>(i) * par.Resolution2;
+        const double first_ppm = static_cast<double>(par.PhaseWord1), step = par.Resolution2;
+        for (std::int32_t i = 0; i < par.POINT; ++i) ppm[i] = first_ppm + i * step;
     } else {
         if (!(par.OBFRQ0PPM > 0)) return Bad("The data have no axis");
         const double step = static_cast<double>(par.FREQU) / par.OBFRQ0PPM / par.POINT;
-        for (std::size_t i = 0; i < points; ++i)
-            axis[i] = (static_cast<double>(i) - par.SMTMS) * step + static_cast<double>(par.RefX);
+        for (std::int32_t i = 0; i < par.POINT; ++i)
+            ppm[i] = (static_cast<double>(i) - par.SMTMS) * step + static_cast<double>(par.RefX);
         par.Resolution2 = step;
     }
-    if (!std::isfinite(axis[0]) || !std::isfinite(axis[points - 1])) return Bad("The axis of the data is no good");
-    return {};
+    // Written so that what is no number fails too.
+    const bool good = std::abs(axis[0]) < kFarthestPpm && std::abs(axis[points - 1]) < kFarthestPpm;
+    return good ? Status() : Bad("The axis of the data is no good");
 }
 
 Status ReadPoints(GlobalBlock& g, std::int16_t slot, ByteSpan data)
 {
     DataSet& set = SlotOf(g, slot);
-    if (Status allocated = AllocateSpecBuffer(g, set.par.POINT, slot); !allocated) return allocated;
+    if (Status allocated = AllocateToOverwrite(g, set.par.POINT, slot); !allocated) return allocated;
     if (Status axis = BuildAxis(set); !axis) return axis;
     if (const std::size_t damaged = ReadMatrices(set, data); damaged > 0)
         set.Warnings.push_back(fmt::format("{} values of the file are no numbers and were read as 0", damaged));
@@ -154,7 +159,8 @@ Status ReadBlock(GlobalBlock& g, std::int16_t slot, const BlockTable& table)
             set.RowCount = CountRows(set, table);
             if (data.empty()) return Bad("There are no points");
             if (Status good = CheckPoints(set, data); !good) return good;
-            if (!(set.par.RESOL > 0)) set.par.RESOL = set.par.Resolution2 * set.par.OBFRQ0PPM;
+            // Adding 0 makes +0 of -0, which the writer puts there.
+            if (!(set.par.RESOL > 0)) set.par.RESOL = set.par.Resolution2 * set.par.OBFRQ0PPM + 0.0;
             if (Status read = ReadPoints(g, slot, data); !read) return read;
         } else if (!section.empty()) {
             row.read(set, section);

@@ -4,6 +4,7 @@
 #include "formats/tavo4_tables.h"
 #include "formats/tavo4_text.h"
 
+#include <bit>
 #include <cmath>
 
 namespace nmr::tavo4 {
@@ -60,22 +61,35 @@ void ReadParameters(DataSet& set, ByteSpan section)
     GetCells(section, PhaseTableCells(), set);
 }
 
-/// Float values of a row into the file, or back; both sides hold the same count.
-void CopyOut(std::span<const float> row, MutableBytes out)
+void AppendRow(std::span<const float> row, FileImage& image)
 {
-    if constexpr (std::endian::native == std::endian::little)
-        std::memcpy(out.data(), row.data(), row.size_bytes());
-    else
+    if constexpr (std::endian::native == std::endian::little) {
+        image.Append(std::as_bytes(row));
+    } else {
+        const MutableBytes out = image.Append(row.size_bytes());
         for (std::size_t i = 0; i < row.size(); ++i) Store(out.subspan(4 * i), row[i]);
+    }
 }
 
-std::size_t CopyIn(ByteSpan in, std::span<float> row)
+/// No branch inside, so that it costs little beside the copy.
+bool AllFinite(std::span<const float> row)
 {
-    std::size_t damaged = 0;
+    // Adding the lowest bit of the exponent overflows into the sign only where all its bits are set.
+    constexpr std::uint32_t kExponent = 0x7F800000, kLowest = 0x00800000, kSign = 0x80000000;
+    std::uint32_t overflow = 0;
+    for (const float value : row) overflow |= (std::bit_cast<std::uint32_t>(value) & kExponent) + kLowest;
+    return (overflow & kSign) == 0;
+}
+
+/// Takes a row of the file; values that are none become 0 and are counted.
+std::size_t TakeRow(ByteSpan in, std::span<float> row)
+{
     if constexpr (std::endian::native == std::endian::little)
         std::memcpy(row.data(), in.data(), row.size_bytes());
     else
         for (std::size_t i = 0; i < row.size(); ++i) row[i] = FromLittle<float>(in.subspan(4 * i));
+    if (AllFinite(row)) return 0;
+    std::size_t damaged = 0;
     for (float& value : row)
         if (!std::isfinite(value)) {
             value = 0.0F;
@@ -89,7 +103,7 @@ std::size_t WriteMatrices(const DataSet& set, FileImage& image)
     const auto points = static_cast<std::size_t>(set.par.POINT);
     for (const RowArray<float>* matrix : {&set.spec.DataRe, &set.spec.DataIm})
         for (std::size_t row = 0; row < static_cast<std::size_t>(set.RowCount); ++row)
-            CopyOut((*matrix)[row].first(points), image.Append(4 * points));
+            AppendRow((*matrix)[row].first(points), image);
     return kLabelSize + MatrixBytes(set);
 }
 
@@ -374,13 +388,14 @@ std::size_t WriteAxisLabels(const DataSet& set, FileImage& image)
     return section.size();
 }
 
-/// Without a label of the ppm axis the defaults stand in for all three.
+/// A section may end behind any label; one that is not there or empty leaves what stands.
 void ReadAxisLabels(DataSet& set, ByteSpan section)
 {
-    if (section.size() < kAxisLabelsSize || GetText(section, kLabelSize, kAxisLabelSize).empty()) return;
     std::size_t at = kLabelSize;
     for (const auto label : kAxisLabels) {
-        set.*label = GetText(section, at, kAxisLabelSize);
+        if (at >= section.size()) return;
+        const std::string text = GetText(section, at, std::min(kAxisLabelSize, section.size() - at));
+        if (!text.empty()) set.*label = text;
         at += kAxisLabelSize;
     }
 }
@@ -440,7 +455,7 @@ std::size_t ReadMatrices(DataSet& set, ByteSpan section)
     std::size_t at = kLabelSize, damaged = 0;
     for (RowArray<float>* matrix : {&set.spec.DataRe, &set.spec.DataIm})
         for (std::size_t row = 0; row < static_cast<std::size_t>(set.RowCount); ++row, at += 4 * points)
-            damaged += CopyIn(section.subspan(at, 4 * points), (*matrix)[row].first(points));
+            damaged += TakeRow(section.subspan(at, 4 * points), (*matrix)[row].first(points));
     return damaged;
 }
 

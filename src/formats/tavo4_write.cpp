@@ -53,7 +53,8 @@ void Repair(GlobalBlock& g, std::int16_t slot)
     DataSet& set = SlotOf(g, slot);
     ParamBlock& par = set.par;
     const std::vector<double>& axis = set.spec.XAxis;
-    par.PhaseWord1 = static_cast<float>(axis[0]);
+    // Adding 0 makes +0 of -0, as the sum of the reader does.
+    par.PhaseWord1 = static_cast<float>(axis[0]) + 0.0F;
     if (par.ObsCenter == 0) par.ObsCenter = g.Slots[0].par.ObsCenter;
     if (par.OBFRQ0PPM == 0) par.OBFRQ0PPM = par.ObsCenter;
     const double width_hz = std::abs(axis[static_cast<std::size_t>(par.POINT) - 1] - axis[0]) * par.OBFRQ0PPM;
@@ -63,11 +64,9 @@ void Repair(GlobalBlock& g, std::int16_t slot)
     if (Drifted(par.RESOL, resolution_hz)) par.RESOL = resolution_hz;
     par.RowCountCopy = set.RowCount;
     RepairStep(set);
-    if (set.XLabelPpm.empty()) {
-        set.XLabelPpm = g.settings.xlabel;
-        set.XLabelHz = g.settings.xlabel_hz;
-        set.XLabelKHz = g.settings.xlabel_khz;
-    }
+    if (set.XLabelPpm.empty()) set.XLabelPpm = g.settings.xlabel;
+    if (set.XLabelHz.empty()) set.XLabelHz = g.settings.xlabel_hz;
+    if (set.XLabelKHz.empty()) set.XLabelKHz = g.settings.xlabel_khz;
 }
 
 Error Refused(ErrorCode code, std::string text)

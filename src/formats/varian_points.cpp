@@ -4,6 +4,7 @@
 #include "formats/byte_fields.h"
 #include "formats/fid_rows.h"
 #include "formats/varian.h"
+#include "formats/word_block.h"
 
 #include <fmt/format.h>
 
@@ -88,17 +89,17 @@ std::size_t RowsBegun(const VarianLayout& layout, std::size_t rows, std::size_t 
     return begun;
 }
 
-double ValueAt(ByteSpan file, VarianNumber number, std::size_t offset)
+WordKind KindOf(VarianNumber number)
 {
     switch (number) {
     case VarianNumber::float32:
-        return GetSingleBE(file, offset);
+        return WordKind::float32;
     case VarianNumber::int32:
-        return GetLongBE(file, offset);
+        return WordKind::int32;
     case VarianNumber::int16:
         break;
     }
-    return GetShortBE(file, offset);
+    return WordKind::int16;
 }
 
 void WarnOfCut(DataSet& set, const VarianLayout& layout, std::int64_t promised, std::size_t last_row_points)
@@ -184,15 +185,13 @@ std::size_t DecodeVarianRow(ByteSpan file, const VarianLayout& layout, std::size
                             std::span<double> im)
 {
     const std::size_t held = std::min({PointsHeld(file, layout, row), re.size(), im.size()});
-    const std::size_t value = BytesOf(layout.number);
-    std::size_t offset = layout.Offset(row);
-    for (std::size_t i = 0; i < held; ++i) {
-        re[i] = ValueAt(file, layout.number, offset);
-        offset += value;
-        im[i] = 0;
-        if (!layout.complex) continue;
-        im[i] = ValueAt(file, layout.number, offset);
-        offset += value;
+    if (held == 0) return 0;
+    const ByteSpan bytes = file.subspan(layout.Offset(row));
+    if (layout.complex) {
+        DecodePairs(bytes, KindOf(layout.number), std::endian::big, re.first(held), im.first(held));
+    } else {
+        DecodeWords(bytes, KindOf(layout.number), std::endian::big, re.first(held));
+        std::ranges::fill(im.first(held), 0.0);
     }
     return held;
 }

@@ -39,7 +39,7 @@ struct Segment {
 struct FontSpecD {
     std::string_view family = "Liberation Sans";
     double size = 10.0; ///< height of the em in canvas units
-    bool bold = false, italic = false;
+    bool bold = false, italic = false, underline = false, strikeout = false;
 };
 struct TextExtent {
     double width = 0, ascent = 0, descent = 0;

@@ -48,11 +48,13 @@ std::string TitleOf(const DataSet& set)
     return {};
 }
 
-SceneCurve MakeCurve(const DataSet& set, std::int32_t row, std::shared_ptr<const MinMaxPyramid> pyramid)
+SceneCurve MakeCurve(const DataSet& set, const SceneOptions& options, std::shared_ptr<const MinMaxPyramid> pyramid)
 {
     SceneCurve curve;
     const auto points = static_cast<std::size_t>(set.par.POINT);
-    curve.row = set.spec.DataRe[static_cast<std::size_t>(row)].first(points);
+    const bool instead = options.instead.size() >= points;
+    curve.row =
+        instead ? options.instead.first(points) : set.spec.DataRe[static_cast<std::size_t>(options.row)].first(points);
     if (!pyramid || pyramid->size() != points) {
         auto own = std::make_shared<MinMaxPyramid>();
         own->Build(curve.row);
@@ -65,6 +67,98 @@ SceneCurve MakeCurve(const DataSet& set, std::int32_t row, std::shared_ptr<const
     return curve;
 }
 
+/// The coloured regions of one row, the larger shift first; rows of an array are told apart otherwise.
+std::vector<SceneRegion> RegionsOf(const DataSet& set, const Settings& settings, bool dark)
+{
+    std::vector<SceneRegion> regions;
+    if (settings.r_color_disp == 0 || set.RowCount > 1) return regions;
+    for (const RegionColor& region : set.Regions) {
+        const auto [low, high] = std::minmax({static_cast<double>(region.Start), static_cast<double>(region.End)});
+        if (region.Color < 0 || !(low < high)) continue;
+        const Rgba color = FromSetting(region.Color);
+        regions.push_back({high, low, dark ? ForDarkGround(color) : color});
+    }
+    std::ranges::sort(regions, std::ranges::greater{}, &SceneRegion::left_ppm);
+    return regions;
+}
+
+/// The part of a frame between two positions on its axis, on whole device pixels, so that parts fit together.
+PlotFrame PartOf(const PlotFrame& frame, double left_ppm, double right_ppm, double resolution)
+{
+    const auto pixel = [&](double ppm) {
+        const double x = std::clamp(frame.X(ppm), frame.rect.x, frame.rect.right());
+        return std::round(x * resolution) / resolution;
+    };
+    PlotFrame part = frame;
+    part.rect.x = pixel(left_ppm);
+    part.rect.width = pixel(right_ppm) - part.rect.x;
+    part.left_ppm = frame.Ppm(part.rect.x);
+    part.right_ppm = frame.Ppm(part.rect.right());
+    return part;
+}
+
+void DrawPart(Canvas& canvas, const PlotFrame& frame, const SceneCurve& curve, const Rgba& color)
+{
+    if (frame.rect.width <= 0) return;
+    Pen pen = curve.pen;
+    pen.color = color;
+    DrawCurve(canvas, frame, *curve.pyramid, curve.row, curve.first_ppm, curve.step_ppm, pen);
+}
+
+/// A curve in its own colour, and in that of each region.
+void DrawInParts(Canvas& canvas, const PlotFrame& frame, const SceneCurve& curve,
+                 const std::vector<SceneRegion>& regions)
+{
+    double from = frame.left_ppm;
+    for (const SceneRegion& region : regions) {
+        if (region.right_ppm >= from || region.left_ppm <= frame.right_ppm) continue; // beside the shown range
+        const double start = std::min(region.left_ppm, from);
+        DrawPart(canvas, PartOf(frame, from, start, canvas.Resolution()), curve, curve.pen.color);
+        DrawPart(canvas, PartOf(frame, start, region.right_ppm, canvas.Resolution()), curve, region.color);
+        from = region.right_ppm;
+    }
+    if (from == frame.left_ppm)
+        DrawPart(canvas, frame, curve, curve.pen.color);
+    else
+        DrawPart(canvas, PartOf(frame, from, frame.right_ppm, canvas.Resolution()), curve, curve.pen.color);
+}
+
+void AddMarks(SpectrumScene& scene, const DataSet& set, const Settings& settings, std::span<const float> row, bool dark)
+{
+    const auto color = [dark](std::int32_t setting) {
+        return dark ? ForDarkGround(FromSetting(setting)) : FromSetting(setting);
+    };
+    scene.peaks = MakePeakMarks(set, row, settings, color(settings.peak_num_col));
+    scene.peaks.top = {color(settings.peak_top_col), std::clamp(settings.disp_peaktopwidt, 1.0, 20.0), PenStyle::solid};
+    scene.integrals = MakeIntegralMarks(set, row, settings, color(settings.col_integ_value));
+    scene.integrals.curve.color = color(settings.integral_col);
+}
+
+/// Heights that rows of labels take beside the plot.
+struct LabelRows {
+    double above = 0, integrals = 0, below = 0; ///< the last two below the axis, the integrals first
+};
+
+LabelRows RowsOf(Canvas& canvas, const SpectrumScene& scene)
+{
+    LabelRows rows;
+    const double peaks = scene.peaks.empty() ? 0 : PeakRowHeight(canvas, scene.peaks);
+    (scene.peaks.at_bottom ? rows.below : rows.above) = peaks;
+    rows.integrals = scene.integrals.empty() ? 0 : IntegralRowHeight(canvas, scene.integrals);
+    return rows;
+}
+
+void DrawMarks(Canvas& canvas, const PlotFrame& frame, const SpectrumScene& scene)
+{
+    const LabelRows rows = RowsOf(canvas, scene);
+    const double under_axis = frame.rect.bottom() + XAxisHeight(canvas, scene.axis);
+    const SceneCurve& curve = scene.curves.front();
+    if (!scene.integrals.empty())
+        DrawIntegralMarks(canvas, frame, scene.integrals, curve.row, curve.first_ppm, curve.step_ppm, under_axis);
+    if (!scene.peaks.empty())
+        DrawPeakMarks(canvas, frame, scene.peaks, scene.peaks.at_bottom ? under_axis + rows.integrals : frame.rect.y);
+}
+
 bool CanShow(const DataSet& set, std::int32_t row)
 {
     const auto points = static_cast<std::size_t>(std::max(0, set.par.POINT));
@@ -73,6 +167,18 @@ bool CanShow(const DataSet& set, std::int32_t row)
 }
 
 } // namespace
+
+std::vector<float> AbsoluteRow(const DataSet& set, std::int32_t row)
+{
+    if (!CanShow(set, row)) return {};
+    const auto points = static_cast<std::size_t>(set.par.POINT);
+    const auto re = set.spec.DataRe[static_cast<std::size_t>(row)].first(points);
+    std::vector<float> absolute(re.begin(), re.end());
+    const bool complex = static_cast<std::size_t>(row) < set.spec.DataIm.rows() && set.spec.DataIm.columns() >= points;
+    for (std::size_t i = 0; i < points; ++i)
+        absolute[i] = complex ? std::hypot(re[i], set.spec.DataIm[static_cast<std::size_t>(row)][i]) : std::abs(re[i]);
+    return absolute;
+}
 
 Rgba ForDarkGround(Rgba color)
 {
@@ -164,7 +270,7 @@ SpectrumScene MakeScene(const DataSet& set, const Settings& settings, const Scen
     scene.right_ppm = options.right_ppm;
     if (!CanShow(set, options.row)) return scene;
     if (options.title) scene.title = TitleOf(set);
-    SceneCurve curve = MakeCurve(set, options.row, std::move(pyramid));
+    SceneCurve curve = MakeCurve(set, options, std::move(pyramid));
     curve.pen = {colors.curve, PenWidth(settings.disp_spec_width), PenStyle::solid};
     if (scene.left_ppm == scene.right_ppm) {
         const double last = curve.first_ppm + curve.step_ppm * static_cast<double>(curve.row.size() - 1);
@@ -175,6 +281,8 @@ SpectrumScene MakeScene(const DataSet& set, const Settings& settings, const Scen
     scene.low = range.low;
     scene.high = range.high;
     scene.grid.y_full = range.full;
+    scene.regions = RegionsOf(set, settings, options.dark);
+    if (options.marks) AddMarks(scene, set, settings, curve.row, options.dark);
     scene.curves.push_back(std::move(curve));
     return scene;
 }
@@ -183,7 +291,8 @@ PlotFrame SceneFrame(Canvas& canvas, const RectD& rect, const SpectrumScene& sce
 {
     PlotFrame frame{rect, scene.left_ppm, scene.right_ppm, scene.low, scene.high};
     if (!scene.show_axis) return frame;
-    const double right = XAxisOverhang(canvas, scene.axis), below = XAxisHeight(canvas, scene.axis);
+    const double right = XAxisOverhang(canvas, scene.axis);
+    double below = XAxisHeight(canvas, scene.axis);
     const double letter = canvas.Measure("X").height();
     const double left = right - canvas.Measure(scene.axis.title).width;
     double above = 0.6 * letter;
@@ -191,6 +300,9 @@ PlotFrame SceneFrame(Canvas& canvas, const RectD& rect, const SpectrumScene& sce
         canvas.SetFont(scene.title_font);
         above += canvas.Measure("X").height();
     }
+    const LabelRows rows = RowsOf(canvas, scene);
+    above += rows.above;
+    below += rows.integrals + rows.below;
     // Whole units, so that the axis lies on pixels.
     frame.rect.x = std::round(rect.x + left);
     frame.rect.y = std::round(rect.y + above);
@@ -208,17 +320,19 @@ void DrawSpectrumScene(Canvas& canvas, const RectD& rect, const SpectrumScene& s
     const PlotFrame frame = SceneFrame(canvas, rect, scene);
     if (scene.show_grid && !scene.curves.empty()) DrawGrid(canvas, frame, scene.axis, scene.grid);
     canvas.BeginGroup("spectra");
-    for (const SceneCurve& curve : scene.curves)
-        DrawCurve(canvas, frame, *curve.pyramid, curve.row, curve.first_ppm, curve.step_ppm, curve.pen);
+    for (std::size_t i = 0; i < scene.curves.size(); ++i)
+        DrawInParts(canvas, frame, scene.curves[i], i == 0 ? scene.regions : std::vector<SceneRegion>());
     canvas.EndGroup();
     if (scene.show_axis && !scene.curves.empty()) {
         const RectD below{frame.rect.x, frame.rect.bottom(), frame.rect.width, rect.bottom() - frame.rect.bottom()};
         DrawXAxis(canvas, below, frame.left_ppm, frame.right_ppm, scene.axis);
     }
+    if (!scene.curves.empty()) DrawMarks(canvas, frame, scene);
     if (scene.title.empty()) return;
+    const double above = RowsOf(canvas, scene).above;
     canvas.SetFont(scene.title_font);
     canvas.SetPen({scene.text, 1, PenStyle::solid});
-    canvas.Text({frame.rect.x, frame.rect.y - 0.4 * canvas.Measure("X").height()}, scene.title);
+    canvas.Text({frame.rect.x, frame.rect.y - above - 0.4 * canvas.Measure("X").height()}, scene.title);
 }
 
 } // namespace nmr

@@ -3,6 +3,8 @@
 // draw alike.
 
 #include "core/global_block.h"
+#include "layout/integral_marks.h"
+#include "layout/peak_marks.h"
 #include "layout/plot.h"
 
 #include <memory>
@@ -29,11 +31,20 @@ struct SceneCurve {
     Pen pen;
 };
 
+/// A part of the axis in which the first curve has a colour of its own.
+struct SceneRegion {
+    double left_ppm = 0, right_ppm = 0; ///< left the larger
+    Rgba color;
+};
+
 struct SpectrumScene {
     std::vector<SceneCurve> curves;
+    std::vector<SceneRegion> regions;    ///< from left to right, none over another
     double left_ppm = 10, right_ppm = 0; ///< shown range, the left the larger
     double low = 0, high = 1;            ///< intensity at the bottom and the top
     AxisStyle axis;
+    PeakMarks peaks;         ///< of the first curve
+    IntegralMarks integrals; ///< likewise
     bool show_axis = true, show_grid = false;
     GridStyle grid;
     std::string title; ///< in the upper left corner; empty for none
@@ -60,7 +71,12 @@ struct SceneOptions {
     double magnification = 1;
     bool dark = false;
     bool title = true;
+    bool marks = true; ///< peaks and integrals, as the settings show them
+    /// Drawn in place of the row's real part; must outlive the scene. Empty: the real part.
+    std::span<const float> instead{};
 };
+/// The magnitude of a row, which has no phase: sqrt(re^2 + im^2) of each of its points.
+std::vector<float> AbsoluteRow(const DataSet& set, std::int32_t row);
 /// The scene of one row of a spectrum. An empty set gives a scene without a curve.
 SpectrumScene MakeScene(const DataSet& set, const Settings& settings, const SceneOptions& options = {},
                         std::shared_ptr<const MinMaxPyramid> pyramid = nullptr);

@@ -1,11 +1,11 @@
 #include "session/ascii_commands.h"
 
-#include "core/error_report.h"
 #include "core/text.h"
 #include "session/display_scope.h"
 #include "session/forms.h"
 #include "session/menu.h"
 #include "session/read_flow.h"
+#include "session/text_save.h"
 
 #include <fmt/format.h>
 
@@ -14,24 +14,6 @@
 
 namespace nmr {
 namespace {
-
-constexpr std::size_t kSaveFolder = 1; // of LastDirs
-
-std::optional<std::string> AskForName(Session& s)
-{
-    const GlobalBlock& g = s.g;
-    FileDialog dialog;
-    dialog.kind = FileDialog::Kind::save;
-    dialog.title = "Save Data(ASCII)";
-    dialog.filters = {{"ASCII", "*.txt;*.dat;*.asc"}, {"CSV with all parameters", "*.csv"}, {"All File", "*.*"}};
-    dialog.folder = g.LastDirs[kSaveFolder].empty() ? g.LastDirs[0] : g.LastDirs[kSaveFolder];
-    dialog.extension = ".txt";
-    const std::filesystem::path file(g.Slots[0].par.FileName);
-    dialog.name = file.stem().string() + dialog.extension;
-    const std::optional<FileChoice> choice = s.asker.File(dialog);
-    if (!choice || choice->path.empty()) return std::nullopt;
-    return choice->path;
-}
 
 /// What NMR1D_Form104 was answered with; nothing after "Quit".
 std::optional<AsciiChoice> AskForData(Session& s)
@@ -43,18 +25,10 @@ std::optional<AsciiChoice> AskForData(Session& s)
     return ParseAsciiWord(answer.dialog_result);
 }
 
-void RememberSave(Session& s, const std::string& path)
+Result<std::string> TextOf(const GlobalBlock& g, const std::string& path, const AsciiChoice& choice)
 {
-    GlobalBlock& g = s.g;
-    const std::string file = AbsolutePath(path);
-    g.LastDirs[kSaveFolder] = std::filesystem::path(file).parent_path().string();
-    g.settings.access_write_dir = g.LastDirs[kSaveFolder];
-    g.SettingsChanged = true;
-    g.Slots[0].par.FileName = file;
-    g.Slots[0].par.DataChanged = 0;
-    AddRecentFile(g, file);
-    if (s.set_title) s.set_title(WindowTitle(file));
-    if (s.display_changed) s.display_changed();
+    if (IsCsvName(path)) return Ascii2Text(g, 0);
+    return AsciiText(g, choice.mode, 0, choice.points, FullScale(g.Slots[0]));
 }
 
 } // namespace
@@ -72,7 +46,8 @@ Status Save_Ascii(const GlobalBlock& g, const std::string& path, const AsciiChoi
 
 void m10_7_Click(Session& s)
 {
-    const std::optional<std::string> path = AskForName(s);
+    const std::optional<std::string> path = AskForTextFile(
+        s, {"Save Data(ASCII)", {{"ASCII", "*.txt;*.dat;*.asc"}, {"CSV with all parameters", "*.csv"}}, ".txt"});
     if (!path) return;
     AsciiChoice choice;
     if (!IsCsvName(*path)) {
@@ -80,12 +55,7 @@ void m10_7_Click(Session& s)
         if (!asked) return;
         choice = *asked;
     }
-    s.asker.Notice("Write");
-    if (Status saved = Save_Ascii(s.g, *path, choice); !saved) {
-        ErrorReport(s.asker, saved.error());
-        return;
-    }
-    RememberSave(s, *path);
+    static_cast<void>(Save_Text(s, *path, TextOf(s.g, *path, choice))); // the user has been told
 }
 
 void NMR1D_m112_Command(Session& s)

@@ -94,8 +94,11 @@ void m102_Click(Session& s)
 void m31_Click(Session& s)
 {
     DisplayScope scope(s.g);
+    TickChoice ticks = TickChoice::From(s.g.settings);
     for (;;) {
-        const FormAnswer answer = s.asker.Form({forms::kDisplayScope, scope.ToValues()});
+        forms::Values shown = scope.ToValues();
+        ticks.PutInto(shown);
+        const FormAnswer answer = s.asker.Form({forms::kDisplayScope, shown});
         if (answer.dialog_result == forms::kEditAreas) {
             const FormAnswer areas = s.asker.Form({forms::kDefaultAreas, DefaultAreas(s.g.settings).ToValues()});
             if (areas.dialog_result == forms::kOk) {
@@ -103,9 +106,13 @@ void m31_Click(Session& s)
                 s.g.SettingsChanged = true;
             }
             scope = DisplayScope(answer.values).WithPresetsOf(s.g);
+            ticks = TickChoice::From(answer.values);
             continue;
         }
-        if (answer.dialog_result == forms::kOk && DisplayScope(answer.values).Apply(s.g)) Refresh(s);
+        if (answer.dialog_result != forms::kOk || !DisplayScope(answer.values).Apply(s.g)) return;
+        TickChoice::From(answer.values).Apply(s.g.settings);
+        s.g.SettingsChanged = true;
+        Refresh(s);
         return;
     }
 }
@@ -125,13 +132,6 @@ void m30_Click(Session& s)
 void m35_Click(Session& s)
 {
     Show_All_Data(s.g);
-    Refresh(s);
-}
-
-void m367_Click(Session& s)
-{
-    s.g.settings.display_grid = s.g.settings.display_grid != 0 ? 0 : 1;
-    s.g.SettingsChanged = true;
     Refresh(s);
 }
 

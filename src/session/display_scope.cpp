@@ -205,6 +205,11 @@ std::size_t AreaIndex(int group, XUnit unit, int n)
     return (Clamped(group, 0, 2) * 2 + (unit == XUnit::ppm ? 0 : 1)) * kPresetCount + Clamped(n, 1, kPresetCount) - 1;
 }
 
+std::string TickPrefix(int group)
+{
+    return std::string(kGroupNames[Clamped(group, 0, 2)]) + " TICK ";
+}
+
 /// Calls f(group, unit, n, key) for every preset.
 template <class F>
 void ForEachArea(F f)
@@ -223,6 +228,7 @@ DefaultAreas::DefaultAreas(const Settings& settings)
     ForEachArea([&](int group, XUnit unit, int n, const std::string&) {
         ranges_[AreaIndex(group, unit, n)] = GetPreset(settings, group, n, unit);
     });
+    for (int group = 0; group < 3; ++group) Ticks(group) = GetTickPreset(settings, group);
 }
 
 DefaultAreas::DefaultAreas(const forms::Values& values)
@@ -230,6 +236,7 @@ DefaultAreas::DefaultAreas(const forms::Values& values)
     ForEachArea([&](int group, XUnit unit, int n, const std::string& key) {
         ranges_[AreaIndex(group, unit, n)] = TakeRange(values, key);
     });
+    for (int group = 0; group < 3; ++group) Ticks(group) = TakeTicks(values, TickPrefix(group));
 }
 
 forms::Values DefaultAreas::ToValues() const
@@ -238,6 +245,8 @@ forms::Values DefaultAreas::ToValues() const
     ForEachArea([&](int group, XUnit unit, int n, const std::string& key) {
         PutRange(values, key, ranges_[AreaIndex(group, unit, n)]);
     });
+    for (int group = 0; group < 3; ++group)
+        PutTicks(values, TickPrefix(group), ticks_[static_cast<std::size_t>(group)]);
     return values;
 }
 
@@ -260,6 +269,7 @@ void DefaultAreas::Apply(Settings& settings) const
         const ShownRange& range = ranges_[AreaIndex(group, unit, n)];
         if (Differs(range)) SetPreset(settings, group, n, unit, Ordered(range));
     });
+    for (int group = 0; group < 3; ++group) SetTickPreset(settings, group, ticks_[static_cast<std::size_t>(group)]);
 }
 
 GridChoice GridChoice::From(const Settings& settings)

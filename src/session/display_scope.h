@@ -5,6 +5,7 @@
 #include "core/global_block.h"
 #include "layout/plot.h"
 #include "session/forms.h"
+#include "session/tick_choice.h"
 
 #include <array>
 
@@ -58,7 +59,7 @@ private:
     bool default_changed_ = false;
 };
 
-/// NMR1D_Form34: all presets, by nucleus group, unit and number.
+/// NMR1D_Form34: all presets, by nucleus group, unit and number, and the divisions of the axis of each group.
 class DefaultAreas {
 public:
     explicit DefaultAreas(const Settings& settings);
@@ -66,12 +67,14 @@ public:
     forms::Values ToValues() const;
     ShownRange Get(int group, XUnit unit, int n) const { return At(group, unit, n); }
     bool Set(int group, XUnit unit, int n, ScopeEdge edge, double value);
-    /// Ranges with equal ends keep what the settings have.
+    TickSteps& Ticks(int group) { return ticks_.at(static_cast<std::size_t>(group)); }
+    /// Ranges with equal ends, and steps that can't be drawn, keep what the settings have.
     void Apply(Settings& settings) const;
 
 private:
     const ShownRange& At(int group, XUnit unit, int n) const;
     std::array<ShownRange, 3 * 2 * kPresetCount> ranges_{};
+    std::array<TickSteps, 3> ticks_{};
 };
 
 /// NMR1D_Form33.

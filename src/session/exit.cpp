@@ -7,6 +7,7 @@
 #include "session/forms.h"
 #include "session/other_runs.h"
 #include "session/read_flow.h"
+#include "session/recovery.h"
 #include "session/save_flow.h"
 #include "session/startup.h"
 
@@ -51,7 +52,10 @@ void Remove_Files(Session& s)
 {
     GlobalBlock& g = s.g;
     if (g.AppPath.empty()) return;
-    const bool alone = !(s.another_run_present ? s.another_run_present() : AnotherRunPresent());
+    End_Journal(s);
+    // What belongs to work that is kept for later must outlive this run too.
+    const bool another = s.another_run_present ? s.another_run_present() : AnotherRunPresent();
+    const bool alone = !another && !OtherJournals(g);
     // Another run may still want to take its steps back.
     g.Undo.RemoveFiles(g, alone);
     for (const char* pattern : kOwnPatterns)

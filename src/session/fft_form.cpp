@@ -36,9 +36,16 @@ void CopyRows(const RowArray<float>& from, RowArray<float>& to, std::int32_t poi
 Status FftForm::Open()
 {
     user_ = OfferedOperator(g_);
-    const bool as_vendor = g_.settings.vendor_start == 1;
+    opened_ = g_.Slots[0].par;
+    return StartOver();
+}
+
+Status FftForm::StartOver()
+{
+    const bool as_vendor = vendor_start();
     if (!as_vendor || !TakeVendorSize()) Auto_ZeroFill(g_, 0);
     if (Status loaded = Load_FID_Work(g_); !loaded) return loaded;
+    auto_phase_here_.reset();
     // Behind the fill, which changes where zero frequency stands.
     Set_Initial_Shift(g_);
     delay_phase1_deg_ = g_.Phase1Deg;

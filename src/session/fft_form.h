@@ -51,6 +51,11 @@ public:
     bool TakeVendorWindow();
     bool TakeVendorShift();
     bool TakeVendorPhase(); ///< for the present shift; automatic phasing is off from then on
+    /// Whether Open takes them, and whether this FID has any.
+    bool vendor_start() const { return g_.settings.vendor_start == 1; }
+    bool has_vendor_values() const;
+    /// Changes the setting and starts the form over with it: fill, window, shift and phase.
+    Status SetVendorStart(bool on);
 
     /// "Complete": commits all rows. DialogResult becomes "OK".
     Status Command3(const std::function<void(int)>& progress = {});
@@ -69,6 +74,7 @@ public:
     Asker& asker() { return asker_; }
 
 private:
+    Status StartOver();
     void RunAutoPhase(PhaseMode mode);
     void PhaseAfterTransform();
     void RotateShownRow();
@@ -80,6 +86,7 @@ private:
     float delay_phase1_deg_ = 0.0F;
     std::int32_t delay_shift_ = 0;
     std::string user_;
+    ParamBlock opened_;                   // as the reader left it
     std::optional<double> quality_;
     std::optional<bool> auto_phase_here_; // in place of the setting, for this FID
 };

@@ -36,12 +36,44 @@ std::int32_t WholeShift(const VendorPhase& phase)
     return RoundHalfEven(std::clamp(phase.delay_points, -kLargestDelay, kLargestDelay));
 }
 
+/// What a start changes before the transform: window and shift.
+void CopyStart(const ParamBlock& from, ParamBlock& to)
+{
+    to.WindowFunc = from.WindowFunc;
+    to.BF1 = from.BF1;
+    to.BF2 = from.BF2;
+    to.GF = from.GF;
+    for (const auto word : {&ParamBlock::WinStart1, &ParamBlock::WinEnd2, &ParamBlock::WinStart2,
+                            &ParamBlock::WinStart3, &ParamBlock::WinEnd3, &ParamBlock::WinStart4, &ParamBlock::WinEnd4})
+        to.*word = from.*word;
+    to.WinFlags = from.WinFlags;
+    to.Trap = from.Trap;
+    to.FIDShift = from.FIDShift;
+}
+
 double Phase1At(const VendorPhase& phase, std::int32_t shift)
 {
     return phase.phase1_deg + 360.0 * (phase.delay_points - shift);
 }
 
 } // namespace
+
+bool FftForm::has_vendor_values() const
+{
+    const VendorProcessing& vendor = g_.Slots[0].vendor;
+    return vendor.points > 0 || vendor.window || vendor.phase;
+}
+
+Status FftForm::SetVendorStart(bool on)
+{
+    g_.settings.vendor_start = on ? 1 : 0;
+    g_.SettingsChanged = true;
+    if (!has_vendor_values() || g_.NoFIDFile) return {};
+    CopyStart(opened_, g_.Slots[0].par);
+    // A window that can't be made for this length is reported when it is made for the preview.
+    static_cast<void>(Set_Zero_Fill(g_, 0, 1));
+    return StartOver();
+}
 
 bool FftForm::TakeVendorSize()
 {

@@ -1,6 +1,11 @@
 #include "session/fid_intake.h"
 
+#include "core/numbers.h"
+#include "fid/fft.h"
+
 #include <algorithm>
+#include <cmath>
+#include <complex>
 #include <numeric>
 #include <vector>
 
@@ -34,7 +39,34 @@ void ReorderRows(RowArray<float>& rows, const std::vector<std::size_t>& order)
         std::copy(old[order[row]].begin(), old[order[row]].end(), rows[row].begin());
 }
 
+/// One row, half a point earlier.
+void DelayByHalfAPoint(std::span<float> row, std::span<const double> sine_table)
+{
+    const std::size_t n = row.size();
+    std::vector<float> re(row.begin(), row.end()), im(n, 0.0F);
+    FFT_Transform(re, im, sine_table);
+    for (std::size_t k = 0; k < n; ++k) {
+        const double index = static_cast<double>(k) - (k < n / 2 ? 0.0 : static_cast<double>(n));
+        const std::complex<double> turned =
+            std::complex<double>(re[k], im[k]) * std::polar(1.0, -kPi * index / static_cast<double>(n));
+        // Conjugate, so that the second transform is the inverse one.
+        re[k] = static_cast<float>(turned.real());
+        im[k] = static_cast<float>(-turned.imag());
+    }
+    FFT_Transform(re, im, sine_table);
+    for (std::size_t i = 0; i < n; ++i) row[i] = re[i] / static_cast<float>(n);
+}
+
 } // namespace
+
+void AlignSequential(GlobalBlock& g)
+{
+    DataSet& set = g.Slots[0];
+    if (set.par.POINT < 2) return;
+    Ready_Sine_Table(g.SineTable, set.par.POINT);
+    for (std::size_t row = 0; row < set.spec.DataIm.rows(); ++row)
+        DelayByHalfAPoint(set.spec.DataIm[row].first(static_cast<std::size_t>(set.par.POINT)), g.SineTable);
+}
 
 Status PadToPowerOfTwo(GlobalBlock& g)
 {

@@ -11,6 +11,10 @@ namespace nmr {
 /// @return too_large when no power of two up to kMaxPoints holds the row
 Status PadToPowerOfTwo(GlobalBlock& g);
 
+/// Moves imaginary parts that were taken half a point after the real ones (sequential quadrature) to the
+/// times of these: a shift by half a point, exact for what lies within the width. Rows are padded before.
+void AlignSequential(GlobalBlock& g);
+
 /// Turns a FID stored in the opposite sense of rotation, so that after the transform a line above
 /// the carrier stands at higher ppm.
 void ApplySense(DataSet& set, FidSense sense);

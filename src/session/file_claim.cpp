@@ -4,6 +4,7 @@
 #include "core/file_layer.h"
 #include "core/text.h"
 #include "session/read_flow.h"
+#include "session/recovery.h"
 
 #include <system_error>
 
@@ -50,7 +51,8 @@ bool IsFileInUse(const GlobalBlock& g, const std::string& path)
         const std::filesystem::path file = g.AppPath / name;
         if (ToUpper(file.string()) == own) continue;
         const std::string line = FirstLine(file);
-        if (!line.empty() && (ToUpper(line) == ToUpper(path) || ClaimKey(line) == key)) return true;
+        const bool same = !line.empty() && (ToUpper(line) == ToUpper(path) || ClaimKey(line) == key);
+        if (same && !IsDeadClaim(g.AppPath, name)) return true;
     }
     return false;
 }

@@ -93,10 +93,10 @@ inline constexpr char kFirstRow[] = "FIRST";
 inline constexpr char kLastRow[] = "LAST";
 
 // NMR1D_Form31, NMR1D_Form34, NMR1D_Form33: display scope, its default areas, grid. In and out: the
-// values that DisplayScope, DefaultAreas and GridChoice (session/display_scope.h) write and read; the
-// form makes one of them from what it is handed, works on it, and hands its values back with "OK".
-// NMR1D_Form31 may also end with kEditAreas and its values: the default areas are then edited, and it
-// shows again with them.
+// values that DisplayScope with TickChoice, DefaultAreas and GridChoice (session/display_scope.h,
+// session/tick_choice.h) write and read; the form makes one of them from what it is handed, works on it, and hands its
+// values back with "OK". NMR1D_Form31 may also end with kEditAreas and its values: the default areas are then edited,
+// and it shows again with them.
 inline constexpr char kDisplayScope[] = "NMR1D_Form31";
 inline constexpr char kEditAreas[] = "AREAS";
 inline constexpr char kDefaultAreas[] = "NMR1D_Form34";
@@ -135,15 +135,16 @@ inline constexpr char kComment[] = "COMMENT";
 inline constexpr char kWrong[] = "WRONG";
 
 // Form17: "Edit Parameter File". In and out: kCount rows Indexed(kKey, n), Indexed(kLabel, n),
-// Indexed(kFormat, n), n from 1; in: kFile, the path that the rows come from, and kChanged, whether rows
-// differ from it. Ends with the word of a button (kOpenFile, kSaveFile, kPublicFile, kAboutFile), after
-// which it shows again, or with "CLOSE"; each hands back the rows and kChanged.
+// Indexed(kFormat, n), n from 1; kChanged, whether rows differ from the file; kSteps, the form's own text of
+// what can be taken back and done again. In: kFile, the path that the rows come from. Ends with the word of
+// a button (kOpenFile, kSaveFile, kPublicFile, kAboutFile), after which it shows again, or with "CLOSE".
 inline constexpr char kParameterFile[] = "Form17";
 inline constexpr char kKey[] = "KEY";
 inline constexpr char kLabel[] = "LABEL";
 inline constexpr char kFormat[] = "FORMAT";
 inline constexpr char kFile[] = "FILE";
 inline constexpr char kChanged[] = "CHANGED";
+inline constexpr char kSteps[] = "STEPS";
 inline constexpr char kOpenFile[] = "OPEN";
 inline constexpr char kSaveFile[] = "SAVE";
 inline constexpr char kPublicFile[] = "PUBLIC";

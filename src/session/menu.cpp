@@ -1,7 +1,9 @@
 #include "session/menu.h"
 
 #include "session/ascii_commands.h"
+#include "session/display_commands.h"
 #include "session/save_flow.h"
+#include "session/text_save.h"
 
 namespace nmr {
 namespace {
@@ -17,6 +19,8 @@ constexpr MenuRow kRows[] = {
     {"m47", "NMR_m1", "About Processable Files", "", false, false, m47_Click},
     {"m10", "NMR_m1", "Save as", "", kSeparator},
     {"m10_4", "m10", "Ver.4 type(*.tvo) ", "Ctrl+S", false, false, m10_4_Click},
+    {"m10_5", "m10", "JCAMP(Ext.) type(*.dx)", "", false, false, m10_5_Click},
+    {"m10_6", "m10", "JCAMP(Red) type(*.dx)", "", false, false, m10_6_Click},
     {"m10_7", "m10", "ASCII type(*.txt, *.dat, *.asc)", "", false, false, m10_7_Click},
     {kRecentControl, "NMR_m1", "", "", kSeparator},
     {"m102", "NMR_m1", "Delete History", "", false, false, m102_Click},
@@ -25,7 +29,9 @@ constexpr MenuRow kRows[] = {
     {"m2", "", "Edit", ""},
     {"m20", "m2", "UnDo", "Ctrl+Z", false, false, m20_Click},
     {kRedoControl, "m2", "ReDo", "Ctrl+Shift+Z", false, false, ReDo_Click},
+    {"m242", "m2", "Set Color on the Selected Region", "", kSeparator, kCheckable, m242_Click},
     {"m29", "m2", "Other Setting", "", kSeparator},
+    {"m291", "m29", "Inversion of Spectrum", "", false, false, m291_Click},
     {"m292", "m29", "Edit Parameters", "", false, false, m292_Click},
     {"m209", "m2", "Show History", "", false, false, m209_Click},
     {"BasicCommand1", "m2", "Show Parameter", "Ctrl+I", false, false, BasicCommand1_Click},
@@ -35,7 +41,18 @@ constexpr MenuRow kRows[] = {
     {"m30", "m3", "Set Grid", "", false, false, m30_Click},
     {"m35", "m3", "Show All Data", "", kSeparator, false, m35_Click},
     {"m36", "m3", "Object of Display", ""},
+    {"m361", "m36", "Integral", "", false, kCheckable, m361_Click},
+    {"m368", "m36", "Integral Base Line", "", false, kCheckable, m368_Click},
+    {"m362", "m36", "Peak Data", "", false, kCheckable, m362_Click},
+    {"m365", "m36", "Peak Top Mark", "", false, kCheckable, m365_Click},
+    {"m366", "m36", "Peak Number", "", false, kCheckable, m366_Click},
+    {"m369", "m36", "Color on Selected Region", "", false, kCheckable, m369_Click},
     {"m367", "m36", "Grid", "", false, kCheckable, m367_Click},
+    {"m37", "m3", "Position of Peak Data", ""},
+    {"m371", "m37", "Top", "", false, kCheckable, m371_Click},
+    {"m372", "m37", "Bottom", "", false, kCheckable, m372_Click},
+    {"m38", "m3", "Show Distance of Peaks/Cursol Data", "Ctrl+D", false, false, m38_Click},
+    {"m34", "m3", "Absoluter Spectrum Mode", "", false, kCheckable, m34_Click},
 
     {"m40", "", "ETC", ""},
     {"m42", "m40", "Edit Parameter File", "", false, false, m42_Click},

@@ -37,7 +37,6 @@ void m102_Click(Session& s);          ///< Delete History
 void m31_Click(Session& s);           ///< Display Area
 void m30_Click(Session& s);           ///< Set Grid
 void m35_Click(Session& s);           ///< Show All Data
-void m367_Click(Session& s);          ///< Grid
 void m41_Click(Session& s);           ///< Version
 void m20_Click(Session& s);           ///< UnDo
 void ReDo_Click(Session& s);          ///< ReDo
@@ -59,6 +58,8 @@ using MenuState = std::map<std::string, MenuItemState, std::less<>>;
 
 /// Name of one item of a numbered list: "m185(2)".
 std::string NumberedItem(std::string_view control, int number);
+/// What the row selectors show of a row: its number, and its value where the rows have values.
+std::string RowCaption(const DataSet& set, int row);
 /// State of every control of the full tree, also of those that have no entry yet, and of the row
 /// selector "DataCombo" with its label "Label6". Entries of numbered spectra and the rows of the
 /// selector are items of their own: NumberedItem("m185", 2) is "Spectrum 2". Pure.

@@ -195,10 +195,8 @@ private:
         if (!several) return;
         Check({"m343"}, g_.ArrayReverse != 0);
         if (g_.ArrayMode == 1) Enable({"DataCombo"}, false);
-        const auto rows = std::min<std::size_t>(static_cast<std::size_t>(set_.RowCount), set_.RowValueA.size());
-        for (std::size_t row = 0; row < rows; ++row)
-            state_[NumberedItem("DataCombo", static_cast<int>(row) + 1)].caption =
-                fmt::format("{}  {:g}", row + 1, set_.RowValueA[row]);
+        for (int row = 0; row < set_.RowCount; ++row)
+            state_[NumberedItem("DataCombo", row + 1)].caption = RowCaption(set_, row);
     }
 
     const GlobalBlock& g_;
@@ -207,6 +205,19 @@ private:
 };
 
 } // namespace
+
+std::string RowCaption(const DataSet& set, int row)
+{
+    const auto rows = std::min(static_cast<std::size_t>(std::max(set.RowCount, 0)), set.RowValueA.size());
+    const auto index = static_cast<std::size_t>(row);
+    // Values that only count the rows say nothing more than their number.
+    bool values = false;
+    for (std::size_t i = 0; i < rows; ++i)
+        values = values || (set.RowValueA[i] != 0 && set.RowValueA[i] != static_cast<float>(i + 1));
+    if (!values || index >= rows) return fmt::format("{}", row + 1);
+    const std::string_view unit = set.RowParamUnit;
+    return fmt::format("{}:  {:g}{}{}", row + 1, set.RowValueA[index], unit.empty() ? "" : " ", unit);
+}
 
 std::string NumberedItem(std::string_view control, int number)
 {

@@ -1,7 +1,9 @@
 #include "session/read_flow.h"
 
+#include "analysis/integrals.h"
 #include "core/error_report.h"
 #include "core/file_layer.h"
+#include "core/history.h"
 #include "core/log.h"
 #include "core/text.h"
 #include "fid/fft_pipeline.h"
@@ -11,9 +13,11 @@
 #include "formats/registry.h"
 #include "formats/varian.h"
 #include "session/array_choice.h"
+#include "session/backup.h"
 #include "session/display_scope.h"
 #include "session/fft_form.h"
 #include "session/fid_intake.h"
+#include "session/folders.h"
 #include "session/forms.h"
 #include "session/save_flow.h"
 
@@ -29,16 +33,26 @@ namespace {
 constexpr char kWhere[] = "NMR1D_m11_Click/1DF1";
 constexpr int kFileNotFound = 53; // run-time error number
 constexpr float kReadYFill = 0.95F;
-constexpr int kBrukerDirectory = 4;
-constexpr std::int32_t kBrukerFid = 4100;
+constexpr int kBrukerDirectory = 4, kBrukerFlat = 8;
+constexpr std::int16_t kSequential = 3; // AcqMode
 constexpr int kVarian = 6;
 // The two native families carry their own display range.
 constexpr int kNativeVer3 = 11;
 constexpr int kNativeVer4 = 12;
 
+bool IsNative(std::int32_t family)
+{
+    return family == kNativeVer3 || family == kNativeVer4;
+}
+
 void Warn(Asker& asker, const char* text, const char* title)
 {
     asker.Message({text, title, {Button::ok}, Icon::warning, true});
+}
+
+Status Cancelled()
+{
+    return Error{ErrorCode::cancelled, kWhere, "Cancelled"};
 }
 
 void Refresh(const Session& s)
@@ -98,15 +112,6 @@ Error KindError(const FileType& type)
     return {ErrorCode::not_nmr, kWhere, "No NMR data that this program knows"};
 }
 
-/// The code and tag of the family's FIDs for a file of rows.
-FileType AsArray(FileType type)
-{
-    type.code = kBrukerFid;
-    type.tag = "BRU1";
-    if (type.mode.starts_with("2D")) type.mode[0] = '1';
-    return type;
-}
-
 struct Candidate {
     FileType type;
     const FormatRow* row = nullptr;
@@ -123,7 +128,7 @@ Result<Candidate> Inspect(Session& s, const std::string& path, FileType& detecte
     Candidate found;
     found.type = detected = detect(path, s.asker, s.g.nuclides);
     // Rows measured along a list of values are an array, though the file is that of a plane.
-    if (IsTwoDimensional(found.type.code) && IsBrukerArray(found.type)) found.type = AsArray(found.type);
+    if (IsRowArray(found.type)) found.type = detected = AsRowArray(found.type);
     s.g.DataKind = found.type.code;
     if (!IsOneDimensional(found.type.code)) return KindError(found.type);
     s.g.FormatIndex = FamilyOf(found.type.code);
@@ -221,6 +226,7 @@ void CompleteParameters(GlobalBlock& g, const Candidate& found)
     ParamBlock& par = set.par;
     par.FileName = found.file;
     if (par.OrgFile.empty()) par.OrgFile = found.file;
+    if (!IsNative(g.FormatIndex)) NoteOriginal(set, found.file);
     if (par.RESOL == 0) par.RESOL = static_cast<double>(par.FREQU) / par.POINT;
     if (par.EXMOD.empty()) {
         const std::size_t colon = found.type.mode.find(':');
@@ -247,6 +253,8 @@ void FinishSpectrum(GlobalBlock& g)
     set.par.YOffset = set.par.DataMin;
     if (set.par.OBFRQ0PPMRead == 0) set.par.OBFRQ0PPMRead = set.par.OBFRQ0PPM;
     CopyDataToSource(set);
+    // A file holds the regions, not their sums. More regions than there can be would take long.
+    if (set.Integrals.size() <= kMaxIntegrals) Calc_All_Integrals(g);
     g.NoSpectrumYet = false;
 }
 
@@ -254,6 +262,8 @@ Status PrepareFid(GlobalBlock& g, const FormatRow& row)
 {
     DataSet& set = g.Slots[0];
     if (Status padded = PadToPowerOfTwo(g); !padded) return padded;
+    const bool is_bruker = row.family == kBrukerDirectory || row.family == kBrukerFlat;
+    if (is_bruker && set.par.AcqMode == kSequential) AlignSequential(g);
     ApplySense(set, row.sense);
     SortRows(set, SortOf(g));
     set.par.DataVersion = FormatNumber("###0.00", set.par.ObsCenter * 20.0);
@@ -316,8 +326,7 @@ void LeaveDummy(const FileType& type)
 void RememberFile(Session& s, const Candidate& found)
 {
     GlobalBlock& g = s.g;
-    g.LastDirs[0] = std::filesystem::path(found.file).parent_path().string();
-    g.settings.access_read_dir = g.LastDirs[0];
+    RememberFolder(g, FolderGroup::read, found.file);
     ClaimFile(g, found.file);
     AddRecentFile(g, found.file);
     if (s.may_leave_dummy_files) LeaveDummy(found.type);
@@ -328,26 +337,33 @@ void RememberFile(Session& s, const Candidate& found)
 Status ReadCandidate(Session& s, const Candidate& found)
 {
     GlobalBlock& g = s.g;
-    if (!ConfirmDeleteMulti(s, MultiState::normal)) return Error{ErrorCode::cancelled, kWhere, "Cancelled"};
-    Keep_Backup(g);
+    ReadBackup backup(g);
+    MultiSpectra deleted;
+    if (!ConfirmDeleteMulti(s, MultiState::normal, &deleted)) {
+        backup.Withdraw();
+        return Cancelled();
+    }
     std::optional<Replaced> old = PutAside(g);
     bool fid_overwritten = false;
     Status filled = FillSlot(s, found, fid_overwritten);
     if (!filled) {
-        g.OverwriteBackupName.clear();
+        backup.Withdraw();
         if (old)
             BringBack(g, *old, fid_overwritten);
         else
             Empty(s);
+        for (auto& [slot, set] : deleted) g.Slots[slot] = std::move(set);
         Refresh(s);
         return filled;
     }
     // The steps belong to the data that are gone; after a failure, which brings those back, they hold.
     g.Undo.Empty();
     g.PointUndo.Empty();
-    if (g.FormatIndex != kNativeVer3 && g.FormatIndex != kNativeVer4) Set_Display_Range(g);
+    backup.Offer();
+    if (!IsNative(g.FormatIndex)) Set_Display_Range(g);
     RememberFile(s, found);
     Refresh(s);
+    if (s.notes_of_read) s.notes_of_read(g.Slots[0].Warnings);
     return {};
 }
 
@@ -364,11 +380,6 @@ bool MayReplaceData(Session& s)
     return Settle_Unsaved(s, "Caution!", "Data was Changed");
 }
 
-Status Cancelled()
-{
-    return Error{ErrorCode::cancelled, kWhere, "Cancelled"};
-}
-
 std::optional<std::string> AskForFile(Session& s)
 {
     GlobalBlock& g = s.g;
@@ -377,7 +388,7 @@ std::optional<std::string> AskForFile(Session& s)
     dialog.filters = OpenDialogFilters(g);
     const int last = std::max(static_cast<int>(dialog.filters.size()), 1);
     dialog.filter_index = std::clamp(g.settings.initiatl_file, 1, last);
-    dialog.folder = g.LastDirs[0];
+    dialog.folder = DialogFolder(g, FolderGroup::read);
     const std::optional<FileChoice> choice = s.asker.File(dialog);
     if (!choice || choice->path.empty()) return std::nullopt;
     g.settings.initiatl_file = choice->filter_index;
@@ -389,7 +400,7 @@ std::optional<std::string> AskForTable(Session& s)
     FileDialog dialog;
     dialog.title = "Read CSV Data";
     dialog.filters = {{"CSV", "*.csv;*.txt;*.dat;*.asc"}, {"All File", "*.*"}};
-    dialog.folder = s.g.LastDirs[0];
+    dialog.folder = DialogFolder(s.g, FolderGroup::read);
     const std::optional<FileChoice> choice = s.asker.File(dialog);
     if (!choice || choice->path.empty()) return std::nullopt;
     return choice->path;
@@ -413,6 +424,12 @@ Status NMR1D_m112_Click(Session& s)
         Status status = ReadFrom(s, *path, detected, CsvFileType);
         if (status || !MayRetry(status.error().code)) return status;
     }
+}
+
+std::string NotesLine(const std::vector<std::string>& notes)
+{
+    if (notes.empty()) return {};
+    return fmt::format("{} {} on reading: {}", notes.size(), notes.size() == 1 ? "note" : "notes", notes.front());
 }
 
 void ShowFileTitle(const Session& s, const std::string& file)
@@ -448,7 +465,7 @@ Status Read_Path(Session& s, const std::string& path, FileType& detected)
     return ReadFrom(s, path, detected);
 }
 
-bool ConfirmDeleteMulti(Session& s, MultiState state)
+bool ConfirmDeleteMulti(Session& s, MultiState state, MultiSpectra* deleted)
 {
     GlobalBlock& g = s.g;
     const std::int16_t mark = std::exchange(g.Slots[0].par.SubKind, std::int16_t{0});
@@ -461,14 +478,17 @@ bool ConfirmDeleteMulti(Session& s, MultiState state)
         return false;
     }
     for (std::int16_t slot = 1; slot < kSlotCount; ++slot) {
+        DataSet& set = g.Slots[static_cast<std::size_t>(slot)];
+        if (deleted != nullptr && !IsEmpty(set)) deleted->emplace_back(slot, std::move(set));
         ClearDataSet(g, slot);
-        g.Slots[static_cast<std::size_t>(slot)].spec = SpecBuffer{};
+        set.spec = SpecBuffer{};
     }
     return true;
 }
 
 void Set_Display_Range(GlobalBlock& g)
 {
+    TakeTickPreset(g);
     const ShownRange preset = GetPreset(g.settings, NucleusGroup(g.Slots[0].par.OBNUC), 1, XUnit::ppm);
     const ShownRange axis = AxisEnds(g.Slots[0]);
     // A preset beside the data would show an empty plot.

@@ -6,6 +6,8 @@
 #include "session/session.h"
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace nmr {
 
@@ -28,8 +30,11 @@ Status Read_Path(Session& s, const std::string& path);
 Status Read_Path(Session& s, const std::string& path, FileType& detected);
 
 enum class MultiState : std::int16_t { normal = 0, keep = 3 };
+/// Sets and their slots.
+using MultiSpectra = std::vector<std::pair<std::size_t, DataSet>>;
 /// Asks what becomes of the multi spectra when slots 1 to 20 hold some; false when the read is to end.
-bool ConfirmDeleteMulti(Session& s, MultiState state);
+/// What it deletes goes into `deleted`, so that a read that fails can bring it back.
+bool ConfirmDeleteMulti(Session& s, MultiState state, MultiSpectra* deleted = nullptr);
 
 /// Work files of all runs in a data folder.
 inline constexpr char kWorkFilePattern[] = "Work_File_1D*.wkf";
@@ -40,10 +45,13 @@ bool IsFileInUse(const GlobalBlock& g, const std::string& path);
 /// Writes the path of the open data file as the only line of WorkFile; an empty one gives the file up.
 void ClaimFile(const GlobalBlock& g, const std::string& path);
 
+/// "3 notes on reading: " and the first of them, for one line; empty without any.
+std::string NotesLine(const std::vector<std::string>& notes);
+
 /// Window title with the file that is open.
 void ShowFileTitle(const Session& s, const std::string& file);
 
-/// Shown range after a read: the preset group of the nucleus.
+/// Shown range and divisions of the axis after a read: those of the nucleus.
 void Set_Display_Range(GlobalBlock& g);
 /// The whole axis.
 void Show_All_Data(GlobalBlock& g);

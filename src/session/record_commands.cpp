@@ -7,6 +7,7 @@
 #include "core/param_edit.h"
 #include "core/settings_file.h"
 #include "core/text.h"
+#include "session/folders.h"
 #include "session/forms.h"
 #include "session/menu.h"
 #include "session/parameter_list.h"
@@ -49,7 +50,7 @@ void SaveList(Session& s, const DataSet& set)
     dialog.kind = FileDialog::Kind::save;
     dialog.title = "Save List";
     dialog.filters = {{"Text File", "*.txt"}, {"All File", "*.*"}};
-    dialog.folder = s.g.LastDirs[1].empty() ? s.g.LastDirs[0] : s.g.LastDirs[1];
+    dialog.folder = DialogFolder(s.g, FolderGroup::save);
     dialog.name = std::filesystem::path(set.par.FileName).stem().string() + ".txt";
     dialog.extension = ".txt";
     const std::optional<FileChoice> choice = s.asker.File(dialog);

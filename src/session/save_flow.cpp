@@ -3,8 +3,10 @@
 #include "core/error_report.h"
 #include "core/file_layer.h"
 #include "core/history.h"
+#include "core/log.h"
 #include "core/text.h"
 #include "formats/tavo4.h"
+#include "session/folders.h"
 #include "session/forms.h"
 #include "session/read_flow.h"
 
@@ -15,7 +17,6 @@
 #include <cerrno>
 #include <cstring>
 #include <optional>
-#include <utility>
 
 namespace nmr {
 namespace {
@@ -25,9 +26,8 @@ namespace fs = std::filesystem;
 constexpr char kWhere[] = "WriteDataTavo4/1DDRW";
 constexpr char kTitle[] = "Save Data(Ver.4)";
 constexpr std::array<const char*, 3> kExtensions{".tvo1", ".tvo", ".tv1"};
-constexpr int kRemoveBackup = 1;       ///< value of MAKE FILE BACKUP
-constexpr int kPathNotFound = 76;      ///< run-time error number
-constexpr std::size_t kSaveFolder = 1; ///< of LastDirs
+constexpr int kRemoveBackup = 1;  ///< value of MAKE FILE BACKUP
+constexpr int kPathNotFound = 76; ///< run-time error number
 
 Error Cancelled()
 {
@@ -69,32 +69,40 @@ struct Mark {
     }
 };
 
-Status WriteFile(GlobalBlock& g, const fs::path& file)
+Status WriteFile(GlobalBlock& g, const fs::path& file, std::int16_t slot)
 {
-    const auto bytes = EncodeTavo4(g, file.string(), 0);
+    const auto bytes = EncodeTavo4(g, file.string(), slot);
     if (!bytes) return bytes.error();
     const bool remove = g.settings.make_file_backup == kRemoveBackup;
     return Safe_Save(file, *bytes, remove ? OldVersion::remove : OldVersion::keep);
 }
 
-void RememberSaved(Session& s, const fs::path& file)
+/// Every used slot, or one other than 0.
+void MarkSaved(GlobalBlock& g, std::int16_t slot)
+{
+    for (std::size_t i = 0; i < g.Slots.size(); ++i) {
+        ParamBlock& par = g.Slots[i].par;
+        if ((slot != 0 && i != static_cast<std::size_t>(slot)) || IsEmpty(g.Slots[i])) continue;
+        par.DataChanged = 0;
+        par.DataFromFile = 1;
+    }
+}
+
+void RememberSaved(Session& s, const fs::path& file, std::int16_t slot)
 {
     GlobalBlock& g = s.g;
-    for (DataSet& set : g.Slots)
-        if (!IsEmpty(set)) {
-            set.par.DataChanged = 0;
-            set.par.DataFromFile = 1;
-        }
-    g.LastDirs[kSaveFolder] = file.parent_path().string();
-    g.settings.access_write_dir = g.LastDirs[kSaveFolder];
+    MarkSaved(g, slot);
+    RememberFolder(g, FolderGroup::save, file);
+    if (slot == 0) g.Undo.NoteSaved();
     AddRecentFile(g, file.string());
-    ShowFileTitle(s, file.string());
+    if (slot == 0) ShowFileTitle(s, file.string());
+    WriteLog(g, s.asker, kLogSave, file.string());
     if (s.display_changed) s.display_changed();
 }
 
 // --- The dialog
 
-FileDialog SaveDialog(const GlobalBlock& g)
+FileDialog SaveDialog(const GlobalBlock& g, std::int16_t slot)
 {
     FileDialog dialog;
     dialog.kind = FileDialog::Kind::save;
@@ -104,9 +112,9 @@ FileDialog SaveDialog(const GlobalBlock& g)
     for (const char* extension : kExtensions)
         if (dialog.extension != extension) dialog.filters.push_back({"Ver.4 type", std::string("*") + extension});
     dialog.filters.push_back({"All File", "*.*"});
-    for (const std::string& folder : {g.LastDirs[kSaveFolder], g.settings.access_write_dir, g.LastDirs[0]})
-        if (dialog.folder.empty() && !folder.empty() && IsFolder(folder)) dialog.folder = folder;
-    dialog.name = fs::path(g.Slots[0].par.FileName).stem().string() + dialog.extension;
+    dialog.folder = DialogFolder(g, FolderGroup::save);
+    const DataSet& set = g.Slots[static_cast<std::size_t>(slot)];
+    dialog.name = fs::path(set.par.FileName).stem().string() + dialog.extension;
     return dialog;
 }
 
@@ -142,9 +150,9 @@ bool MayTakeName(Asker& asker, const fs::path& typed, const fs::path& file)
 }
 
 /// Runs the dialog until a name is good; nothing when the user gives up.
-std::optional<fs::path> AskForName(Session& s)
+std::optional<fs::path> AskForName(Session& s, std::int16_t slot)
 {
-    for (FileDialog dialog = SaveDialog(s.g);;) {
+    for (FileDialog dialog = SaveDialog(s.g, slot);;) {
         const std::optional<FileChoice> choice = s.asker.File(dialog);
         if (!choice || choice->path.empty()) return std::nullopt;
         const fs::path typed = choice->path;
@@ -156,20 +164,6 @@ std::optional<fs::path> AskForName(Session& s)
     }
 }
 
-/// Answers the questions of a reader that must not bother the user: no.
-class QuietNo : public Asker {
-public:
-    Button Message(const MessageBox& box) override
-    {
-        const bool offered = std::ranges::find(box.buttons, Button::no) != box.buttons.end();
-        return offered ? Button::no : box.buttons.front();
-    }
-    std::optional<FileChoice> File(const FileDialog&) override { return std::nullopt; }
-    FormAnswer Form(const FormRequest&) override { return {forms::kCancel, {}}; }
-    void Beep() override {}
-    void Notice(const std::string&) override {}
-};
-
 } // namespace
 
 std::string Ver4Extension(const Settings& settings)
@@ -177,10 +171,10 @@ std::string Ver4Extension(const Settings& settings)
     return kExtensions.at(static_cast<std::size_t>(std::clamp(settings.tvo_extension, 0, 2)));
 }
 
-Status Save_Ver4(Session& s, const std::string& path)
+Status Save_Ver4(Session& s, const std::string& path, std::int16_t slot)
 {
     GlobalBlock& g = s.g;
-    DataSet& set = g.Slots[0];
+    DataSet& set = g.Slots.at(static_cast<std::size_t>(slot));
     if (IsEmpty(set)) return Error{ErrorCode::bad_value, kWhere, "There are no data to save"};
     // Names of new files are taken to the letter, never in other case.
     std::error_code failed;
@@ -194,20 +188,20 @@ Status Save_Ver4(Session& s, const std::string& path)
     if (set.par.EXMOD.empty()) set.par.EXMOD = "NON";
     set.par.FileName = file.string();
     AppendHistory(set, g.CurrentUser, kHistorySave);
-    if (Status written = WriteFile(g, file); !written) {
+    if (Status written = WriteFile(g, file, slot); !written) {
         before.Restore(set);
         return Tell(s.asker, written.error());
     }
-    RememberSaved(s, file);
+    RememberSaved(s, file, slot);
     return {};
 }
 
-Status Save_Ver4_As(Session& s)
+Status Save_Ver4_As(Session& s, std::int16_t slot)
 {
-    if (IsEmpty(s.g.Slots[0])) return Cancelled();
-    const std::optional<fs::path> file = AskForName(s);
+    if (IsEmpty(s.g.Slots.at(static_cast<std::size_t>(slot)))) return Cancelled();
+    const std::optional<fs::path> file = AskForName(s, slot);
     if (!file) return Cancelled();
-    return Save_Ver4(s, file->string());
+    return Save_Ver4(s, file->string(), slot);
 }
 
 void m10_4_Click(Session& s)
@@ -227,39 +221,6 @@ bool Settle_Unsaved(Session& s, const std::string& title, const std::string& tex
                                              {forms::Indexed(forms::kButton, 3), "Cancel"}}});
     if (answer.dialog_result == "Save") return static_cast<bool>(Save_Ver4_As(s));
     return answer.dialog_result == "Do not Save";
-}
-
-void Keep_Backup(GlobalBlock& g)
-{
-    g.OverwriteBackupName.clear();
-    const ParamBlock& par = g.Slots[0].par;
-    if (par.DataChanged != 1 || g.BackupFile.empty()) return;
-    const auto bytes = EncodeTavo4(g, g.BackupFile.string(), 0);
-    if (!bytes || !WriteWholeFile(g.BackupFile, *bytes)) return;
-    g.OverwriteBackupName = g.BackupFile.string();
-    g.BackupSubKind = par.SubKind;
-    g.BackupDTYPE = par.DTYPE;
-    g.BackupFileName = par.FileName;
-}
-
-Status Restore_Backup(Session& s)
-{
-    GlobalBlock& g = s.g;
-    if (g.OverwriteBackupName.empty()) return Error{ErrorCode::not_found, kWhere, "There is no backup"};
-    QuietNo quiet; // the other slots stay as they are
-    const std::string backup = std::exchange(g.OverwriteBackupName, {});
-    if (Status read = ReadDataTavo4(g, quiet, backup, 0); !read) return read;
-    ParamBlock& par = g.Slots[0].par;
-    par.SubKind = g.BackupSubKind;
-    par.DTYPE = g.BackupDTYPE;
-    par.FileName = g.BackupFileName;
-    par.DataChanged = 1;
-    par.DataFromFile = 0;
-    g.CurrentRow = 0;
-    g.NoSpectrumYet = par.SMODE == 0;
-    ShowFileTitle(s, par.FileName);
-    if (s.display_changed) s.display_changed();
-    return {};
 }
 
 } // namespace nmr

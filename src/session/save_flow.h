@@ -26,25 +26,19 @@ std::filesystem::path BackupName(const std::filesystem::path& file, std::string_
 /// ".tvo1", ".tvo" or ".tv1", by the setting TVO EXTENSION.
 std::string Ver4Extension(const Settings& settings);
 
-/// Saves slot 0 with every used slot as Ver.4 to a path, and one line into its history. The user has been
-/// told of every failure; the data are then as before, and still unsaved.
+/// Saves slot 0 with every used slot as Ver.4 to a path, and one line into its history; another slot alone,
+/// as the first spectrum of its file. The user has been told of every failure; the data are then as before,
+/// and still unsaved.
 /// @return in_use, too_large, bad_value without data (not told), or unwritable
-Status Save_Ver4(Session& s, const std::string& path);
+Status Save_Ver4(Session& s, const std::string& path, std::int16_t slot = 0);
 
 /// The same by way of the save dialog. @return cancelled too, when the user gave up
-Status Save_Ver4_As(Session& s);
+Status Save_Ver4_As(Session& s, std::int16_t slot = 0);
 
 void m10_4_Click(Session& s); ///< Save as Ver.4
 
 /// Asks what becomes of unsaved work (Form110: "Save", "Do not Save", "Cancel") and saves it when told
 /// to. True when the data may go: they are saved, given up, or were not changed.
 bool Settle_Unsaved(Session& s, const std::string& title, const std::string& text);
-
-/// Writes unsaved data that a read is about to replace into BackupFile, and its name into
-/// OverwriteBackupName; that is empty when nothing is unsaved or the backup can't be written.
-void Keep_Backup(GlobalBlock& g);
-/// Reads the backup back into slot 0, unsaved as it was.
-/// @return not_found without a backup, or what the reader said, with slot 0 empty
-Status Restore_Backup(Session& s);
 
 } // namespace nmr

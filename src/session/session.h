@@ -6,12 +6,14 @@
 #include "core/global_block.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace nmr {
 
 class FftForm;
+class Recorder;
 
 struct Session {
     GlobalBlock& g;
@@ -29,6 +31,10 @@ struct Session {
     /// Whether another run of the program is there whose files must be left alone at exit; empty: ask
     /// the machine (AnotherRunPresent).
     std::function<bool()> another_run_present{};
+    /// Writes the journal of this run; empty in a batch.
+    std::shared_ptr<Recorder> recorder{};
+    /// After each read: what it mended or missed, one sentence each; mostly nothing.
+    std::function<void(const std::vector<std::string>&)> notes_of_read{};
 };
 
 } // namespace nmr

@@ -6,16 +6,22 @@
 #include "core/settings_file.h"
 #include "core/text.h"
 #include "fid/fft.h"
-#include "formats/bruker.h"
 #include "formats/detect.h"
+#include "formats/registry.h"
+#include "session/folders.h"
 #include "session/forms.h"
+#include "session/journal_records.h"
 #include "session/read_flow.h"
+#include "session/recovery.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
 #include <set>
 #include <system_error>
+#include <unistd.h>
 
 namespace nmr {
 namespace {
@@ -54,7 +60,7 @@ bool Hand_To_Sibling(Session& s, const fs::path& sibling)
     GlobalBlock& g = s.g;
     const FileType type = ReadFileType(g.CmdLineFile, s.asker, NuclearTable::BuiltIn());
     g.DataKind = type.code;
-    if (!IsTwoDimensional(type.code) || IsBrukerArray(type) || g.NoBounce) return false;
+    if (!IsTwoDimensional(type.code) || IsRowArray(type) || g.NoBounce) return false;
     // The sign behind the name tells the sibling who started it, so that no file goes round for ever.
     const std::string argument = fmt::format("\"{}\"$", AbsolutePath(g.CmdLineFile));
     if (s.start_program && s.start_program(sibling.string(), argument)) return true;
@@ -102,10 +108,15 @@ bool Choose_User(Session& s)
     return true;
 }
 
-void Quit_Early(const GlobalBlock& g)
+void Quit_Early(Session& s)
 {
+    const GlobalBlock& g = s.g;
     std::error_code ignored;
     fs::remove(g.AppPath / "Temp", ignored);
+    End_Journal(s);
+    fs::remove(g.WorkFile, ignored);
+    // The claims of other runs hold their files and numbers.
+    if (OtherJournals(g)) return;
     for (const std::string& name : ListFiles(g.AppPath, kWorkFilePattern)) fs::remove(g.AppPath / name, ignored);
 }
 
@@ -130,18 +141,34 @@ void Load_User_Settings(GlobalBlock& g)
     const fs::path asked_for = g.UserIniFile;
     ReadUserSettings(g);
     if (g.UserIniFile != asked_for) g.SettingsChanged = true;
-    if (!g.settings.access_read_dir.empty() && IsFolder(g.settings.access_read_dir))
-        g.LastDirs[0] = g.settings.access_read_dir;
+    RecallFolders(g);
 }
 
+/// Numbers of claims, and of journals that outlived theirs.
 std::set<int> Used_Work_Numbers(const fs::path& folder)
 {
-    constexpr std::size_t kDigitsAt = 12; // behind "Work_File_1D"
     std::set<int> used;
-    for (const std::string& name : ListFiles(folder, kWorkFilePattern))
-        if (const auto number = ParseInteger(std::string_view(name).substr(kDigitsAt, 4)))
-            used.insert(static_cast<int>(*number));
+    for (const char* pattern : {kWorkFilePattern, kJournalPattern})
+        for (const std::string& name : ListFiles(folder, pattern))
+            if (const auto number = WorkNumberOf(name)) used.insert(*number);
     return used;
+}
+
+/// False when a run that starts at the same moment was quicker. Any other failure is no reason to go on
+/// searching: the run then has no claim.
+bool Create_Claim(const fs::path& file)
+{
+    const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    if (descriptor < 0) return errno != EEXIST;
+    ::close(descriptor);
+    return true;
+}
+
+void Take_Work_Number(GlobalBlock& g, int number)
+{
+    g.WorkNumber = static_cast<std::int16_t>(number);
+    g.WorkFile = g.AppPath / fmt::format("Work_File_1D{:04}.wkf", number);
+    g.FIDWorkFile = g.AppPath / fmt::format("FID_Work_File_1D{:04}.dat", number);
 }
 
 } // namespace
@@ -183,12 +210,11 @@ void ParseCommandLine(GlobalBlock& g, std::string line)
 void Claim_Work_File(GlobalBlock& g)
 {
     const std::set<int> used = Used_Work_Numbers(g.AppPath);
-    int number = 0;
-    while (number < kWorkNumbers - 1 && used.contains(number)) ++number;
-    g.WorkNumber = static_cast<std::int16_t>(number);
-    g.WorkFile = g.AppPath / fmt::format("Work_File_1D{:04}.wkf", number);
-    g.FIDWorkFile = g.AppPath / fmt::format("FID_Work_File_1D{:04}.dat", number);
-    ClaimFile(g, {});
+    for (int number = 0; number < kWorkNumbers; ++number) {
+        if (used.contains(number) && number < kWorkNumbers - 1) continue;
+        Take_Work_Number(g, number);
+        if (Create_Claim(g.WorkFile)) return;
+    }
 }
 
 StartResult Start(Session& s, const StartOptions& options)
@@ -199,12 +225,13 @@ StartResult Start(Session& s, const StartOptions& options)
     if (Take_Command_Line(s, options)) return StartResult::ended;
     if (options.show_splash) options.show_splash();
     Claim_Work_File(g);
+    Begin_Journal(s);
     LoadInstrumentTable(g);
     LoadNuclearTable(g);
     InitGlobals(g);
     ReadCommonSettings(g);
     const bool user_chosen = Choose_User(s);
-    if (!user_chosen) Quit_Early(g);
+    if (!user_chosen) Quit_Early(s);
     if (user_chosen) {
         Make_Store(g);
         Make_Sine_Table(g.SineTable);

@@ -1,12 +1,16 @@
 // "UnDo" and "ReDo" of the main form.
 
 #include "session/menu.h"
+#include "session/read_flow.h"
 
 namespace nmr {
 namespace {
 
-void Refresh(const Session& s)
+/// After a step back or forth; one over a read shows another file.
+void Show(const Session& s, const std::string& file_before)
 {
+    const std::string& file = s.g.Slots[0].par.FileName;
+    if (file != file_before) ShowFileTitle(s, file);
     if (s.display_changed) s.display_changed();
 }
 
@@ -14,12 +18,14 @@ void Refresh(const Session& s)
 
 void m20_Click(Session& s)
 {
-    if (s.g.Undo.UnDo(s.g)) Refresh(s);
+    const std::string file = s.g.Slots[0].par.FileName;
+    if (s.g.Undo.UnDo(s.g)) Show(s, file);
 }
 
 void ReDo_Click(Session& s)
 {
-    if (s.g.Undo.ReDo(s.g)) Refresh(s);
+    const std::string file = s.g.Slots[0].par.FileName;
+    if (s.g.Undo.ReDo(s.g)) Show(s, file);
 }
 
 } // namespace nmr

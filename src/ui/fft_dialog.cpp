@@ -2,6 +2,7 @@
 
 #include "core/numbers.h"
 #include "fid/window.h"
+#include "session/menu.h"
 #include "ui/fft_controls.h"
 #include "ui/form_parts.h"
 #include "ui/help_sheet.h"
@@ -38,15 +39,6 @@ QLabel* Heading(const QString& text, QWidget* parent)
 QString GroupedNumber(std::int32_t number)
 {
     return QLocale(QLocale::English).toString(number);
-}
-
-QString RowCaption(const DataSet& set, int row)
-{
-    const QString number = QString::number(row + 1);
-    const auto index = static_cast<std::size_t>(row);
-    const bool has_values = std::ranges::any_of(set.RowValueA, [](float value) { return value != 0; });
-    if (!has_values || index >= set.RowValueA.size()) return number;
-    return number + ":  " + QString::number(ShortestDouble(set.RowValueA[index])) + " " + Qs(set.RowParamUnit);
 }
 
 } // namespace
@@ -133,7 +125,9 @@ QWidget* FftDialog::MakeColumn()
     AddShift(*column);
     AddRows(*column);
     AddPhase(*column);
+    AddStart(*column);
     column->addStretch(1);
+    AddUser(*column);
     AddFoot(*column);
     return widget;
 }
@@ -211,7 +205,7 @@ void FftDialog::AddRows(QBoxLayout& column)
     if (set.RowCount < 2) return;
     row_ = new QComboBox(this);
     row_->setObjectName("Row");
-    for (int row = 0; row < set.RowCount; ++row) row_->addItem(RowCaption(set, row));
+    for (int row = 0; row < set.RowCount; ++row) row_->addItem(Qs(RowCaption(set, row)));
     connect(row_, &QComboBox::activated, this, [this](int index) {
         logic_.SetRow(static_cast<std::int16_t>(index));
         TransformChanged();
@@ -272,6 +266,44 @@ void FftDialog::AddPhase(QBoxLayout& column)
     });
     column.addWidget(auto_phase_);
     column.addWidget(imaginary);
+}
+
+void FftDialog::AddStart(QBoxLayout& column)
+{
+    vendor_start_ = new QCheckBox("Start as the instrument did", this);
+    vendor_start_->setObjectName("VendorStart");
+    vendor_start_->setToolTip(logic_.has_vendor_values()
+                                  ? "Size, window, shift and phase as the operator left them at the instrument"
+                                  : "These data tell nothing of their processing; the choice counts for the next");
+    vendor_start_->setChecked(logic_.vendor_start());
+    connect(vendor_start_, &QCheckBox::toggled, this, [this](bool on) {
+        // What makes a curve impossible has been reported.
+        static_cast<void>(logic_.SetVendorStart(on));
+        TransformChanged();
+    });
+    column.addWidget(vendor_start_);
+}
+
+/// The user box: who stands in the history and in the parameters of this transform.
+void FftDialog::AddUser(QBoxLayout& column)
+{
+    const GlobalBlock& g = logic_.block();
+    auto* user = new QComboBox(this);
+    user->setObjectName("FFTUser");
+    user->setEditable(true);
+    user->setInsertPolicy(QComboBox::NoInsert);
+    user->setToolTip("Stands in the history of the data; ETC, Add/Delete Operator Name changes the list");
+    user->addItem(Qs(g.CurrentUser));
+    for (const std::string& name : g.Operators)
+        if (name != g.CurrentUser) user->addItem(Qs(name));
+    user->setCurrentText(Qs(logic_.user().empty() ? g.CurrentUser : logic_.user()));
+    connect(user, &QComboBox::currentTextChanged, this,
+            [this](const QString& name) { logic_.SetUser(name.trimmed().toStdString()); });
+    auto* row = new QHBoxLayout;
+    row->addWidget(Heading("User", this));
+    row->addWidget(user, 1);
+    column.addLayout(row);
+    column.addSpacing(4);
 }
 
 void FftDialog::AddFoot(QBoxLayout& column)

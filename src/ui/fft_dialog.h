@@ -46,6 +46,8 @@ private:
     void AddShift(QBoxLayout& column);
     void AddRows(QBoxLayout& column);
     void AddPhase(QBoxLayout& column);
+    void AddStart(QBoxLayout& column);
+    void AddUser(QBoxLayout& column);
     void AddFoot(QBoxLayout& column);
     QPushButton* MakeButton(const char* name, const QString& caption, std::function<void()> action);
     void KeepRatio();
@@ -69,6 +71,7 @@ private:
     QComboBox* row_ = nullptr; ///< only for several rows
     std::vector<PhaseControl*> phases_;
     QCheckBox* auto_phase_ = nullptr;
+    QCheckBox* vendor_start_ = nullptr;
     QProgressBar* progress_ = nullptr;
 };
 

@@ -24,7 +24,7 @@ namespace {
 
 using namespace forms;
 
-constexpr int kCsvFormWidth = 760;
+constexpr int kCsvFormWidth = 724; ///< inside its margins
 constexpr int kMostShownColumns = 12;
 constexpr int kMostHeadLines = 10000;
 
@@ -91,6 +91,7 @@ public:
     {
         ok_ = ok;
         Refresh();
+        FocusMissing();
     }
     const CsvChoice& choice() const { return choice_; }
 
@@ -99,6 +100,8 @@ private:
     QGroupBox* MakeParameters();
     void MakePreview();
     void Refresh();
+    /// The first parameter that is required and empty gets what is typed first.
+    void FocusMissing();
     void TakeFields();
     void ShowPreview();
     QString MeaningOf(int column) const;
@@ -215,6 +218,16 @@ void CsvEditor::Refresh()
     ShowPreview();
 }
 
+void CsvEditor::FocusMissing()
+{
+    for (std::size_t i = 0; i < parameters_.size(); ++i) {
+        const bool required = kCsvParameters[i].label.starts_with('*') || kCsvParameters[i].key == "FREQU";
+        if (!required || !parameters_[i]->isEnabled() || !parameters_[i]->text().isEmpty()) continue;
+        parameters_[i]->setFocus();
+        return;
+    }
+}
+
 QString CsvEditor::MeaningOf(int column) const
 {
     const auto has = [column](const std::vector<int>& columns) {
@@ -265,7 +278,7 @@ QComboBox* PointBox(QWidget* parent, int all)
 FormAnswer NMR1D_Form103_CSV(const FormRequest& request, QWidget* parent)
 {
     PlainForm form("Edit Parameter", parent);
-    form.setMinimumWidth(kCsvFormWidth);
+    form.column()->addStrut(kCsvFormWidth);
     form.AddText("Data of the parameter with * is required.");
     CsvEditor editor(form, CsvChoice(request.values));
     auto* foot = form.AddFoot("OK", "Cancel");

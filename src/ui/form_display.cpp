@@ -8,7 +8,9 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
+#include <QGroupBox>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTabWidget>
 
 namespace nmr {
@@ -55,9 +57,93 @@ QComboBox* StepBox(QWidget* parent, double value)
 {
     auto* box = new QComboBox(parent);
     box->setEditable(true);
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->lineEdit()->setAlignment(Qt::AlignRight);
     for (std::string_view step : StepList()) box->addItem(Qs(step));
     box->setCurrentText(QString::number(value, 'g', 7));
     return box;
+}
+
+QSpinBox* DivisionBox(QWidget* parent, int value)
+{
+    auto* box = new QSpinBox(parent);
+    box->setRange(1, 100);
+    box->setValue(value);
+    box->setAlignment(Qt::AlignRight);
+    return box;
+}
+
+/// Fields of the steps of an axis: a row for steps and one for divisions, ppm and Hz beside each other.
+class TickFields {
+public:
+    TickFields(QWidget* parent, const TickSteps& steps) :
+        step_{StepBox(parent, steps.step_ppm), StepBox(parent, steps.step_hz)},
+        divisions_{DivisionBox(parent, steps.divisions_ppm), DivisionBox(parent, steps.divisions_hz)}
+    {
+    }
+    /// Two fields each, `span` columns wide, from a cell on.
+    void AddTo(QGridLayout& grid, int row, int column, int span)
+    {
+        for (int i = 0; i < 2; ++i) {
+            grid.addWidget(step_[static_cast<std::size_t>(i)], row, column + i * span, 1, span);
+            grid.addWidget(divisions_[static_cast<std::size_t>(i)], row + 1, column + i * span, 1, span);
+        }
+    }
+    void SetEnabled(bool on)
+    {
+        for (std::size_t i = 0; i < 2; ++i) {
+            step_[i]->setEnabled(on);
+            divisions_[i]->setEnabled(on);
+        }
+    }
+    TickSteps steps() const
+    {
+        const QLocale c = QLocale::c();
+        return {c.toDouble(step_[0]->currentText()), c.toDouble(step_[1]->currentText()), divisions_[0]->value(),
+                divisions_[1]->value()};
+    }
+
+private:
+    std::array<QComboBox*, 2> step_;
+    std::array<QSpinBox*, 2> divisions_;
+};
+
+/// "Axis" of the display scope.
+class AxisGroup {
+public:
+    AxisGroup(PlainForm& form, const TickChoice& choice) :
+        group_(new QGroupBox("Steps of the axis", &form)), automatic_(new QRadioButton("Auto", group_)),
+        individual_(new QRadioButton("Individual", group_)), fields_(group_, choice.steps)
+    {
+        automatic_->setObjectName("TicAuto");
+        individual_->setObjectName("TicIndividual");
+        auto* grid = new QGridLayout(group_);
+        grid->addWidget(automatic_, 0, 0);
+        grid->addWidget(individual_, 1, 0);
+        grid->addWidget(new QLabel("Step", group_), 1, 1);
+        grid->addWidget(new QLabel("Divisions", group_), 2, 1);
+        grid->addWidget(new QLabel("ppm", group_), 0, 2, Qt::AlignRight);
+        grid->addWidget(new QLabel("Hz", group_), 0, 3, Qt::AlignRight);
+        fields_.AddTo(*grid, 1, 2, 1);
+        grid->setColumnStretch(2, 1);
+        grid->setColumnStretch(3, 1);
+        QObject::connect(individual_, &QRadioButton::toggled, group_, [this](bool on) { fields_.SetEnabled(on); });
+        (choice.individual ? individual_ : automatic_)->setChecked(true);
+        fields_.SetEnabled(choice.individual);
+        form.column()->addWidget(group_);
+    }
+    TickChoice choice() const { return {individual_->isChecked(), fields_.steps()}; }
+
+private:
+    QGroupBox* group_;
+    QRadioButton *automatic_, *individual_;
+    TickFields fields_;
+};
+
+Values WithTicks(Values values, const AxisGroup& axis)
+{
+    axis.choice().PutInto(values);
+    return values;
 }
 
 } // namespace
@@ -82,6 +168,7 @@ FormAnswer NMR1D_Form31(const FormRequest& request, QWidget* parent)
     add("Set Default Value-1", [&] { scope.TakePreset(2); });
     add("Set Default Value-2", [&] { scope.TakePreset(3); });
     form.column()->addLayout(row);
+    const AxisGroup axis(form, TickChoice::From(request.values));
     auto* foot = form.AddFoot("OK", "Cancel");
     bool edit_areas = false;
     auto* areas = foot->addButton("Default Areas...", QDialogButtonBox::ResetRole);
@@ -96,7 +183,7 @@ FormAnswer NMR1D_Form31(const FormRequest& request, QWidget* parent)
             QObject::connect(edit, &QLineEdit::textChanged, foot,
                              [foot, &scope] { foot->buttons().front()->setEnabled(scope.IsUsable()); });
     if (form.exec() != QDialog::Accepted) return {kCancel, {}};
-    return {edit_areas ? kEditAreas : kOk, scope.ToValues()};
+    return {edit_areas ? kEditAreas : kOk, WithTicks(scope.ToValues(), axis)};
 }
 
 FormAnswer NMR1D_Form34(const FormRequest& request, QWidget* parent)
@@ -105,9 +192,11 @@ FormAnswer NMR1D_Form34(const FormRequest& request, QWidget* parent)
     PlainForm form("Set Default Display Area", parent);
     auto* tabs = new QTabWidget(&form);
     const char* group_names[] = {"1H", "13C", "Other"};
+    std::vector<TickFields> ticks;
     for (int group = 0; group < 3; ++group) {
         auto* page = new QWidget;
         auto* grid = new QGridLayout(page);
+        grid->setHorizontalSpacing(8);
         const char* heads[] = {"Left (ppm)", "Right (ppm)", "Left (Hz)", "Right (Hz)"};
         for (int column = 0; column < 4; ++column)
             grid->addWidget(new QLabel(heads[column]), 0, column + 1, Qt::AlignRight);
@@ -127,11 +216,18 @@ FormAnswer NMR1D_Form34(const FormRequest& request, QWidget* parent)
                                  });
             }
         }
+        auto* line = new QFrame(page);
+        line->setFrameStyle(QFrame::HLine | QFrame::Sunken);
+        grid->addWidget(line, kPresetCount + 1, 0, 1, 5);
+        grid->addWidget(new QLabel("Axis step", page), kPresetCount + 2, 0);
+        grid->addWidget(new QLabel("Divisions", page), kPresetCount + 3, 0);
+        ticks.emplace_back(page, areas.Ticks(group)).AddTo(*grid, kPresetCount + 2, 1, 2);
         tabs->addTab(page, group_names[group]);
     }
     form.column()->addWidget(tabs);
     form.AddFoot("OK", "Cancel");
     if (form.exec() != QDialog::Accepted) return {kCancel, {}};
+    for (int group = 0; group < 3; ++group) areas.Ticks(group) = ticks[static_cast<std::size_t>(group)].steps();
     return {kOk, areas.ToValues()};
 }
 

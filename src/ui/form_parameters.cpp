@@ -55,13 +55,61 @@ QString CellText(const QTableWidget& table, int row, int column)
 // ---- Form17 ----
 
 using TableRows = std::vector<std::array<QString, 3>>;
+using TableSteps = StepStack<TableRows>;
 constexpr const char* kColumns[] = {kKey, kLabel, kFormat};
+
+// The form closes for each of its buttons and comes back; its steps travel as text meanwhile. These signs
+// stand between cells, rows and tables; nobody types them.
+constexpr QChar kCellEnd(0x1F), kRowEnd(0x1E), kTableEnd(0x1D);
+
+QString TextOf(const TableRows& rows)
+{
+    QString text;
+    for (const auto& row : rows) {
+        for (const QString& cell : row) text += QString(cell).remove(kCellEnd) + kCellEnd;
+        text += kRowEnd;
+    }
+    return text + kTableEnd;
+}
+
+TableRows RowsOf(const QString& text)
+{
+    TableRows rows;
+    for (const QString& line : text.split(kRowEnd, Qt::SkipEmptyParts)) {
+        const QStringList cells = line.split(kCellEnd);
+        rows.push_back({cells.value(0), cells.value(1), cells.value(2)});
+    }
+    return rows;
+}
+
+/// How many steps can be taken back, then every table: the newest step first, behind the oldest what can be
+/// done again.
+std::string TextOf(TableSteps& steps)
+{
+    QString text = QString::number(steps.size()) + kTableEnd;
+    steps.ForEach([&](const TableRows& rows) { text += TextOf(rows); });
+    return text.toStdString();
+}
+
+TableSteps StepsOf(const QString& text)
+{
+    QStringList tables = text.split(kTableEnd);
+    tables.removeLast(); // behind the last sign
+    TableSteps steps;
+    if (tables.isEmpty()) return steps;
+    const auto count = tables.takeFirst().toLongLong();
+    for (qsizetype i = std::min<qsizetype>(count, tables.size()) - 1; i >= 0; --i) steps.Push(RowsOf(tables[i]));
+    // What was taken back goes on top and is taken back again.
+    for (qsizetype i = count; i < tables.size(); ++i) steps.Push(RowsOf(tables[i]));
+    for (qsizetype i = count; i < tables.size(); ++i) steps.Undo([](TableRows&) { return true; });
+    return steps;
+}
 
 /// The rows of the form with an undo of their own: a step is the table as it was.
 class RowEditor {
 public:
-    RowEditor(QTableWidget& table, TableRows rows, bool changed) :
-        table_(table), rows_(std::move(rows)), changed_(changed)
+    RowEditor(QTableWidget& table, TableRows rows, TableSteps steps, bool changed) :
+        table_(table), rows_(std::move(rows)), steps_(std::move(steps)), changed_(changed)
     {
         Show(0);
         QObject::connect(&table_, &QTableWidget::itemChanged, &table_, [this] { TakeCells(); });
@@ -87,11 +135,13 @@ public:
             [&](TableRows& rows) { std::swap(rows[static_cast<std::size_t>(at)], rows[static_cast<std::size_t>(to)]); },
             to);
     }
-    void UnDo() { Step(&StepStack<TableRows>::Undo<Exchange&>); }
-    void ReDo() { Step(&StepStack<TableRows>::Redo<Exchange&>); }
-    bool can_undo() const { return steps_.newest() != nullptr; }
+    void UnDo() { Step(&TableSteps::Undo<Exchange&>); }
+    void ReDo() { Step(&TableSteps::Redo<Exchange&>); }
+    bool can_undo() const { return steps_.size() > 0; }
+    bool can_redo() const { return steps_.next_redo() != nullptr; }
     bool changed() const { return changed_; }
     const TableRows& rows() const { return rows_; }
+    std::string StepText() { return TextOf(steps_); }
 
 private:
     struct Exchange {
@@ -111,10 +161,12 @@ private:
         changed_ = true;
         Show(row);
     }
-    void Step(bool (StepStack<TableRows>::*step)(Exchange&))
+    void Step(bool (TableSteps::*step)(Exchange&))
     {
         Exchange exchange{rows_};
-        if ((steps_.*step)(exchange)) Show(table_.currentRow());
+        if (!(steps_.*step)(exchange)) return;
+        changed_ = true; // a file that was saved in between holds the other rows
+        Show(table_.currentRow());
     }
     void TakeCells()
     {
@@ -141,7 +193,7 @@ private:
 
     QTableWidget& table_;
     TableRows rows_;
-    StepStack<TableRows> steps_;
+    TableSteps steps_;
     bool changed_;
 };
 
@@ -154,9 +206,11 @@ TableRows RowsOf(const FormRequest& request)
     return rows;
 }
 
-Values ValuesOf(const RowEditor& editor)
+Values ValuesOf(RowEditor& editor)
 {
-    Values values{{kCount, std::to_string(editor.rows().size())}, {kChanged, Switch(editor.changed())}};
+    Values values{{kCount, std::to_string(editor.rows().size())},
+                  {kChanged, Switch(editor.changed())},
+                  {kSteps, editor.StepText()}};
     int n = 0;
     for (const auto& row : editor.rows()) {
         ++n;
@@ -216,7 +270,8 @@ FormAnswer Form17(const FormRequest& request, QWidget* parent)
     table->setEditTriggers(QAbstractItemView::EditTriggers(kEdited));
     table->setColumnWidth(0, 130);
     table->setColumnWidth(1, 240);
-    RowEditor editor(*table, RowsOf(request), Text(request.values, kChanged) == "1");
+    RowEditor editor(*table, RowsOf(request), StepsOf(Qs(Text(request.values, kSteps))),
+                     Text(request.values, kChanged) == "1");
     auto* tools = new QHBoxLayout;
     AddButton(*tools, form, "Add Row", [&] { editor.Add(); });
     auto* remove = AddButton(*tools, form, "Delete Row", [&] { editor.Delete(); });
@@ -224,11 +279,13 @@ FormAnswer Form17(const FormRequest& request, QWidget* parent)
     AddButton(*tools, form, "Down", [&] { editor.MoveRow(1); });
     tools->addStretch(1);
     auto* undo = AddButton(*tools, form, "UnDo", [&] { editor.UnDo(); });
+    auto* redo = AddButton(*tools, form, "ReDo", [&] { editor.ReDo(); });
     form.column()->addLayout(tools);
     new QShortcut(QKeySequence("Ctrl+Z"), &form, [&] { editor.UnDo(); });
     new QShortcut(QKeySequence("Ctrl+Shift+Z"), &form, [&] { editor.ReDo(); });
     editor.refreshed = [&] {
         undo->setEnabled(editor.can_undo());
+        redo->setEnabled(editor.can_redo());
         remove->setEnabled(table->rowCount() > 0);
     };
     editor.refreshed();

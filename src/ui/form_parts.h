@@ -24,6 +24,8 @@ inline QString Qs(std::string_view text)
 
 inline constexpr int kFormWidth = 380; ///< least; narrower windows cut their titles
 
+inline constexpr int kExplanationIndent = 20; ///< under the text of a radio button
+
 /// A modal dialog with a column of widgets and a row of buttons at its foot.
 class PlainForm : public QDialog {
 public:
@@ -32,7 +34,9 @@ public:
         setWindowTitle(title);
         column_->setSpacing(10);
         column_->setContentsMargins(18, 16, 18, 14);
-        setMinimumWidth(kFormWidth);
+        // Never smaller than what is in it, also where the screen is so small that forms are fitted to it.
+        column_->setSizeConstraint(QLayout::SetMinimumSize);
+        column_->addStrut(kFormWidth - 36);
     }
     QVBoxLayout* column() { return column_; }
 
@@ -75,11 +79,15 @@ public:
             auto* button = new QRadioButton(Qs(choices[i].caption).replace('&', "&&"), &form);
             button->setChecked(i == 0);
             group_.addButton(button, static_cast<int>(i));
-            form.column()->addWidget(button);
+            auto* lines = new QVBoxLayout;
+            lines->setSpacing(2);
+            lines->addWidget(button);
+            form.column()->addLayout(lines);
             if (choices[i].explanation.empty()) continue;
-            auto* label = form.AddText(Qs(choices[i].explanation));
-            label->setIndent(26);
+            auto* label = new QLabel(Qs(choices[i].explanation), &form);
+            label->setIndent(kExplanationIndent);
             label->setForegroundRole(QPalette::PlaceholderText);
+            lines->addWidget(label);
         }
     }
     void SetEnabled(bool on)

@@ -34,6 +34,8 @@ constexpr HelpRow kKeys[] = {
     {"Ctrl + Z", "take the last change back"},
     {"Ctrl + Shift + Z", "do again what was taken back"},
     {"Ctrl + I", "list of the parameters"},
+    {"Ctrl + D", "two cursors and their distance; Shift while dragging: no jump to the tops"},
+    {"Esc", "leave the tool that is open"},
     {"Ctrl + Q", "exit"},
     {"F1", "this sheet"},
 };

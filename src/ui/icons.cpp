@@ -92,6 +92,13 @@ QPainterPath Shape(Glyph glyph)
     case Glyph::next:
         Line(path, {{9.5, 6}, {15.5, 12}, {9.5, 18}});
         break;
+    case Glyph::parameters:
+        path.addRoundedRect(4.5, 3.5, 15, 17, 1.5, 1.5);
+        for (const double y : {8.0, 12.0, 16.0}) {
+            Line(path, {{7.5, y}, {10, y}});
+            Line(path, {{12.5, y}, {16.5, y}});
+        }
+        break;
     }
     return path;
 }

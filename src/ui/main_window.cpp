@@ -1,7 +1,9 @@
 #include "ui/main_window.h"
 
+#include "session/display_commands.h"
 #include "session/display_scope.h"
 #include "session/read_flow.h"
+#include "session/recovery.h"
 #include "session/startup.h"
 #include "ui/canvas/qt_canvas.h"
 #include "ui/help_sheet.h"
@@ -52,16 +54,21 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) : session_(session), 
     setCentralWidget(centre);
     BuildMenu();
     BuildToolBar();
+    BuildTools();
     BuildStatusLine();
     plot_->installEventFilter(this);
     plot_->cursor_moved = [this](const auto& position) { ShowPosition(position); };
     plot_->view_changed = [this] {
         overview_->update();
         RefreshToolBar();
+        distance_->Refresh();
     };
     plot_->read_asked = [this] { Later(this, [this] { Run([this] { NMR1D_m11_Command(session_); }); }); };
     session_.display_changed = [this] { RefreshAll(); };
     session_.set_title = [this](const std::string& title) { setWindowTitle(ToQString(title).trimmed()); };
+    session_.notes_of_read = [this](const std::vector<std::string>& notes) {
+        if (!notes.empty()) statusBar()->showMessage(ToQString(NotesLine(notes)), 8000);
+    };
     asker.SetNoticeLine([this](const QString& text) { statusBar()->showMessage(text, 8000); });
     RestorePlace();
     RefreshAll();
@@ -75,7 +82,7 @@ void NMR1D_Form1::Run(const std::function<void()>& command)
     running_ = true;
     command();
     running_ = false;
-    RefreshAll();
+    session_.display_changed();
 }
 
 void NMR1D_Form1::ReadPath(const QString& path)
@@ -85,7 +92,10 @@ void NMR1D_Form1::ReadPath(const QString& path)
 
 void NMR1D_Form1::ReadCommandLineFile()
 {
-    Run([this] { Read_Command_Line_File(session_); });
+    Run([this] {
+        Offer_Recovery(session_);
+        Read_Command_Line_File(session_);
+    });
 }
 
 void NMR1D_Form1::RefreshAll()
@@ -95,6 +105,8 @@ void NMR1D_Form1::RefreshAll()
     RefreshMenu();
     RefreshToolBar();
     RefreshDataLine();
+    regions_->Refresh();
+    notes_->SetNotes(plot_->HasSpectrum() ? g_.Slots[0].Warnings : std::vector<std::string>());
 }
 
 void NMR1D_Form1::CycleUnit()
@@ -187,6 +199,9 @@ void NMR1D_Form1::keyPressEvent(QKeyEvent* event)
     case Qt::Key_G:
         if (actions_["m367"]->isEnabled()) ToggleGrid();
         return;
+    case Qt::Key_Escape:
+        LeaveTool(session_);
+        return;
     case Qt::Key_PageUp:
         StepRow(-1);
         return;
@@ -209,6 +224,7 @@ void NMR1D_Form1::changeEvent(QEvent* event)
 
 bool NMR1D_Form1::eventFilter(QObject* object, QEvent* event)
 {
+    if (object == plot_ && event->type() == QEvent::Resize) distance_->MoveToCorner();
     if (object == plot_ && event->type() == QEvent::Paint && first_paint_done) {
         const auto done = std::exchange(first_paint_done, {});
         Later(this, done);
@@ -240,7 +256,19 @@ void NMR1D_Form1::RefreshDataLine()
     if (par.OBFRQ0PPM > 0) parts << QStringLiteral("%1 MHz").arg(par.OBFRQ0PPM, 0, 'f', 2);
     if (!par.SLVNT.empty()) parts << ToQString(par.SLVNT);
     parts << QStringLiteral("%L1 points").arg(par.POINT);
+    if (g_.AbsoluteMode != 0) parts << QStringLiteral("Absolute");
     data_line_->setText(parts.join(QStringLiteral("   \u00b7   ")));
+}
+
+/// What works in the plot beside the zoom.
+void NMR1D_Form1::BuildTools()
+{
+    distance_ = new DistancePanel(g_, *plot_);
+    addToolBarBreak();
+    regions_ = new RegionBar(session_, this);
+    addToolBar(regions_);
+    plot_->AddTool(*distance_);
+    plot_->AddTool(*regions_);
 }
 
 void NMR1D_Form1::BuildStatusLine()
@@ -252,6 +280,8 @@ void NMR1D_Form1::BuildStatusLine()
     data_line_->setObjectName(QStringLiteral("Data"));
     data_line_->setContentsMargins(0, 0, 8, 0);
     statusBar()->addWidget(position_line_, 1);
+    notes_ = new NotesButton(this);
+    statusBar()->addPermanentWidget(notes_);
     statusBar()->addPermanentWidget(data_line_);
     statusBar()->setSizeGripEnabled(false);
 }

@@ -4,7 +4,10 @@
 #include "session/menu.h"
 #include "session/session.h"
 #include "ui/asker_qt.h"
+#include "ui/distance_panel.h"
+#include "ui/notes_list.h"
 #include "ui/plot_widget.h"
+#include "ui/region_bar.h"
 #include "ui/theme.h"
 
 #include <QMainWindow>
@@ -62,6 +65,7 @@ private:
     void AddHeight();
     void AddUnit();
     void AddRowSelector();
+    void BuildTools();
     void BuildStatusLine();
     void Run(const std::function<void()>& command);
     void RefreshMenu();
@@ -89,6 +93,9 @@ private:
     QList<QAction*> data_actions_, row_actions_;
     QAction* grid_action_ = nullptr;
     QLabel *position_line_ = nullptr, *data_line_ = nullptr;
+    NotesButton* notes_ = nullptr;
+    DistancePanel* distance_ = nullptr;
+    RegionBar* regions_ = nullptr;
     bool running_ = false; ///< a command is under way: its forms run the event queue
 };
 

@@ -187,6 +187,10 @@ void NMR1D_Form1::BuildToolBar()
     grid_action_ = AddButton(Glyph::grid, QStringLiteral("Grid"), QStringLiteral("Grid (G)"), [this] { ToggleGrid(); });
     grid_action_->setCheckable(true);
     data_actions_ << grid_action_;
+    tools_->addSeparator();
+    data_actions_ << AddButton(Glyph::parameters, QStringLiteral("BasicCommand1"),
+                               QStringLiteral("Show Parameter (Ctrl+I)"),
+                               [this] { Run([this] { BasicCommand1_Click(session_); }); });
     AddRowSelector();
 }
 

@@ -17,6 +17,7 @@
 #include <QPixmap>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <fstream>
@@ -125,7 +126,13 @@ struct FormCommand {
     const char* form;
     void (*run)(Session&);
 };
+void ShowDefaultAreas(Session& s)
+{
+    s.asker.Form({forms::kDefaultAreas, DefaultAreas(s.g.settings).ToValues()});
+}
+
 constexpr FormCommand kFormCommands[] = {{forms::kDisplayScope, m31_Click},
+                                         {forms::kDefaultAreas, ShowDefaultAreas},
                                          {forms::kGrid, m30_Click},
                                          {forms::kFileTypes, m121_Click},
                                          {forms::kProcessableFiles, m47_Click},
@@ -134,6 +141,15 @@ constexpr FormCommand kFormCommands[] = {{forms::kDisplayScope, m31_Click},
                                          {forms::kParameterList, BasicCommand1_Click},
                                          {forms::kParameterEditor, m292_Click},
                                          {forms::kParameterFile, m42_Click}};
+
+/// Forms that a read shows by itself, for files that need them.
+constexpr const char* kReadForms[] = {kCsvForm, forms::kArrayData, forms::kPhaseRow, forms::kFourierState,
+                                      forms::kNumberType};
+
+bool IsReadForm(const QString& name)
+{
+    return std::ranges::any_of(kReadForms, [&](const char* form) { return name == QLatin1String(form); });
+}
 
 bool OpenForm(Session& session, NMR1D_Form1& window, const QString& name)
 {
@@ -153,10 +169,10 @@ int TakeFormPicture(Session& session, NMR1D_Form1& window, const RunOptions& run
     if (transform) {
         session.run_fft_form = [&](FftForm& form) { return ShowFftForm(form, &window); };
         Read(session, window, run);
-    } else if (run.form == QLatin1String(kCsvForm) && !run.file.isEmpty()) {
-        Read(session, window, run); // the form comes up on the way
-    } else if (!Read(session, window, run)) {
+    } else if (!Read(session, window, run) && !IsReadForm(run.form)) {
         return kUnreadable;
+    } else if (picture.saved()) {
+        return 0; // the form came up on the way
     } else if (!OpenForm(session, window, run.form)) {
         std::fprintf(stderr, "nmr1d: there is no form %s\n", qPrintable(run.form));
         return kFailed;

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace nmr {
 namespace {
@@ -60,12 +61,12 @@ void PlotWidget::TakeOverView()
 void PlotWidget::Refresh()
 {
     if (HasSpectrum()) {
-        const auto points = static_cast<std::size_t>(g_.Slots[0].par.POINT);
-        const auto row = g_.Slots[0].spec.DataRe[static_cast<std::size_t>(g_.CurrentRow)].first(points);
+        absolute_ = g_.AbsoluteMode != 0 ? AbsoluteRow(g_.Slots[0], g_.CurrentRow) : std::vector<float>();
+        const auto row = ShownRow();
         auto pyramid = std::make_shared<MinMaxPyramid>();
         pyramid->Build(row);
         pyramid_ = std::move(pyramid);
-        built_for_ = row.data();
+        built_for_ = RealRow().data();
         TakeOverView();
     } else {
         pyramid_.reset();
@@ -76,6 +77,17 @@ void PlotWidget::Refresh()
     if (view_changed) view_changed();
 }
 
+std::span<const float> PlotWidget::RealRow() const
+{
+    const auto points = static_cast<std::size_t>(g_.Slots[0].par.POINT);
+    return g_.Slots[0].spec.DataRe[static_cast<std::size_t>(g_.CurrentRow)].first(points);
+}
+
+std::span<const float> PlotWidget::ShownRow() const
+{
+    return absolute_.empty() ? RealRow() : std::span<const float>(absolute_);
+}
+
 SpectrumScene PlotWidget::Scene() const
 {
     SceneOptions options;
@@ -84,6 +96,7 @@ SpectrumScene PlotWidget::Scene() const
     options.right_ppm = view().shown().right;
     options.magnification = view().magnification();
     options.dark = dark();
+    options.instead = absolute_;
     return MakeScene(g_.Slots[0], g_.settings, options, pyramid_);
 }
 
@@ -91,7 +104,7 @@ PlotFrame PlotWidget::Frame(QtCanvas& canvas)
 {
     // Commands report what they change, but a paint may come in the midst of one.
     const bool stale = pyramid_ && (!HasSpectrum() || pyramid_->size() != std::size_t(g_.Slots[0].par.POINT) ||
-                                    g_.Slots[0].spec.DataRe[std::size_t(g_.CurrentRow)].data() != built_for_);
+                                    RealRow().data() != built_for_);
     if (stale || !pyramid_) {
         scene_ = SpectrumScene{};
         scene_.background = ColorsOf(g_.settings, dark()).background;
@@ -109,6 +122,7 @@ void PlotWidget::Draw(QtCanvas& canvas, const PlotFrame& frame)
         DrawInvitation(canvas);
         return;
     }
+    for (PlotTool* tool : tools_) tool->Draw(canvas, frame);
     // A zoom by key moves the spectrum under a resting cursor.
     if (cursor_ && cursor_moved) cursor_moved(PositionAt(*cursor_));
     if (!cursor_ || cursor_->x() < frame.rect.x || cursor_->x() > frame.rect.right()) return;
@@ -138,11 +152,31 @@ void PlotWidget::DrawInvitation(QtCanvas& canvas)
     painter.restore();
 }
 
-bool PlotWidget::GrabMark(double)
+bool PlotWidget::GrabMark(double x)
 {
-    if (HasSpectrum()) return false;
-    if (read_asked) read_asked();
-    return true;
+    if (!HasSpectrum()) {
+        if (read_asked) read_asked();
+        return true;
+    }
+    const auto takes = [&](PlotTool* tool) { return tool->Grab(frame(), {x, cursor_y()}); };
+    const auto tool = std::ranges::find_if(tools_, takes);
+    held_ = tool == tools_.end() ? nullptr : *tool;
+    return held_ != nullptr;
+}
+
+void PlotWidget::MoveMark(double x)
+{
+    if (held_ != nullptr) held_->Move(frame(), {x, cursor_y()});
+}
+
+void PlotWidget::DropMark()
+{
+    if (PlotTool* tool = std::exchange(held_, nullptr)) tool->Drop(frame());
+}
+
+bool PlotWidget::MarkUnder(double x) const
+{
+    return std::ranges::any_of(tools_, [&](const PlotTool* tool) { return tool->IsUnder(frame(), {x, cursor_y()}); });
 }
 
 void PlotWidget::ViewChanged()
@@ -175,8 +209,8 @@ std::optional<PlotPosition> PlotWidget::PositionAt(QPointF at) const
     const auto whole = Whole();
     position.on_data = position.ppm <= whole.left && position.ppm >= whole.right;
     if (position.on_data) {
-        const auto row = set.spec.DataRe[static_cast<std::size_t>(g_.CurrentRow)];
-        position.intensity = static_cast<double>(row[static_cast<std::size_t>(PpmToPoint(set, position.ppm))]);
+        const auto point = static_cast<std::size_t>(PpmToPoint(set, position.ppm));
+        if (point < ShownRow().size()) position.intensity = static_cast<double>(ShownRow()[point]);
     }
     return position;
 }

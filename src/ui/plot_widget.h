@@ -3,11 +3,13 @@
 
 #include "core/global_block.h"
 #include "layout/spectrum_scene.h"
+#include "ui/plot_tool.h"
 #include "ui/zoom_panel.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace nmr {
 
@@ -32,6 +34,10 @@ public:
     void CentreOn(double ppm);
     std::shared_ptr<const MinMaxPyramid> pyramid() const { return pyramid_; }
     SpectrumScene Scene() const;
+    /// What is drawn of the row: its real part, or its magnitude in absolute mode.
+    std::span<const float> ShownRow() const;
+    /// Tools that get the mouse before the zoom does, the first one first; they must outlive the plot.
+    void AddTool(PlotTool& tool) { tools_.push_back(&tool); }
 
     std::function<void()> view_changed;
     std::function<void(const std::optional<PlotPosition>&)> cursor_moved;
@@ -41,6 +47,9 @@ protected:
     PlotFrame Frame(QtCanvas& canvas) override;
     void Draw(QtCanvas& canvas, const PlotFrame& frame) override;
     bool GrabMark(double x) override;
+    void MoveMark(double x) override;
+    void DropMark() override;
+    bool MarkUnder(double x) const override;
     void ViewChanged() override;
     void CursorMoved(std::optional<QPointF> at) override;
 
@@ -48,8 +57,12 @@ private:
     void DrawInvitation(QtCanvas& canvas);
     std::optional<PlotPosition> PositionAt(QPointF at) const;
     void TakeOverView();
+    std::span<const float> RealRow() const;
 
     GlobalBlock& g_;
+    std::vector<PlotTool*> tools_;
+    PlotTool* held_ = nullptr;    ///< has the mouse
+    std::vector<float> absolute_; ///< magnitude of the shown row; empty outside of absolute mode
     std::shared_ptr<const MinMaxPyramid> pyramid_;
     const float* built_for_ = nullptr; ///< the row that the pyramid was built over
     SpectrumScene scene_;

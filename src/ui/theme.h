@@ -15,7 +15,7 @@ void ApplyTheme(QApplication& app, std::int32_t theme);
 /// Whether the program's windows are dark now.
 bool IsDark();
 
-enum class Glyph { open, all, back, taller, lower, grid, wider, narrower, previous, next };
+enum class Glyph { open, all, back, taller, lower, grid, wider, narrower, previous, next, parameters };
 /// Drawn in the colour of the button text, crisp at any size and scale.
 QIcon GlyphIcon(Glyph glyph);
 

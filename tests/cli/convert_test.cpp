@@ -120,5 +120,38 @@ TEST(CliTable, TheFileIsTakenAsItLooksAndSoSaid)
     EXPECT_EQ(told["warnings"].size(), 1U);
 }
 
+/// A falling spectrum of `points` points at 400 MHz.
+std::string SmallSpectrum(int points)
+{
+    std::string text = "##TITLE=s\n##JCAMP-DX=5.00\n##DATA TYPE=NMR SPECTRUM\n##DATA CLASS=XYDATA\n"
+                       "##.OBSERVE FREQUENCY=400\n##.OBSERVE NUCLEUS=^1H\n##XUNITS=PPM\n##FIRSTX=9\n##LASTX=1\n"
+                       "##XFACTOR=1\n##YFACTOR=1\n##NPOINTS=" +
+                       std::to_string(points) + "\n##XYDATA=(X++(Y..Y))\n";
+    for (int i = 0; i < points; ++i) text += std::to_string(points - 1 - i) + " " + std::to_string(i * i) + "\n";
+    return text + "##END=\n";
+}
+
+TEST(CliBlock, ChoosesOneDataSetOfAFileOfSeveral)
+{
+    const TempFolder folder;
+    WriteText(folder.path() / "two.dx", "##TITLE=all\n##JCAMP-DX=5.00\n##DATA TYPE=LINK\n##BLOCKS=2\n" +
+                                            SmallSpectrum(8) + SmallSpectrum(16) + "##END=\n");
+    WriteText(folder.path() / "one.dx", SmallSpectrum(8));
+    struct Case {
+        const char *file, *options;
+        int exit, points;
+    };
+    for (const Case& c :
+         {Case{"two.dx", "", 0, 8}, Case{"two.dx", " --block 1", 0, 8}, Case{"two.dx", " --block 2", 0, 16},
+          Case{"two.dx", " --block 3", 5, 0}, Case{"one.dx", " --block 1", 0, 8}, Case{"one.dx", " --block 2", 5, 0}}) {
+        SCOPED_TRACE(std::string(c.file) + c.options);
+        const Outcome out = Cli("process " + (folder / c.file) + c.options + " --json");
+        EXPECT_EQ(out.exit, c.exit);
+        if (c.exit == 0) {
+            EXPECT_EQ(out.json()["points"], c.points);
+        }
+    }
+}
+
 } // namespace
 } // namespace nmr::test

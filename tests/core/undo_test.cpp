@@ -5,6 +5,7 @@
 #include "core/param_edit.h"
 #include "core/param_table.h"
 #include "core/snapshot.h"
+#include "core/state_image.h"
 #include "support/files.h"
 
 #include <gtest/gtest.h>
@@ -22,58 +23,23 @@ namespace {
 
 using test::TempFolder;
 
-/// Everything that an edit may change, as bytes: two states are the same when their bytes are.
+/// Everything that an edit may change: two states are the same when their bytes are.
 class Fingerprint {
 public:
-    explicit Fingerprint(const GlobalBlock& g)
+    explicit Fingerprint(const GlobalBlock& g) : image_(TakeWholeImage(g))
     {
-        for (const DataSet& set : g.Slots) Add(set);
-        Add(g.Phase0Deg), Add(g.Phase1Deg), Add(g.PivotPoint), Add(g.P2Point), Add(g.RowPhase0), Add(g.RowPhase1);
-        Add(g.ViewLeft), Add(g.ViewRight), Add(g.DEPTMode), Add(g.DiffMode), Add(g.DiffCount), Add(g.ArrayMode);
-        Add(g.settings.display_grid), Add(g.settings.grid_x_inc), Add(g.settings.grid_width);
-        Add(g.settings.disp_array_mode), Add(g.settings.dept_ch_90), Add(g.settings.multi_spec_shift);
-        for (const BasePointEntry& point : g.BasePoints) Add(point.Point), Add(point.Value);
+        // The source of the next rotation has no snapshot of its own.
+        for (const DataSet& set : g.Slots)
+            for (const auto* part : {&set.spec.SourceRe, &set.spec.SourceIm})
+                for (std::size_t row = 0; row < part->rows(); ++row)
+                    source_ =
+                        Checksum64(std::as_bytes((*part)[row].first(static_cast<std::size_t>(set.par.POINT))), source_);
     }
     bool operator==(const Fingerprint&) const = default;
 
 private:
-    template <class T>
-    requires std::is_arithmetic_v<T>
-    void Add(T value)
-    {
-        char bytes[sizeof(T)];
-        std::memcpy(bytes, &value, sizeof value);
-        bytes_.append(bytes, sizeof value);
-    }
-    void Add(const std::string& text) { bytes_ += text + '\0'; }
-    template <class T>
-    void Add(const std::vector<T>& values)
-    {
-        Add(values.size());
-        for (const T& value : values) Add(value);
-    }
-    // The element behind the last point of a row belongs to no data.
-    void AddRows(const RowArray<float>& rows, std::int32_t points)
-    {
-        for (std::size_t row = 0; row < rows.rows(); ++row)
-            for (const float value : rows[row].first(static_cast<std::size_t>(points)))
-                Add(std::bit_cast<std::uint32_t>(value));
-    }
-    void Add(const DataSet& set)
-    {
-        for (const ParamField& field : ParamFields()) Add(ParamText(set.par, field));
-        Add(set.par.DateSerial), Add(set.par.TimeOfDay), Add(set.par.DataChanged), Add(set.par.DataFromFile);
-        Add(set.par.DataMax), Add(set.par.DispLeft), Add(set.par.BaseLineDone), Add(set.par.PhaseP0), Add(set.par.RefX);
-        Add(set.spec.XAxis);
-        for (const auto part : {&SpecBuffer::DataRe, &SpecBuffer::DataIm, &SpecBuffer::SourceRe, &SpecBuffer::SourceIm})
-            AddRows(set.spec.*part, set.par.POINT);
-        for (const PeakEntry& p : set.Peaks) Add(p.Point), Add(p.Height), Add(p.Position), Add(p.Kind);
-        for (const IntegralEntry& i : set.Integrals) Add(i.Start), Add(i.EndPoint), Add(i.B0), Add(i.B1), Add(i.Label);
-        Add(set.IntegralRef), Add(set.IntegralScale), Add(set.PeakThreshold), Add(set.RowHeading);
-        for (const MultiViewEntry& v : set.MultiViews) Add(v.FrameLeft), Add(v.Offset), Add(v.Labels[2]);
-        for (const RegionColor& r : set.Regions) Add(r.Color), Add(r.Start), Add(r.End);
-    }
-    std::string bytes_;
+    StateImage image_;
+    std::uint64_t source_ = 0;
 };
 
 struct Bench {
@@ -358,7 +324,7 @@ TEST(Undo, EveryKindHasItsRow)
         EXPECT_NE(row.parts, 0U);
     }
     const std::set<std::int32_t> named{1,  2,  3,  4,  6,  8,  11, 16, 33, 51, 52, 53, 54,  55,  56,  57,  58,  59,
-                                       61, 62, 63, 64, 65, 66, 67, 68, 69, 71, 81, 91, 141, 142, 201, 205, 5001};
+                                       61, 62, 63, 64, 65, 66, 67, 68, 69, 71, 81, 91, 141, 142, 201, 205, 291, 5001};
     EXPECT_EQ(kinds, named);
     for (const ParamEditRow& row : ParamEditRows()) EXPECT_NE(FindParamByName(row.name), nullptr) << row.name;
 }
@@ -487,6 +453,34 @@ TEST(Undo, AStaleLiveSnapshotIsSeen)
     EXPECT_TRUE(b.g.Undo.UnDo(b.g));
     EXPECT_TRUE(b.g.Undo.ReDo(b.g));
     EXPECT_EQ(Fingerprint(b.g), again);
+}
+
+// The journal counts on the points that it saw last until it has seen the next ones.
+TEST(Undo, WhatTheLiveSnapshotHeldStaysSomewhere)
+{
+    Bench b;
+    const auto kept = [&](const DataSet& set) {
+        const auto names = ListFiles(b.folder.path(), "UndoSpecData1.*");
+        return std::ranges::any_of(names,
+                                   [&](const auto& name) { return HoldsSnapshotOf(set, b.folder.path() / name); });
+    };
+    ASSERT_EQ(b.g.Undo.KeepLive(b.g), b.folder.path() / "UndoSpecData1.00X");
+    const DataSet first = b.g.Slots[0];
+    EditPoints(b); // without a step
+    ASSERT_FALSE(b.g.Undo.KeepLive(b.g).empty());
+    EXPECT_TRUE(kept(first) && kept(b.g.Slots[0]));
+    const DataSet second = b.g.Slots[0];
+    Do(b, b.g.Undo, PhaseKind());
+    EXPECT_TRUE(kept(second) && kept(b.g.Slots[0]));
+    EXPECT_TRUE(b.g.Undo.UnDo(b.g));
+    EXPECT_TRUE(kept(second));
+    // Of another slot: the live snapshot of the first is not touched.
+    UndoStep step = b.g.Undo.Begin(b.g, 8, 4);
+    b.g.Slots[4].spec.DataRe[0][1] += 1;
+    EXPECT_TRUE(b.g.Undo.Commit(b.g, std::move(step)));
+    EXPECT_TRUE(HoldsSnapshotOf(b.g.Slots[0], b.folder.path() / "UndoSpecData1.00X"));
+    EXPECT_EQ(b.g.Undo.point_changes(4), 1U);
+    EXPECT_EQ(b.g.Undo.point_changes(0), 2U);
 }
 
 TEST(Undo, ASaveMakesEveryOtherStateAChangedOne)

@@ -197,6 +197,38 @@ TEST(BrukerFid, EveryNumberTypeAndByteOrderGivesTheSameFid)
     }
 }
 
+TEST(BrukerFid, TheNumberTypeIsAskedForWhereTheSettingsWantItAndTheLengthDoesNotTell)
+{
+    struct Case {
+        const char* name;
+        const char* answer; ///< nullptr: not asked
+        std::string (*encode)(const std::vector<double>&, bool);
+        int setting;
+    };
+    const Case cases[] = {
+        {"not wanted", nullptr, Encode<std::int32_t>, 0}, {"integers", "LONG", Encode<std::int32_t>, 1},
+        {"floats", "SINGLE", Encode<float>, 1},           {"doubles, by the length", nullptr, Encode<double>, 1},
+        {"no answer", "CANCEL", Encode<std::int32_t>, 1},
+    };
+    const auto signal = Signal(64);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const TempFolder folder;
+        WriteText(folder / "acqus", Acqus("##$DTYPA= 0\n##$TD= 64\n"));
+        WriteText(folder / "fid", c.encode(signal, false));
+        const auto g = std::make_unique<GlobalBlock>();
+        g->settings.ask_data_type = c.setting;
+        ScriptedAsker asker;
+        if (c.answer != nullptr) asker.Expect({FormAnswer{c.answer, {}}});
+        const FileType type = TypeOf(folder / "fid", kFolderFid);
+        ASSERT_TRUE(ReadBruker({*g, asker, type, 0}));
+        EXPECT_EQ(asker.forms.size(), c.answer == nullptr ? 0U : 1U);
+        const auto re = g->Slots[0].spec.DataRe[0];
+        const double scale = (re[1] - re[0]) / (signal[2] - signal[0]);
+        for (std::size_t i = 2; i < 32; ++i) ASSERT_NEAR(re[i] - re[0], scale * (signal[2 * i] - signal[0]), 1e-6) << i;
+    }
+}
+
 TEST(BrukerFid, ReferenceSenseAndTitleComeFromTheProcessingFolder)
 {
     const TempFolder folder;

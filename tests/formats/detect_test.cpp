@@ -2,11 +2,11 @@
 
 #include "formats/detect.h"
 
-#include "formats/family_samples.h"
 #include "formats/key_values.h"
 #include "formats/probes.h"
 #include "formats/steady_asker.h"
 #include "formats/varian_procpar.h"
+#include "samples/family_samples.h"
 #include "support/files.h"
 #include "support/scripted_asker.h"
 
@@ -273,7 +273,7 @@ TEST(Detect, Jcamp)
          {4365, "JCAMP1", "1D:JCAMP-DX", ".DX"}},
         {"table before the type", file("##TITLE= x\n##XYDATA= (X++(Y..Y))\n1 2\n##DATA TYPE= NMR FID\n"), "x.dx", {}},
         {"infrared", file(Jcamp("INFRARED SPECTRUM")), "x.dx", {}},
-        {"two dimensions", file(Jcamp("nD NMR SPECTRUM")), "x.dx", {}},
+        {"two dimensions", file(Jcamp("nD NMR SPECTRUM")), "x.dx", {0x210D, "JCAMP2D", "2D:JCAMP-DX", ".DX"}},
         {"a link without NMR", file(link + "##END=\n"), "x.dx", {}},
         {"other extension", {{"x.abc", Jcamp()}}, "x.abc", {}},
     });

@@ -288,8 +288,6 @@ TEST_F(RealJcamp, WhatIsNoOneDimensionalNmrIsRefusedOrMarked)
         ErrorCode code;
     } refused[] = {
         {"jcamp-2d-cosy-ppm/cosyPPM.jdx", ErrorCode::two_dimensional},
-        {"jcamp-1h-t1-pseudo2d/1H_T1_2D.dx", ErrorCode::two_dimensional},
-        {"jcamp-1h-pseudo2d-t1-benchtop/pseudoT1.jdx", ErrorCode::two_dimensional},
         {"jcamp-not-nmr-infrared/ethylbenzene.jdx", ErrorCode::not_nmr},
         {"jcamp-odd-files/structure-tree.jdx", ErrorCode::not_nmr},
         {"jcamp-odd-files/structure-noend.jdx", ErrorCode::not_nmr},
@@ -314,18 +312,30 @@ TEST_F(RealJcamp, WhatIsNoOneDimensionalNmrIsRefusedOrMarked)
     EXPECT_NE(mended.Warnings().find("16384 points, not 16385"), std::string::npos) << mended.Warnings();
 }
 
-TEST_F(RealJcamp, TheDetectionKnowsThem)
+TEST_F(RealJcamp, RowsAlongAListOfDelaysAreAnArray)
 {
-    const NuclearTable nuclides = NuclearTable::BuiltIn();
-    ScriptedAsker asker;
-    for (const SpectrumCase& c : kSpectra) {
-        if (c.block != 0) continue;
-        const FileType type = ReadFileType(FileOf(c.file).string(), asker, nuclides);
-        EXPECT_EQ(type.code, kJcampSpectrum) << c.file;
-        EXPECT_EQ(type.tag, "JCAMP1");
-    }
-    for (const FidCase& c : kFids)
-        EXPECT_EQ(ReadFileType(FileOf(c.file).string(), asker, nuclides).code, kJcampFid) << c.file;
+    const JcampRead spectra(FromFile{FileOf("jcamp-1h-t1-pseudo2d/1H_T1_2D.dx")});
+    ASSERT_TRUE(spectra.status) << spectra.status.error().text;
+    // Ten were measured, the file holds sixteen; their delays stand in a list that it carries along.
+    const float delays[] = {10, 5, 4, 3, 2, 1, 0.5F, 0.25F, 0.1F, 0.01F};
+    ASSERT_EQ(spectra.set().RowCount, 10);
+    EXPECT_TRUE(std::equal(std::begin(delays), std::end(delays), spectra.set().RowValueA.begin()));
+    EXPECT_EQ(spectra.set().RowParamName + " " + spectra.set().RowParamUnit, "vd s");
+    const auto top = [](const DataSet& set, std::size_t row) {
+        return static_cast<double>(*std::ranges::max_element(set.spec.DataRe[row]));
+    };
+    EXPECT_NEAR(top(spectra.set(), 0), 2.5135e8 / 16, 1e-3 * 2.5135e8 / 16);
+    for (std::size_t row = 1; row < 6; ++row) // recovery after inversion
+        EXPECT_LT(top(spectra.set(), row), 1.01 * top(spectra.set(), row - 1)) << row;
+
+    const JcampRead fids(FromFile{FileOf("jcamp-1h-pseudo2d-t1-benchtop/pseudoT1.jdx")});
+    ASSERT_TRUE(fids.status) << fids.status.error().text;
+    ASSERT_EQ(fids.set().RowCount, 8);
+    EXPECT_FLOAT_EQ(fids.set().RowValueA[2], 0.12008F);
+    EXPECT_EQ(fids.set().RowParamName + " " + fids.set().RowParamUnit, "T1 s");
+    EXPECT_EQ(fids.par().FIDPoints, 2048);
+    EXPECT_NEAR(fids.set().spec.DataRe[0][0], -1.6242227e9 * 1.19208e-06, 0.01);
+    EXPECT_NEAR(fids.set().spec.DataIm[0][3], 1.6928971e9 * 1.19208e-06, 0.01);
 }
 
 } // namespace

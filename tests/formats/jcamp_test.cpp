@@ -286,6 +286,68 @@ TEST(Jcamp, ALinkFileGivesItsSpectrumOrAsks)
     EXPECT_NE(nobody.Warnings().find("2 data sets"), std::string::npos);
     const JcampRead cancelled(both, {FormAnswer{"Cancel", {}}});
     EXPECT_EQ(cancelled.status.error().code, ErrorCode::cancelled);
+    // Who has no buttons to press answers by number.
+    const JcampRead by_number(both, {FormAnswer{"BLOCK 2", {}}});
+    ExpectSmallSpectrum(by_number);
+    EXPECT_EQ(by_number.Warnings(), "");
+    for (const char* word : {"BLOCK 3", "BLOCK 0", "BLOCK x"})
+        EXPECT_EQ(JcampRead(both, {FormAnswer{word, {}}}).status.error().code, ErrorCode::bad_value) << word;
+}
+
+/// Three rows of two points; `times` of the pages.
+std::string Rows(const std::string& units, const std::vector<std::string>& times, const std::string& more = "")
+{
+    std::string text = "##TITLE=rows\n##JCAMP-DX=6.0\n##DATA TYPE=nD NMR FID\n##DATA CLASS=NTUPLES\n##NUM DIM=2\n"
+                       "##.OBSERVE FREQUENCY=400\n##.OBSERVE NUCLEUS=^1H\n" +
+                       more + "##NPOINTS=6\n##SYMBOL=T1, T2, R, I\n##VAR_DIM=3, 2, 6, 6\n##UNITS=" + units +
+                       ", SECONDS, A, A\n##FIRST=1, 0, 0, 0\n##LAST=9, 0.001, 0, 0\n##FACTOR=1, 1, 2, 2\n";
+    for (std::size_t row = 0; row < times.size(); ++row) {
+        const std::string first = std::to_string(10 * (row + 1));
+        text += "##PAGE=T1=" + times[row] + "\n##DATA TABLE=(T2++(R..R)), PROFILE\n0 " + first + " 1\n";
+        text += "##PAGE=T1=" + times[row] + "\n##DATA TABLE=(T2++(I..I)), PROFILE\n0 2 3\n";
+    }
+    return text + "##END=\n";
+}
+
+TEST(Jcamp, RowsOverUnevenTimesOrAListAreAnArray)
+{
+    const std::string list = "##$BRUKER FILE EXP=vdlist\n$$ 3s\n$$ 20m\n##$RELAX=\n";
+    const std::string quadrature =
+        "$$ Bruker specific parameters for F1\n##$FnMODE= 5\n$$ End of Bruker specific parameters\n";
+    const std::string two_measured =
+        "$$ Bruker specific parameters for F1\n##$TD= 2\n$$ End of Bruker specific parameters\n";
+    struct Case {
+        const char* name;
+        std::string text;
+        std::vector<float> values; ///< empty: a plane
+    };
+    const Case cases[] = {
+        {"uneven times", Rows("SECONDS", {"1", "2", "9"}), {1, 2, 9}},
+        {"even times", Rows("SECONDS", {"1", "2", "3"}), {}},
+        {"frequencies", Rows("HZ", {"1", "2", "9"}), {}},
+        {"a page without its time", Rows("SECONDS", {"1", "x", "9"}), {}},
+        {"a list", Rows("HZ", {"1", "2"}, list), {3, 0.02F}},
+        {"a list that is too short", Rows("HZ", {"1", "2", "3"}, list), {3, 0.02F, 3}},
+        {"a list beside quadrature", Rows("HZ", {"1", "2"}, list + quadrature), {}},
+        {"rows that were not measured", Rows("HZ", {"1", "2", "3", "4"}, list + two_measured), {3, 0.02F}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const JcampRead read(c.text);
+        ASSERT_EQ(static_cast<bool>(read.status), !c.values.empty());
+        if (c.values.empty()) {
+            EXPECT_EQ(read.status.error().code, ErrorCode::two_dimensional);
+            continue;
+        }
+        const DataSet& set = read.set();
+        ASSERT_EQ(set.RowCount, static_cast<std::int32_t>(c.values.size()));
+        EXPECT_EQ(set.par.FIDPoints, 2);
+        for (std::size_t row = 0; row < c.values.size(); ++row) {
+            EXPECT_EQ(set.RowValueA[row], c.values[row]);
+            EXPECT_EQ(set.spec.DataRe[row][0], 20.0F * static_cast<float>(row + 1));
+            EXPECT_EQ(set.spec.DataIm[row][1], 6);
+        }
+    }
 }
 
 TEST(Jcamp, EvenlySpacedPointsAreASpectrum)

@@ -161,6 +161,24 @@ TEST_F(RealSets, RowsOfAnArrayCarryTheirValues)
     EXPECT_EQ(unnamed.set().RowValueA[3], 4);
 }
 
+TEST_F(RealSets, DeltaFidsTellHowTheyAreProcessed)
+{
+    // "sexp : 2[Hz];trapezoid : 0[%] : 0[%] : 80[%] : 100[%];zerofill : 1;..." in the first three.
+    for (const FidCase& c : kFids) {
+        if (c.code != kDeltaFid || std::string_view(c.path).starts_with("derived")) continue;
+        SCOPED_TRACE(c.path);
+        const AnyRead read(RealData(c.path));
+        const VendorProcessing& told = read.set().vendor;
+        const bool has_list = std::string_view(c.path).find("chloroform") == std::string_view::npos;
+        EXPECT_EQ(told.points, has_list ? 32768 : 0);
+        EXPECT_FALSE(told.phase);
+        ASSERT_EQ(told.window.has_value(), has_list);
+        if (!has_list) continue;
+        EXPECT_EQ(told.window->broadening_hz, 2);
+        EXPECT_EQ(told.window->trapezoid_percent, (std::array<double, 4>{0, 0, 80, 100}));
+    }
+}
+
 struct SpectrumCase {
     const char* path;
     const char* nucleus;

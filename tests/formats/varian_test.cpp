@@ -3,7 +3,7 @@
 #include "formats/varian.h"
 
 #include "formats/reader_fixture.h"
-#include "formats/vendor_samples.h"
+#include "samples/vendor_samples.h"
 
 #include <algorithm>
 #include <cmath>

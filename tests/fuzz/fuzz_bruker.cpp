@@ -32,6 +32,15 @@ void ReadAsSpectrum(GlobalBlock& g, const BrukerParameters& parameters, BrukerFa
     Require(g.Slots[0].spec.XAxis[0] > g.Slots[0].spec.XAxis.back());
 }
 
+void ReadAsRows(GlobalBlock& g, const BrukerParameters& parameters, BrukerFamily family, ByteSpan data)
+{
+    if (!FillParaBruker(g, 0, parameters)) return;
+    if (!ReadBrukerArray(g, 0, parameters, &parameters, family, "/nowhere", data)) return;
+    const DataSet& set = g.Slots[0];
+    Require(set.RowCount >= 1 && set.RowCount <= kMaxRows);
+    for (float value : set.spec.DataRe.all()) Require(value >= -2.5F && value <= 2.5F);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size)
@@ -48,7 +57,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t siz
     const ByteSpan data = rest.subspan(std::min(text_size + 1, rest.size()));
     const BrukerFamily family = (input[0] & 1) != 0 ? BrukerFamily::flat : BrukerFamily::directory;
     ClearDataSet(g, 0);
-    if ((input[0] & 2) != 0)
+    if ((input[0] & 4) != 0)
+        ReadAsRows(g, *parameters, family, data);
+    else if ((input[0] & 2) != 0)
         ReadAsSpectrum(g, *parameters, family, data);
     else
         ReadAsFid(g, *parameters, family, data);

@@ -1,11 +1,9 @@
-// The sniffing of heads, the line reader and every probe. The first byte of the input chooses which
+// The sniffing of heads and every probe. The first byte of the input chooses which
 // (below the number of probes: that probe) and, by its top bit, how questions are answered; the rest
 // is the file.
 
-#include "formats/key_values.h"
 #include "formats/probes.h"
 #include "formats/steady_asker.h"
-#include "formats/varian_procpar.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -38,23 +36,6 @@ void RunSniff(ByteSpan file)
     Require(first.needs_more || first.result == whole.result);
 }
 
-void RunLines(ByteSpan file)
-{
-    LineReader reader(file);
-    for (std::string line; !(line = reader.Read_TextLine()).empty();) {
-        LabelledRecord record;
-        std::string key, value;
-        Split_Value(line, record);
-        Split_KeyValue(line, key, value);
-    }
-    Require(reader.at_end());
-    for (std::size_t position = 0; position < file.size();) {
-        const std::size_t before = position;
-        if (Varian_Line(file, position).name.empty()) break;
-        Require(position > before);
-    }
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -66,9 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t choice = data[0] & 0x7F;
     if (choice < Probes().size())
         RunProbe(Probes()[choice], file, {asker, kNuclides});
-    else if (choice % 2 == 0)
-        RunSniff(file);
     else
-        RunLines(file);
+        RunSniff(file);
     return 0;
 }

@@ -1,5 +1,5 @@
-#include "formats/vendor_samples.h"
 #include "fuzz/seed_files.h"
+#include "samples/vendor_samples.h"
 
 using namespace nmr::test;
 

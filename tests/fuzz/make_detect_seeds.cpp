@@ -1,8 +1,8 @@
 // make_detect_seeds FOLDER: writes the made-up files of all families as inputs of fuzz_detect: each
 // for its own probe, for the sniffing and for the line reader.
 
-#include "formats/family_samples.h"
 #include "formats/probes.h"
+#include "samples/family_samples.h"
 
 #include <filesystem>
 #include <fstream>

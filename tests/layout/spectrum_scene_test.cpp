@@ -135,5 +135,45 @@ TEST(PlotColors, StayReadableOnBothGrounds)
     EXPECT_EQ(FromSetting(ToSetting({12, 34, 56})), (Rgba{12, 34, 56}));
 }
 
+// Every device column is drawn once, in the colour of its region or the curve's own.
+TEST(SpectrumScene, ColouredRegionsPartTheCurve)
+{
+    struct Case {
+        const char* name;
+        double left, right; ///< shown
+        std::size_t parts, coloured;
+    };
+    const Case cases[] = {{"both inside", 10, 0, 5, 2},
+                          {"one inside", 10, 5.5, 3, 1},
+                          {"beside them", 2, 0, 1, 0},
+                          {"inside of one", 7.5, 6.5, 1, 1},
+                          {"from the middle of one on", 7, 3.5, 4, 2}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Fixture f;
+        f.set.Regions[3] = {255, 4, 5};
+        f.set.Regions[7] = {65280, 8, 6};
+        f.set.Regions[8] = {-1, 2, 1}; // without a colour
+        const auto scene = MakeScene(f.set, f.g.settings, {.left_ppm = c.left, .right_ppm = c.right});
+        RecordingCanvas canvas(2);
+        DrawSpectrumScene(canvas, {0, 0, 801, 400}, scene);
+        const PlotFrame frame = SceneFrame(canvas, {0, 0, 801, 400}, scene);
+        double x = frame.rect.x;
+        std::size_t coloured = 0;
+        for (const auto& strip : canvas.strips) {
+            EXPECT_NEAR(strip.x, x, 1e-6) << "no gap and no column twice";
+            x = strip.x + strip.width;
+            coloured += strip.pen.color == Rgba{255, 0, 0} || strip.pen.color == Rgba{0, 255, 0} ? 1 : 0;
+        }
+        EXPECT_NEAR(x, frame.rect.right(), 0.51);
+        EXPECT_EQ(canvas.strips.size(), c.parts);
+        EXPECT_EQ(coloured, c.coloured);
+    }
+    Fixture array;
+    array.set.Regions[0] = {255, 4, 5};
+    array.set.RowCount = 2;
+    EXPECT_TRUE(MakeScene(array.set, array.g.settings).regions.empty());
+}
+
 } // namespace
 } // namespace nmr

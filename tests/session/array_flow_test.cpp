@@ -1,6 +1,6 @@
 // Rows of an array on their way through a read: padding, order, transform.
 
-#include "formats/vendor_samples.h"
+#include "samples/vendor_samples.h"
 #include "session/rig.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "session/menu.h"
 
+#include "session/display_commands.h"
 #include "session/display_scope.h"
 #include "session/rig.h"
 
@@ -263,7 +264,11 @@ TEST(MenuState, NamesNumberedSpectraRowsAndTheOwnFormat)
     EXPECT_TRUE(state.contains("m2731(1)"));
     EXPECT_FALSE(state.contains("m185(2)"));
     EXPECT_FALSE(state.contains("m185(21)")) << "the last slot has no number";
-    EXPECT_EQ(state.find("DataCombo(2)")->second.caption, "2  0.25");
+    EXPECT_EQ(state.find("DataCombo(2)")->second.caption, "2:  0.25");
+    g->Slots[0].RowParamUnit = "s";
+    EXPECT_EQ(RowCaption(g->Slots[0], 1), "2:  0.25 s");
+    g->Slots[0].RowValueA = {1, 2}; // rows without a parameter of their own are numbered
+    EXPECT_EQ(RowCaption(g->Slots[0], 1), "2");
     EXPECT_EQ(state.find("m10_4")->second.caption, "Ver.4 type(*.tvo)");
 }
 
@@ -317,10 +322,12 @@ TEST(Commands, TheScopeFormComesBackFromItsDefaultAreas)
     DisplayScope scope(scratch.g);
     DefaultAreas areas(scratch.g.settings);
     areas.Set(0, XUnit::ppm, 2, ScopeEdge::left, 11.0);
+    areas.Ticks(0).step_ppm = 0.25;
     DisplayScope taken(scope);
     taken.Set(ScopeEdge::left, XUnit::ppm, 6.5);
-    Rig rig{Pressed(forms::kEditAreas, scope.ToValues()), Pressed("OK", areas.ToValues()),
-            Pressed("OK", taken.ToValues())};
+    forms::Values answer = taken.ToValues();
+    TickChoice{true, {0.2, 50, 4, 5}}.PutInto(answer);
+    Rig rig{Pressed(forms::kEditAreas, scope.ToValues()), Pressed("OK", areas.ToValues()), Pressed("OK", answer)};
     rig.Boot();
     rig.g.Slots[0].par.OBNUC = "1H";
     m31_Click(rig.s);
@@ -330,6 +337,11 @@ TEST(Commands, TheScopeFormComesBackFromItsDefaultAreas)
     EXPECT_EQ(second.Get(ScopeEdge::left, XUnit::ppm), 11.0) << "with the new preset";
     EXPECT_FLOAT_EQ(rig.g.ViewLeft, 6.5F);
     EXPECT_EQ(rig.repaints, 1);
+    EXPECT_EQ(rig.g.settings.axis_tic_mode, 1);
+    EXPECT_EQ(CurrentTicks(rig.g.settings), (TickSteps{0.2, 50, 4, 5}));
+    EXPECT_EQ(GetTickPreset(rig.g.settings, 0).step_ppm, 0.25);
+    TickChoice{false, {0, 50, 4, 5}}.Apply(rig.g.settings);
+    EXPECT_EQ(rig.g.settings.axis_tic_mode, 1) << "a step of nothing changes nothing";
 }
 
 TEST(Commands, GridAndFileTable)

@@ -272,11 +272,12 @@ TEST(ReadFlow, TheDialogComesBackUntilAFileCanBeRead)
     const std::string good = test::WriteBrukerFid(source.folder.path() / "good");
     Rig rig{Chosen(noise), Chosen(plane), Chosen(good, 2)};
     BootPlain(rig);
-    rig.g.LastDirs[0] = "/somewhere";
+    rig.g.LastDirs[0] = rig.Path("somewhere");
+    std::filesystem::create_directories(rig.g.LastDirs[0]);
     ASSERT_TRUE(NMR1D_m11_Click(rig.s));
     ASSERT_EQ(rig.asker.dialogs.size(), 3U);
     EXPECT_EQ(rig.asker.dialogs[0].title, "Read Data");
-    EXPECT_EQ(rig.asker.dialogs[0].folder, "/somewhere");
+    EXPECT_EQ(rig.asker.dialogs[0].folder, rig.Path("somewhere"));
     EXPECT_EQ(rig.asker.dialogs[0].filters.front().expression, "*.tv1;*.tvo*");
     EXPECT_EQ(rig.g.settings.initiatl_file, 2);
     EXPECT_EQ(rig.asker.boxes.size(), 2U);
@@ -450,6 +451,41 @@ TEST(FidIntake, TheLargestLengthIsTakenAndOneMoreRefused)
     EXPECT_EQ(PadToPowerOfTwo(*g).error().code, ErrorCode::too_large);
     g->Slots[0].par.POINT = kMaxPoints;
     EXPECT_TRUE(PadToPowerOfTwo(*g));
+}
+
+TEST(ReadNotes, AreToldOncePerReadAndStandInOneLine)
+{
+    Rig rig;
+    rig.Boot();
+    std::vector<std::vector<std::string>> told;
+    rig.asker.Expect({test::Pressed("Do not Save")});
+    rig.s.notes_of_read = [&](const std::vector<std::string>& notes) { told.push_back(notes); };
+    rig.s.run_fft_form = [&](FftForm& form) {
+        rig.g.Slots[0].Warnings = {"The count is one off.", "No date."};
+        EXPECT_TRUE(form.Command3());
+        return rig.g.DialogResult;
+    };
+    ASSERT_TRUE(Read_Path(rig.s, test::WriteBrukerFid(rig.folder.path() / "exp")));
+    EXPECT_FALSE(Read_Path(rig.s, rig.Path("nothing there")));
+    ASSERT_EQ(told.size(), 1U) << "a read that failed has its message";
+    EXPECT_EQ(NotesLine(told[0]), "2 notes on reading: The count is one off.");
+    EXPECT_EQ(NotesLine({"No date."}), "1 note on reading: No date.");
+    EXPECT_EQ(NotesLine({}), "");
+}
+
+TEST(ReadTicks, AreThoseOfTheNucleus)
+{
+    for (const auto& [nucleus, step] : {std::pair{"1H", 0.5}, std::pair{"13C", 20.0}, std::pair{"31P", 25.0}}) {
+        Rig rig;
+        rig.Boot();
+        rig.g.settings.ax_tic_step_1h = 0.5;
+        rig.g.settings.ax_tic_step_13c = 20;
+        rig.g.settings.ax_tic_step_other = 25;
+        test::BrukerSpec spec;
+        spec.nucleus = nucleus;
+        ASSERT_TRUE(Read_Path(rig.s, test::WriteBrukerFid(rig.folder.path() / "exp", spec)));
+        EXPECT_EQ(rig.g.settings.axis_tic_step, step) << nucleus;
+    }
 }
 
 } // namespace

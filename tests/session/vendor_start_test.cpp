@@ -180,5 +180,26 @@ TEST(VendorStart, TheSizeIsThatOfTheVendorAndTheSettingDecides)
     });
 }
 
+TEST(VendorStart, TheFormStartsOverWhenTheSettingChanges)
+{
+    VendorProcessing vendor = Bruker("##$WDW= 1\n##$LB= 7\n");
+    vendor.points = 4096;
+    vendor.phase = VendorPhase{40, 30, 3};
+    OnForm(vendor, [&](FftForm& form, GlobalBlock& g) {
+        const ParamBlock& par = g.Slots[0].par;
+        const float own_width = ParamBlock{}.BF1;
+        for (const bool on : {false, true, false}) {
+            SCOPED_TRACE(on);
+            EXPECT_TRUE(form.SetVendorStart(on));
+            EXPECT_EQ(g.settings.vendor_start, on ? 1 : 0);
+            EXPECT_EQ(form.points(), on ? 4096 : par.FIDPointsRaw);
+            EXPECT_EQ(par.BF1, on ? 7.0F : own_width);
+            EXPECT_EQ(par.FIDShift, on ? 3 : 0);
+            EXPECT_EQ(form.auto_phase(), !on);
+            EXPECT_EQ(on, std::abs(g.Phase0Deg - 40) < 1e-4);
+        }
+    });
+}
+
 } // namespace
 } // namespace nmr::test

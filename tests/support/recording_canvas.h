@@ -18,6 +18,12 @@ public:
         std::string text;
         TextAlign align;
         RectD box; ///< that the letters take, without rotation
+        double angle = 0;
+    };
+
+    struct Strip { ///< of one call of Stripes
+        double x = 0, width = 0;
+        Pen pen;
     };
 
     explicit RecordingCanvas(double resolution = 1, bool raster = true) : resolution_(resolution), stripes_(raster) {}
@@ -43,6 +49,7 @@ public:
         stripes_x = x;
         stripes_width = stripe_width;
         stripes.assign(in.begin(), in.end());
+        strips.push_back({x, stripe_width * static_cast<double>(in.size()), pen_});
         Log(fmt::format("stripes {} from {:.2f} width {:.3f}", in.size(), x, stripe_width));
     }
     bool PrefersStripes() const override { return stripes_; }
@@ -58,7 +65,8 @@ public:
     {
         const TextExtent e = Measure(utf8);
         const double shift = align == TextAlign::left ? 0 : align == TextAlign::centre ? e.width / 2 : e.width;
-        texts.push_back({at, std::string(utf8), align, {at.x - shift, at.y - e.ascent, e.width, e.height()}});
+        texts.push_back(
+            {at, std::string(utf8), align, {at.x - shift, at.y - e.ascent, e.width, e.height()}, angle_deg});
         Log(fmt::format("text {:.2f},{:.2f} {} \"{}\"", at.x, at.y, angle_deg, utf8));
     }
     TextExtent Measure(std::string_view utf8) override
@@ -77,6 +85,7 @@ public:
     std::vector<TextItem> texts;
     std::vector<Stripe> stripes;
     double stripes_x = 0, stripes_width = 0;
+    std::vector<Strip> strips;
 
 private:
     void Log(const std::string& line) { log += line + "\n"; }

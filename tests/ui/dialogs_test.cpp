@@ -363,6 +363,16 @@ TEST(SmallForms, DisplayScopeKeepsItsUnitsInStep)
     WhenModal(Press({"Set Default Value-2", "OK"}));
     answer = NMR1D_Form31({"NMR1D_Form31", request}, nullptr);
     EXPECT_EQ(DisplayScope(answer.values).Get(ScopeEdge::left, XUnit::ppm), 8); // the third area of 1H
+    WhenModal([&](QDialog& form) {
+        const auto steps = form.findChildren<QComboBox*>();
+        EXPECT_FALSE(steps[0]->isEnabled());
+        Find<QAbstractButton>(form, "TicIndividual").click();
+        steps[0]->setCurrentText("0.25");
+        Captioned(form, "OK").click();
+    });
+    answer = NMR1D_Form31({"NMR1D_Form31", request}, nullptr);
+    EXPECT_TRUE(TickChoice::From(answer.values).individual);
+    EXPECT_EQ(TickChoice::From(answer.values).steps.step_ppm, 0.25);
     WhenModal(Press({"Default Areas..."}));
     EXPECT_EQ(NMR1D_Form31({"NMR1D_Form31", request}, nullptr).dialog_result, "AREAS");
     WhenModal(Press({"Cancel"}));

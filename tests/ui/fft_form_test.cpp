@@ -415,5 +415,35 @@ TEST(FftFormRows, RowListAndProgressOnlyForSeveral)
     EXPECT_EQ(rig.par().SMODE, 1);
 }
 
+TEST(FftFormUser, TheBoxOffersTheOperatorsAndTakesAnyName)
+{
+    FormRig rig;
+    rig.g.CurrentUser = "COMMON";
+    rig.g.Operators = {"Anna", "Ben"};
+    rig.form.SetUser("Ben");
+    FftDialog dialog(rig.form);
+    auto& box = Find<QComboBox>(dialog, "FFTUser");
+    EXPECT_EQ(box.currentText(), "Ben") << "who measured the data is offered";
+    EXPECT_EQ(box.count(), 3);
+    box.setCurrentIndex(box.findText("Anna"));
+    EXPECT_EQ(rig.form.user(), "Anna");
+    Write(*box.lineEdit(), "Clara");
+    EXPECT_EQ(rig.form.user(), "Clara");
+}
+
+TEST(FftFormStart, TheBoxOfTheInstrumentsValuesActsAtOnce)
+{
+    FormRig rig;
+    rig.g.settings.vendor_start = 0;
+    rig.g.Slots[0].vendor.points = 16384;
+    FftDialog dialog(rig.form);
+    EXPECT_EQ(rig.form.points(), 4096);
+    Click(dialog, "VendorStart");
+    EXPECT_EQ(rig.form.points(), 16384);
+    EXPECT_EQ(rig.g.settings.vendor_start, 1);
+    Click(dialog, "VendorStart");
+    EXPECT_EQ(rig.form.points(), 4096);
+}
+
 } // namespace
 } // namespace nmr

@@ -19,8 +19,13 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
+#include <QStatusBar>
+#include <QToolBar>
 
 #include <gmock/gmock.h>
+
+#include <cmath>
+#include <filesystem>
 
 namespace nmr {
 namespace {
@@ -37,6 +42,7 @@ struct WindowRig {
         Start_Batch(g);
         if (rows > 0) Fill(rows);
         window = std::make_unique<NMR1D_Form1>(session, asker);
+        asker.SetParent(window.get());
         window->resize(1000, 600);
         Settle(*window);
     }
@@ -305,6 +311,149 @@ TEST(MainWindow, Pictures)
         Mouse(rig.window->plot(), QEvent::MouseMove, {300, 100}, Qt::NoButton);
         EXPECT_TRUE(rig.window->grab().save(ShotFolder() + QStringLiteral("/main-rows-%1.png").arg(theme)));
     }
+}
+
+/// Every top of the shown row that stands above a share of the highest.
+void PickTops(DataSet& set, float share)
+{
+    const auto row = set.spec.DataRe[0].first(static_cast<std::size_t>(set.par.POINT));
+    for (std::size_t i = 1; i + 1 < row.size(); ++i) {
+        if (row[i] < share * set.par.DispLeft || row[i] < row[i - 1] || row[i] <= row[i + 1]) continue;
+        PeakEntry peak;
+        peak.Point = static_cast<std::int32_t>(i);
+        peak.Position = (set.spec.XAxis[i] - set.spec.XAxis[0]) * set.par.OBFRQ0PPM;
+        set.Peaks.push_back(peak);
+    }
+}
+
+// To look at, likewise: marks, regions and cursors on real data, and the menus.
+TEST(MainWindow, ToolPictures)
+{
+    if (ShotFolder().isEmpty()) GTEST_SKIP() << "NMR1D_SHOTS is not set";
+    const QString scale = qEnvironmentVariable("QT_SCALE_FACTOR", "1");
+    for (const char* name : {"bruker-1h-fid-strychnine-400", "bruker-13c-fid-600", "jcamp-13c-dept-set-cytisine"}) {
+        WindowRig rig(0);
+        std::filesystem::path file = RealData(name);
+        if (file.empty()) continue;
+        if (!std::filesystem::exists(file / "fid")) file = std::filesystem::directory_iterator(file)->path();
+        rig.window->ReadPath(QString::fromStdString(file.string()));
+        DataSet& set = rig.g.Slots[0];
+        if (!rig.window->plot().HasSpectrum()) continue;
+        PickTops(set, 0.15F);
+        const double span = static_cast<double>(rig.g.ViewLeft) - static_cast<double>(rig.g.ViewRight);
+        for (int i = 0; i < 6; ++i) {
+            IntegralEntry integral;
+            const double right = static_cast<double>(rig.g.ViewRight) + (0.12 + 0.13 * i) * span;
+            const auto [low, high] = std::minmax({PpmToPoint(set, right), PpmToPoint(set, right + 0.08 * span)});
+            integral.StartPoint = high;
+            integral.EndPoint = low;
+            set.Integrals.push_back(integral);
+        }
+        set.Regions[0] = {255, static_cast<float>(static_cast<double>(rig.g.ViewLeft) - 0.1 * span), rig.g.ViewLeft};
+        set.Warnings = {"The count of points is one off.", "No date is given."};
+        for (const int theme : {1, 2}) {
+            rig.window->SetTheme(theme);
+            rig.window->resize(1180, 760);
+            rig.window->RefreshAll();
+            if (theme == 1) rig.Entry("Show Distance of Peaks/Cursol Data")->trigger();
+            rig.g.ToolMode = 7;
+            set.PeakFlags = static_cast<std::int16_t>(theme - 1);
+            rig.window->RefreshAll();
+            Settle(*rig.window);
+            const QString stem = ShotFolder() + QStringLiteral("/tools-%1-%2-%3").arg(name).arg(theme).arg(scale);
+            EXPECT_TRUE(rig.window->grab().save(stem + ".png"));
+            for (QAction* top : rig.window->menuBar()->actions()) {
+                top->menu()->adjustSize();
+                EXPECT_TRUE(top->menu()->grab().save(stem + "-" + top->text().remove('&').left(4) + ".png"));
+            }
+            Find<QAbstractButton>(*rig.window, "Notes").click();
+            EXPECT_TRUE(Find<QDialog>(*rig.window, "NotesList").grab().save(stem + "-notes.png"));
+            Find<QDialog>(*rig.window, "NotesList").close();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    }
+}
+
+TEST(MainWindow, NotesOfAReadStandBehindAButton)
+{
+    WindowRig rig;
+    auto& button = Find<QAbstractButton>(*rig.window, "Notes");
+    EXPECT_FALSE(button.isVisible());
+    rig.g.Slots[0].Warnings = {"The count is one off.", "No date."};
+    rig.session.notes_of_read(rig.g.Slots[0].Warnings);
+    rig.window->RefreshAll();
+    EXPECT_TRUE(button.isVisible());
+    EXPECT_EQ(button.text(), "2 notes on reading");
+    EXPECT_EQ(rig.window->statusBar()->currentMessage(), "2 notes on reading: The count is one off.");
+    button.click();
+    auto& list = Find<QDialog>(*rig.window, "NotesList");
+    QStringList texts;
+    for (const QLabel* label : list.findChildren<QLabel*>()) texts << label->text();
+    EXPECT_THAT(texts.join('\n').toStdString(), HasSubstr("No date."));
+    Key(list, Qt::Key_Escape);
+    EXPECT_FALSE(list.isVisible());
+}
+
+TEST(MainWindow, TwoCursorsTellTheirDistance)
+{
+    WindowRig rig;
+    Settle(*rig.window);
+    auto& panel = Find<QFrame>(*rig.window, "Picture3");
+    EXPECT_FALSE(panel.isVisible());
+    rig.Entry("Show Distance of Peaks/Cursol Data")->trigger();
+    ASSERT_TRUE(panel.isVisible());
+    Settle(*rig.window);
+    PlotWidget& plot = rig.window->plot();
+    const double range_before = rig.Width();
+    // Cursor 1 stands a third of the way from 12 to -2 ppm; near the line it jumps to its top.
+    Drag(plot, {rig.X(12 - 14.0 / 3), 200}, {rig.X(7.26) + 3, 200});
+    const double top = PointToPpm(rig.g.Slots[0], PpmToPoint(rig.g.Slots[0], 7.26));
+    EXPECT_EQ(Find<QLabel>(panel, "Cursor 1").text(),
+              QStringLiteral("%1 ppm   %2 Hz").arg(top, 0, 'f', 4).arg(top * 400, 0, 'f', 2));
+    const QString other = Find<QLabel>(panel, "Cursor 2").text();
+    const double second = other.split(' ').front().toDouble();
+    EXPECT_NEAR(second, 12 - 28.0 / 3, 1e-3);
+    EXPECT_NEAR(Find<QLabel>(panel, "Distance").text().split(' ').front().toDouble(), top - second, 1.5e-4);
+    EXPECT_EQ(rig.Width(), range_before) << "a cursor was dragged, not the zoom";
+    Drag(plot, {rig.X(10), 200}, {rig.X(9), 200});
+    EXPECT_LT(rig.Width(), 1.2) << "beside the cursors the zoom works as ever";
+    Find<QAbstractButton>(panel, "m801").click();
+    EXPECT_FALSE(panel.isVisible());
+}
+
+TEST(MainWindow, RegionsAreColouredByDragAndClearedByClick)
+{
+    WindowRig rig;
+    rig.Entry("Set Color on the Selected Region")->trigger();
+    Settle(*rig.window);
+    EXPECT_TRUE(Find<QToolBar>(*rig.window, "ColorToolbar").isVisible());
+    PlotWidget& plot = rig.window->plot();
+    Drag(plot, {rig.X(8), 200}, {rig.X(6), 200});
+    const auto& region = rig.g.Slots[0].Regions[0];
+    EXPECT_NEAR(region.Start, 8, 0.02);
+    EXPECT_NEAR(region.End, 6, 0.02);
+    EXPECT_EQ(region.Color, rig.g.settings.def_region_color);
+    EXPECT_EQ(plot.Scene().regions.size(), 1U);
+    Drag(plot, {rig.X(7), 200}, {rig.X(7), 200});
+    EXPECT_TRUE(plot.Scene().regions.empty());
+    rig.Entry("UnDo(ReSet Color Region)")->trigger();
+    EXPECT_EQ(plot.Scene().regions.size(), 1U);
+    Key(*rig.window, Qt::Key_Escape);
+    EXPECT_EQ(rig.g.ToolMode, 0);
+    EXPECT_FALSE(Find<QToolBar>(*rig.window, "ColorToolbar").isVisible());
+}
+
+TEST(MainWindow, AbsoluteModeDrawsTheMagnitude)
+{
+    WindowRig rig;
+    DataSet& set = rig.g.Slots[0];
+    const auto top = static_cast<std::size_t>(PpmToPoint(set, 7.26));
+    set.spec.DataIm[0][top] = 500;
+    rig.Entry("Absoluter Spectrum Mode")->trigger();
+    EXPECT_FLOAT_EQ(rig.window->plot().Scene().curves[0].row[top], std::hypot(1000.0F, 500.0F));
+    EXPECT_TRUE(rig.LabelText("Data").endsWith("Absolute"));
+    rig.Entry("Absoluter Spectrum Mode")->trigger();
+    EXPECT_EQ(rig.window->plot().Scene().curves[0].row[top], 1000);
 }
 
 TEST(QtAsker, ShowsTextTitleAndButtonsToTheLetter)

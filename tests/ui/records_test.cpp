@@ -129,6 +129,39 @@ TEST(ParameterFileForm, EditsCanBeTakenBackAndDoneAgain)
     EXPECT_EQ(Text(answer.values, "KEY 2"), "OBFRQ");
 }
 
+TEST(ParameterFileForm, ItsStepsOutliveAButtonThatClosesIt)
+{
+    App();
+    Values values = Table({{"SLVNT", "Solvent", "@"}, {"OBFRQ", "Freq", "@"}});
+    const auto show = [&](std::function<void(QDialog&, QTableWidget&)> act) {
+        WhenModal([act](QDialog& form) {
+            Settle(form);
+            act(form, GridOf(form));
+            ButtonOf(form, "Save...").click();
+        });
+        values = Form17({kParameterFile, values}, nullptr).values;
+        values[kChanged] = "0"; // as after a save
+    };
+    show([](QDialog& form, QTableWidget& grid) {
+        for (const char* label : {"A", "B", "C"}) grid.item(0, 1)->setText(label);
+        ButtonOf(form, "UnDo").click();
+        EXPECT_EQ(grid.item(0, 1)->text(), "B");
+    });
+    show([](QDialog& form, QTableWidget& grid) {
+        ButtonOf(form, "ReDo").click();
+        EXPECT_EQ(grid.item(0, 1)->text(), "C");
+        EXPECT_FALSE(ButtonOf(form, "ReDo").isEnabled());
+        for (int i = 0; i < 2; ++i) ButtonOf(form, "UnDo").click();
+        EXPECT_EQ(grid.item(0, 1)->text(), "A");
+    });
+    EXPECT_EQ(Text(values, "LABEL 1"), "A");
+    show([](QDialog& form, QTableWidget& grid) {
+        ButtonOf(form, "UnDo").click();
+        EXPECT_EQ(grid.item(0, 1)->text(), "Solvent");
+        EXPECT_FALSE(ButtonOf(form, "UnDo").isEnabled());
+    });
+}
+
 TEST(ParameterList, SaveListIsItsOwnAnswer)
 {
     App();

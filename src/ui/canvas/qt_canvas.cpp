@@ -38,6 +38,8 @@ QFont MakeFont(const FontSpecD& spec, const QPaintDevice& device)
     font.setPointSizeF(std::max(0.1, spec.size * 72 / device.logicalDpiY()));
     font.setBold(spec.bold);
     font.setItalic(spec.italic);
+    font.setUnderline(spec.underline);
+    font.setStrikeOut(spec.strikeout);
     return font;
 }
 

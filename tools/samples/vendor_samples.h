@@ -1,7 +1,7 @@
 #pragma once
 // Small made-up data sets of Varian, CMX and JEOL Delta, whole enough to be read.
 
-#include "formats/family_samples.h"
+#include "samples/family_samples.h"
 
 #include <array>
 #include <cmath>

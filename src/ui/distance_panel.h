@@ -1,0 +1,53 @@
+#pragma once
+// Two cursors in the plot, and the small window that tells where they stand and how far apart.
+
+#include "core/global_block.h"
+#include "session/cursor_distance.h"
+#include "ui/plot_tool.h"
+
+#include <QFrame>
+
+#include <array>
+#include <optional>
+
+class QLabel;
+
+namespace nmr {
+
+class PlotWidget;
+
+class DistancePanel : public QFrame, public PlotTool {
+public:
+    DistancePanel(GlobalBlock& g, PlotWidget& plot);
+
+    void Toggle();
+    /// Data, row or range changed.
+    void Refresh();
+    /// In the upper right corner of the plot, until it is dragged elsewhere.
+    void MoveToCorner();
+    const CursorDistance& cursors() const { return cursors_; }
+
+    bool Grab(const PlotFrame& frame, QPointF at) override;
+    void Move(const PlotFrame& frame, QPointF at) override;
+    void Drop(const PlotFrame& frame) override;
+    bool IsUnder(const PlotFrame& frame, QPointF at) const override { return CursorAt(frame, at).has_value(); }
+    void Draw(QtCanvas& canvas, const PlotFrame& frame) override;
+
+protected:
+    void mousePressEvent(QMouseEvent*) override;
+    void mouseMoveEvent(QMouseEvent*) override;
+
+private:
+    std::optional<std::size_t> CursorAt(const PlotFrame& frame, QPointF at) const;
+    void BringHere();
+
+    GlobalBlock& g_;
+    PlotWidget& plot_;
+    CursorDistance cursors_;
+    std::array<QLabel*, 3> lines_{}; ///< both cursors, then their distance
+    std::optional<std::size_t> held_;
+    bool placed_ = false; ///< dragged to a place of its own
+    QPoint grip_;         ///< where the drag took hold, inside the panel
+};
+
+} // namespace nmr
