@@ -86,7 +86,7 @@ private:
     float delay_phase1_deg_ = 0.0F;
     std::int32_t delay_shift_ = 0;
     std::string user_;
-    ParamBlock opened_;                   // as the reader left it
+    ParamBlock opened_; // as the reader left it
     std::optional<double> quality_;
     std::optional<bool> auto_phase_here_; // in place of the setting, for this FID
 };

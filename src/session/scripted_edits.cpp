@@ -209,9 +209,9 @@ void ScriptedEdits::Note()
 
 void ScriptedEdits::CheckFiles()
 {
-    const auto g = std::make_unique<GlobalBlock>();
-    NumberSlots(*g);
     for (const std::string& name : ListFiles(script_.folder, "*.tvo1")) {
+        const auto g = std::make_unique<GlobalBlock>(); // a file of several slots asks before it overwrites
+        NumberSlots(*g);
         const std::string path = (script_.folder / name).string();
         const bool whole = static_cast<bool>(ReadDataTavo4(*g, asker_, path, 0));
         Say("file " + path + " " + (whole ? ContentOf(g->Slots[0]) : "damaged"));
