@@ -17,8 +17,8 @@ constexpr double kRadians = std::numbers::pi / 180.0;
 constexpr std::size_t kMostPoints = 12288; ///< points looked at
 constexpr std::size_t kRun = 64;           ///< points that share one rotation
 constexpr std::size_t kLanes = 8;
-constexpr int kAngles = 120; ///< of the table of a block, over a full turn
-constexpr double kAngleStep = 360.0 / kAngles;
+constexpr std::size_t kAngles = 120; ///< of the table of a block, over a full turn
+constexpr double kAngleStep = 360.0 / static_cast<double>(kAngles);
 constexpr double kLargestPhase1 = 1080.0; ///< off what is known
 constexpr double kPhase1Step = 20.0;
 constexpr double kFarPenalty = 0.1; ///< of the cost, for each turn of first order off what is known
@@ -204,14 +204,36 @@ Signal SignalOf(const Smoothed& row)
     return s;
 }
 
+/// Cosine and sine of an angle to 3e-6, from a table: the phases ask for them hundreds of thousands of times.
+struct Unit {
+    float c, d;
+};
+
+Unit UnitAt(double degrees)
+{
+    constexpr int kSteps = 4; // a degree
+    static const auto table = [] {
+        std::array<Unit, 360 * kSteps + 1> t{};
+        for (std::size_t i = 0; i < t.size(); ++i) {
+            const double angle = static_cast<double>(i) / kSteps * kRadians;
+            t[i] = {static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle))};
+        }
+        return t;
+    }();
+    const double place = (degrees - 360.0 * std::floor(degrees / 360.0)) * kSteps;
+    const auto at = static_cast<std::size_t>(std::clamp(place, 0.0, 360.0 * kSteps - 1.0));
+    const auto part = static_cast<float>(place - static_cast<double>(at));
+    const Unit &a = table[at], &b = table[at + 1];
+    return {a.c + part * (b.c - a.c), a.d + part * (b.d - a.d)};
+}
+
 /// Sums of a run's real part turned by an angle: absolute, and as it is.
 struct Sums {
     double absolute = 0, plain = 0;
 };
 Sums SumsAt(const Signal& s, const Signal::Run& run, double degrees)
 {
-    const auto c = static_cast<float>(std::cos(degrees * kRadians)),
-               d = static_cast<float>(std::sin(degrees * kRadians));
+    const auto [c, d] = UnitAt(degrees);
     const float *re = s.re.data() + run.first, *im = s.im.data() + run.first;
     std::array<float, kLanes> absolute{}, plain{};
     std::size_t i = 0;
@@ -304,19 +326,7 @@ double FeetCost(const std::vector<Feet>& feet, const Phases& p)
 /// What a block of neighbouring runs adds to AbsoluteCost at each angle, as if all its points turned alike.
 struct Block {
     double position = 0;
-    std::array<float, kAngles / 2> absolute{}; ///< repeats after half a turn
-    double sum_re = 0, sum_im = 0;
-
-    double Cost(double degrees, bool same) const
-    {
-        constexpr int kHalf = kAngles / 2;
-        int at = static_cast<int>(std::lround(degrees / kAngleStep)) % kHalf;
-        if (at < 0) at += kHalf;
-        const auto total = static_cast<double>(absolute[static_cast<std::size_t>(at)]);
-        if (!same) return total;
-        const double plain = std::cos(degrees * kRadians) * sum_re - std::sin(degrees * kRadians) * sum_im;
-        return 2.0 * total - plain;
-    }
+    std::array<float, kAngles> one_sign{}, both_signs{};
 };
 
 std::vector<Block> Blocks(const Signal& s)
@@ -332,12 +342,14 @@ std::vector<Block> Blocks(const Signal& s)
             const auto w = static_cast<double>(run.weight);
             block.position += run.position * w;
             weight += w;
-            for (std::size_t k = 0; k < block.absolute.size(); ++k)
-                block.absolute[k] +=
-                    static_cast<float>(w * SumsAt(s, run, static_cast<double>(k) * kAngleStep).absolute);
-            for (std::size_t i = run.first; i < run.first + run.count; ++i) {
-                block.sum_re += w * static_cast<double>(s.re[i]);
-                block.sum_im += w * static_cast<double>(s.im[i]);
+            for (std::size_t k = 0; k < kAngles / 2; ++k) {
+                // Half a turn later only the sign differs.
+                const Sums sums = SumsAt(s, run, static_cast<double>(k) * kAngleStep);
+                const std::size_t opposite = k + kAngles / 2;
+                for (const std::size_t at : {k, opposite})
+                    block.both_signs[at] += static_cast<float>(w * sums.absolute);
+                block.one_sign[k] += static_cast<float>(w * (2.0 * sums.absolute - sums.plain));
+                block.one_sign[opposite] += static_cast<float>(w * (2.0 * sums.absolute + sums.plain));
             }
         }
         block.position /= weight;
@@ -345,6 +357,15 @@ std::vector<Block> Blocks(const Signal& s)
         a = b;
     }
     return blocks;
+}
+
+/// Adds a block's costs for all zero orders at one first order.
+void AddTurned(const std::array<float, kAngles>& table, double turn_deg, std::array<float, kAngles>& costs)
+{
+    const auto shift = static_cast<std::int64_t>(std::lround(turn_deg / kAngleStep)) % std::int64_t{kAngles};
+    const auto first = static_cast<std::size_t>(shift < 0 ? shift + std::int64_t{kAngles} : shift);
+    for (std::size_t k = 0; k < kAngles - first; ++k) costs[k] += table[first + k];
+    for (std::size_t k = kAngles - first; k < kAngles; ++k) costs[k] += table[first + k - kAngles];
 }
 
 struct Rated {
@@ -357,14 +378,12 @@ std::vector<Rated> CoarseSearch(const std::vector<Block>& blocks, double size, d
 {
     constexpr std::size_t kKept = 4;
     std::vector<Rated> best;
-    const double turn = same ? 360.0 : 180.0;
     for (double off = -kLargestPhase1; off <= kLargestPhase1; off += kPhase1Step) {
-        Rated line{{}, 1e300};
-        for (double p0 = 0; p0 < turn; p0 += kAngleStep) {
-            double cost = 0;
-            for (const Block& b : blocks) cost += b.Cost(p0 + (known_p1 + off) * b.position, same);
-            if (cost < line.cost) line = {{p0, known_p1 + off}, cost};
-        }
+        std::array<float, kAngles> costs{};
+        for (const Block& b : blocks) AddTurned(same ? b.one_sign : b.both_signs, (known_p1 + off) * b.position, costs);
+        const auto lowest = std::ranges::min_element(costs);
+        const double p0 = kAngleStep * static_cast<double>(lowest - costs.begin());
+        Rated line{{p0, known_p1 + off}, static_cast<double>(*lowest)};
         // What is far from the known first order must be better to be believed.
         line.cost = line.cost / size * (1.0 + kFarPenalty * std::abs(off) / 360.0);
         best.push_back(line);

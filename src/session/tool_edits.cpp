@@ -9,6 +9,7 @@
 #include "core/list_values.h"
 #include "core/text.h"
 #include "core/undo_parts.h"
+#include "session/color_regions.h"
 #include "session/tools.h"
 
 #include <algorithm>
@@ -115,15 +116,7 @@ void Tools::Click(const PlotPoint& at)
                   [&] { return dragged_ != set().IntegralRef && Set_Integral_Reference(set(), dragged_); });
         return;
     case ToolAction::delete_region:
-        EditRegions(UndoKind::reset_color_region, [&](DataSet& data) {
-            const auto hit = std::ranges::find_if(data.Regions, [&](const RegionColor& r) {
-                const auto [low, high] = std::minmax({static_cast<double>(r.Start), static_cast<double>(r.End)});
-                return (r.Start != 0.0F || r.End != 0.0F) && at.ppm >= low && at.ppm <= high;
-            });
-            if (hit == data.Regions.end()) return false;
-            *hit = RegionColor{};
-            return true;
-        });
+        if (ResetColorRegion(g_, at.ppm)) Changed();
         return;
     default:
         return;
@@ -169,13 +162,7 @@ void Tools::DragEnd(const PlotPoint& at)
         return;
     }
     case ToolAction::add_region:
-        EditRegions(UndoKind::set_color_region, [&](DataSet& data) {
-            const auto free = std::ranges::find_if(
-                data.Regions, [](const RegionColor& r) { return r.Start == 0.0F && r.End == 0.0F; });
-            if (free == data.Regions.end()) return false;
-            *free = {region_color_, static_cast<float>(start_.ppm), static_cast<float>(at.ppm)};
-            return true;
-        });
+        if (SetColorRegion(g_, start_.ppm, at.ppm, region_color_)) Changed();
         return;
     default:
         // What works by clicks takes a shaky one too.
@@ -546,26 +533,9 @@ void Tools::CancelReference()
     ExchangeParts(g_, reference_before_, kUndoReference);
 }
 
-bool Tools::EditRegions(UndoKind kind, const std::function<bool(DataSet&)>& edit)
-{
-    auto regions = set().Regions;
-    if (!edit(set())) return false;
-    std::swap(regions, set().Regions);
-    PushUndoStep(g_, kind);
-    std::swap(regions, set().Regions);
-    MarkChanged(set());
-    Changed();
-    return true;
-}
-
 void Tools::ResetRegions()
 {
-    EditRegions(UndoKind::reset_color_region, [](DataSet& data) {
-        const bool any =
-            std::ranges::any_of(data.Regions, [](const RegionColor& r) { return r.Start != 0.0F || r.End != 0.0F; });
-        data.Regions.fill(RegionColor{});
-        return any;
-    });
+    if (ResetAllColorRegions(g_)) Changed();
 }
 
 bool Shift_Reference(GlobalBlock& g, double line_ppm, double shift_ppm)

@@ -11,7 +11,6 @@
 #include "session/session.h"
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -189,8 +188,6 @@ private:
     void DragTo(const PlotPoint& at);
     void Click(const PlotPoint& at);
     void DragEnd(const PlotPoint& at);
-    UndoKind KindOf(ToolAction action) const;
-    bool EditRegions(UndoKind kind, const std::function<bool(DataSet&)>& edit);
 
     Session& s_;
     GlobalBlock& g_;
