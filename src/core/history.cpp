@@ -1,6 +1,7 @@
 #include "core/history.h"
 
 #include "core/file_hash.h"
+#include "core/file_layer.h"
 #include "core/text.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@ namespace nmr {
 namespace {
 
 constexpr std::string_view kPattern = "yyyy-mm-dd hh:nn:ss";
+constexpr std::int64_t kLargestNoted = std::int64_t{256} << 20;
 constexpr std::int32_t kFirstSerial = 21916; ///< 1960-01-01: earlier dates are words that no instrument set
 
 std::string DateText(std::int32_t serial, double fraction)
@@ -78,7 +80,7 @@ void AppendHistory(DataSet& set, std::string_view operator_name, std::string_vie
 
 void NoteOriginal(DataSet& set, const std::filesystem::path& file)
 {
-    if (!set.HistoryHead2.empty()) return;
+    if (!set.HistoryHead2.empty() || FileLen(file.string()) > kLargestNoted) return;
     if (const auto digest = Sha256OfFile(file)) set.HistoryHead2 = digest->substr(0, kHistoryBytes);
 }
 

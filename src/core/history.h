@@ -25,7 +25,8 @@ void AppendHistory(DataSet& set, std::string_view operator_name, std::string_vie
 void AppendHistory(DataSet& set, std::string_view operator_name, std::string_view subject);
 
 /// Notes in HistoryHead2 which file the data came from, when nothing stands there: the first half of its
-/// SHA-256, which is what the field has room for. A file that can't be read is not noted.
+/// SHA-256, which is what the field has room for. A file that can't be read is not noted, nor
+/// one above 256 MB: reading it once more would hold the session up.
 void NoteOriginal(DataSet& set, const std::filesystem::path& file);
 /// Whether OrgFile is still the file that was noted.
 enum class Original { not_noted, unchanged, changed, missing };
