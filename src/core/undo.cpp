@@ -112,6 +112,8 @@ UndoStep& UndoStack::Push(GlobalBlock& g, std::int32_t kind, std::span<const std
     step.Slot = slot;
     step.OldRows.assign(slots.begin(), slots.end());
     step.OldSets.resize(slots.size());
+    // The tool may put other points there, which no snapshot tells of.
+    for (const std::int32_t changed : slots) ++point_changes_[static_cast<std::size_t>(changed)];
     if (const UndoKindRow* row = Row(kind)) KeepParts(g, step, row->parts);
     PushStep(std::move(step));
     return *stack_.newest();
