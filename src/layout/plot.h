@@ -56,7 +56,7 @@ struct AxisStyle {
     bool individual = false; ///< AXIS TIC MODE not 0: the steps below instead of AutoTic
     double step_ppm = 1, step_hz = 100;
     int divisions = 10; ///< minor ticks between numbers in individual mode
-    std::string title = "ppm";
+    std::string title = "ppm"; ///< a text of layout/code_text.h
     Pen pen;
     Rgba text;
     FontSpecD font;
@@ -67,6 +67,8 @@ struct AxisStyle {
 void DrawXAxis(Canvas& canvas, const RectD& rect, double left_ppm, double right_ppm, const AxisStyle& style);
 /// Height that DrawXAxis needs.
 double XAxisHeight(Canvas& canvas, const AxisStyle& style);
+/// Width of the title as it is drawn.
+double XAxisTitleWidth(Canvas& canvas, const AxisStyle& style);
 /// Room that the title and half a number need right of the axis; half a number left of it.
 double XAxisOverhang(Canvas& canvas, const AxisStyle& style);
 

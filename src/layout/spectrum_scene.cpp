@@ -40,6 +40,14 @@ std::string_view UnitName(XUnit unit)
     return kNames[static_cast<std::size_t>(unit)];
 }
 
+/// The label of the set, which the settings fill; the bare unit where there is none.
+std::string TitleOfAxis(const DataSet& set, XUnit unit)
+{
+    constexpr std::string DataSet::*kLabels[] = {&DataSet::XLabelPpm, &DataSet::XLabelHz, &DataSet::XLabelKHz};
+    const std::string& label = set.*kLabels[static_cast<std::size_t>(unit)];
+    return label.empty() ? std::string(UnitName(unit)) : label;
+}
+
 std::string TitleOf(const DataSet& set)
 {
     const ParamBlock& par = set.par;
@@ -237,7 +245,7 @@ AxisStyle AxisStyleOf(const Settings& settings, const DataSet& set, const PlotCo
     style.step_hz = settings.axis_tic_step_2;
     const int divisions = style.unit == XUnit::ppm ? settings.axis_tic_div : settings.axis_tic_div_2;
     style.divisions = std::clamp(divisions, 1, 100);
-    style.title = UnitName(style.unit);
+    style.title = TitleOfAxis(set, style.unit);
     style.pen = {colors.axis, PenWidth(settings.disp_axis_width), PenStyle::solid};
     style.text = colors.text;
     style.font = AxisFont(settings);
@@ -294,7 +302,7 @@ PlotFrame SceneFrame(Canvas& canvas, const RectD& rect, const SpectrumScene& sce
     const double right = XAxisOverhang(canvas, scene.axis);
     double below = XAxisHeight(canvas, scene.axis);
     const double letter = canvas.Measure("X").height();
-    const double left = right - canvas.Measure(scene.axis.title).width;
+    const double left = right - XAxisTitleWidth(canvas, scene.axis);
     double above = 0.6 * letter;
     if (!scene.title.empty()) {
         canvas.SetFont(scene.title_font);

@@ -1,6 +1,7 @@
 // The axis below a plot and the grid that hangs on its ticks.
 
 #include "core/axis_ticks.h"
+#include "layout/code_text.h"
 #include "layout/plot.h"
 
 #include <fmt/format.h>
@@ -133,6 +134,25 @@ double DrawNumbers(Canvas& canvas, const Axis& axis, double base_line)
     return end;
 }
 
+FontSpec TitleFont(const AxisStyle& style)
+{
+    FontSpec font;
+    font.Name = style.font.family;
+    font.Size = static_cast<float>(style.font.size);
+    font.Bold = style.font.bold ? -1 : 0;
+    font.Italic = style.font.italic ? -1 : 0;
+    font.Color = ToSetting(style.text);
+    return font;
+}
+
+/// @param at left end of the base line
+void DrawTitle(Canvas& canvas, PointD at, const AxisStyle& style)
+{
+    const FontSpec font = TitleFont(style);
+    CodeTextPlace place{.x = at.x, .y = at.y - Measure_Run(canvas, "X", font, 1).ascent};
+    static_cast<void>(Draw_CodeText(canvas, style.title, font, place));
+}
+
 } // namespace
 
 AxisTicks FindAxisTicks(double left_ppm, double right_ppm, const AxisStyle& style, std::int64_t max_count)
@@ -174,7 +194,7 @@ void DrawXAxis(Canvas& canvas, const RectD& rect, double left_ppm, double right_
     DrawTicks(canvas, axis, style.pen);
     canvas.SetPen({style.text, 1, PenStyle::solid});
     const double end = DrawNumbers(canvas, axis, base_line);
-    canvas.Text({end + 2 * kGap * letter, base_line}, style.title);
+    DrawTitle(canvas, {end + 2 * kGap * letter, base_line}, style);
     canvas.EndGroup();
 }
 
@@ -184,11 +204,20 @@ double XAxisHeight(Canvas& canvas, const AxisStyle& style)
     return (kNumbersBelow + 1 + kGap) * canvas.Measure("X").height();
 }
 
+double XAxisTitleWidth(Canvas& canvas, const AxisStyle& style)
+{
+    CodeTextPlace place{.direction = 0};
+    static_cast<void>(Draw_CodeText(canvas, style.title, TitleFont(style), place));
+    canvas.SetFont(style.font);
+    return place.right_limit;
+}
+
 double XAxisOverhang(Canvas& canvas, const AxisStyle& style)
 {
     canvas.SetFont(style.font);
     const double half_number = canvas.Measure("-0.0000").width / 2;
-    return half_number + 3 * kGap * canvas.Measure("X").height() + canvas.Measure(style.title).width;
+    const double letter = canvas.Measure("X").height();
+    return half_number + 3 * kGap * letter + XAxisTitleWidth(canvas, style);
 }
 
 void DrawGrid(Canvas& canvas, const PlotFrame& frame, const AxisStyle& axis, const GridStyle& style)

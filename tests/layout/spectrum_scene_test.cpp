@@ -116,6 +116,8 @@ TEST(SpectrumScene, UnitsFollowTheSettingOnlyWithAFrequency)
     Fixture f;
     f.g.settings.axis_mode_ppm = 1;
     EXPECT_EQ(MakeScene(f.set, f.g.settings).axis.title, "Hz");
+    f.set.XLabelHz = "\\< \\g1 n\\g0 /Hz\\>";
+    EXPECT_EQ(MakeScene(f.set, f.g.settings).axis.title, f.set.XLabelHz);
     f.set.par.OBFRQ0PPM = 0;
     EXPECT_EQ(MakeScene(f.set, f.g.settings).axis.title, "ppm");
 }
