@@ -141,8 +141,9 @@ std::vector<fs::path> Candidates(const DeadRun& run)
     std::vector<fs::path> files;
     for (const std::string& pattern : {std::string(kSnapshots), PointsPattern(run.journal)})
         for (const std::string& name : ListFiles(folder, pattern)) files.push_back(folder / name);
-    std::ranges::stable_partition(
-        files, [](const fs::path& file) { return file.filename().string().find(kLiveMark) != std::string::npos; });
+    std::stable_partition(files.begin(), files.end(), [](const fs::path& file) {
+        return file.filename().string().find(kLiveMark) != std::string::npos;
+    });
     return files;
 }
 

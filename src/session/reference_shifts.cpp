@@ -64,8 +64,8 @@ std::vector<ReferenceShift> ReferenceShiftsFor(std::string_view nucleus, std::st
     std::vector<ReferenceShift> rows;
     std::ranges::copy_if(kShifts, std::back_inserter(rows),
                          [&](const ReferenceShift& r) { return r.nucleus == nucleus; });
-    std::ranges::stable_partition(rows,
-                                  [&](const ReferenceShift& r) { return !own.empty() && r.compound.ends_with(own); });
+    std::stable_partition(rows.begin(), rows.end(),
+                          [&](const ReferenceShift& r) { return !own.empty() && r.compound.ends_with(own); });
     return rows;
 }
 
