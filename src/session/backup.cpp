@@ -1,8 +1,8 @@
 #include "session/backup.h"
 
 #include "core/file_layer.h"
+#include "core/quiet_answers.h"
 #include "formats/tavo4.h"
-#include "session/quiet_answers.h"
 #include "session/read_flow.h"
 #include "session/save_flow.h"
 

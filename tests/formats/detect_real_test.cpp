@@ -1,8 +1,8 @@
 // Every published set of the collection gives the code that its description says, or is refused.
 
+#include "core/quiet_answers.h"
 #include "core/text.h"
 #include "formats/detect.h"
-#include "formats/steady_asker.h"
 #include "support/files.h"
 #include "support/scripted_asker.h"
 
@@ -199,7 +199,7 @@ TEST(RealDetect, AnyFileGivesAnAnswer)
 {
     NMR1D_REAL_DATA(readme, "README.md");
     const NuclearTable nuclides = NuclearTable::BuiltIn();
-    SteadyAsker asker(Button::no);
+    QuietAnswers asker(Button::no);
     for (const auto& entry : std::filesystem::recursive_directory_iterator(readme.parent_path())) {
         const FileType type = ReadFileType(entry.path().string(), asker, nuclides);
         EXPECT_EQ(type.code > 0, type.tag != "ERR") << entry.path();

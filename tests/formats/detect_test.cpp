@@ -2,9 +2,9 @@
 
 #include "formats/detect.h"
 
+#include "core/quiet_answers.h"
 #include "formats/key_values.h"
 #include "formats/probes.h"
-#include "formats/steady_asker.h"
 #include "formats/varian_procpar.h"
 #include "samples/family_samples.h"
 #include "support/files.h"
@@ -641,7 +641,7 @@ std::vector<std::string> AllSamples()
 /// end (the sanitizers see to that).
 TEST(Detect, EveryProbeBearsEveryCutOfEverySample)
 {
-    SteadyAsker asker(Button::yes);
+    QuietAnswers asker(Button::yes);
     const ProbeContext context{asker, Nuclides()};
     for (const std::string& sample : AllSamples()) {
         const std::size_t step = std::max<std::size_t>(sample.size() / 200, 1);
@@ -674,7 +674,7 @@ TEST(Detect, NoProbeTakesTheFileOfAnotherBinaryFamily)
         {"ReadModeJCAMP", Jcamp()},           {"ReadModeBruker", Acqus()},
         {"ReadModeVarian", Procpar()},
     };
-    SteadyAsker asker(Button::yes);
+    QuietAnswers asker(Button::yes);
     const ProbeContext context{asker, Nuclides()};
     for (const Owner& owner : owners) {
         for (const ProbeRow& row : Probes()) {

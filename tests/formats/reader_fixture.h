@@ -3,9 +3,9 @@
 // tests' own.
 
 #include "core/numbers.h"
+#include "core/quiet_answers.h"
 #include "formats/detect.h"
 #include "formats/registry.h"
-#include "formats/steady_asker.h"
 #include "support/files.h"
 
 #include <bit>
@@ -21,7 +21,7 @@ namespace nmr::test {
 /// Array questions are answered "No", which means rows of one dimension.
 struct AnyRead {
     std::unique_ptr<GlobalBlock> g = std::make_unique<GlobalBlock>(); // large, so on the heap
-    SteadyAsker asker{Button::no};
+    QuietAnswers asker{Button::no};
     FileType type;
     Status status;
 

@@ -1,8 +1,8 @@
 // No cut of a sample is taken for the whole of it: a message, a warning, or the very same data.
 
+#include "core/quiet_answers.h"
 #include "formats/detect.h"
 #include "formats/registry.h"
-#include "formats/steady_asker.h"
 #include "samples/samples.h"
 #include "support/files.h"
 
@@ -39,7 +39,7 @@ public:
 
 private:
     std::unique_ptr<GlobalBlock> g_ = std::make_unique<GlobalBlock>();
-    SteadyAsker asker_{Button::no};
+    QuietAnswers asker_{Button::no};
 };
 
 bool IsSame(const DataSet& a, const DataSet& b)

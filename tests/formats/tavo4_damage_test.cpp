@@ -1,7 +1,7 @@
 // Damaged native files: whatever one byte says, and wherever a file ends, a read gives a message or a
 // set that holds together, can be saved, and comes back as it was saved.
 
-#include "formats/steady_asker.h"
+#include "core/quiet_answers.h"
 #include "formats/tavo4_fixture.h"
 
 #include <cmath>
@@ -30,7 +30,7 @@ void ExpectWhole(const DataSet& set)
 /// One damaged file; true when it was read.
 bool Try(GlobalBlock& g, GlobalBlock& again, const FileBytes& file)
 {
-    SteadyAsker asker(Button::no);
+    QuietAnswers asker(Button::no);
     const bool read = static_cast<bool>(DecodeTavo4(g, asker, file, 0));
     if (!read) {
         EXPECT_TRUE(IsEmpty(g.Slots[0]) || g.Slots[0].par.POINT == 8);

@@ -2,8 +2,8 @@
 // (below the number of probes: that probe) and, by its top bit, how questions are answered; the rest
 // is the file.
 
+#include "core/quiet_answers.h"
 #include "formats/probes.h"
-#include "formats/steady_asker.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     static const NuclearTable kNuclides = NuclearTable::BuiltIn();
     if (size == 0) return 0;
-    test::SteadyAsker asker((data[0] & 0x80) != 0 ? Button::yes : Button::no);
+    QuietAnswers asker((data[0] & 0x80) != 0 ? Button::yes : Button::no);
     const ByteSpan file = std::as_bytes(std::span(data + 1, size - 1));
     const std::size_t choice = data[0] & 0x7F;
     if (choice < Probes().size())

@@ -1,6 +1,6 @@
 // Native file Ver.4: the input is the file. What can be read can be saved, and is then stable.
 
-#include "formats/steady_asker.h"
+#include "core/quiet_answers.h"
 #include "formats/tavo4.h"
 
 #include <cstdlib>
@@ -24,7 +24,7 @@ void EmptySlots(GlobalBlock& g)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size)
 {
     static GlobalBlock g, again;
-    static test::SteadyAsker asker(Button::no);
+    static QuietAnswers asker(Button::no);
     EmptySlots(g);
     EmptySlots(again);
     if (!DecodeTavo4(g, asker, std::as_bytes(std::span(input, size)), 0)) return 0;
