@@ -18,6 +18,7 @@ constexpr int kMostInPart = 6;           ///< lines of one part: the first order
 constexpr double kEdge = 0.3;            ///< of the top: as far as the fit reaches, some three half widths
 constexpr std::size_t kMostSamples = 40; ///< to each side of the top; more points are taken as means
 constexpr int kRounds = 4;
+constexpr double kBroadest = 48.0; ///< half widths of a row at least
 
 /// Highest first.
 std::vector<std::size_t> TopsOf(std::span<const float> m, double least)
@@ -173,10 +174,14 @@ std::optional<LinePhase> FitLine(const ComplexRow& row, std::size_t top, double 
     line.point = static_cast<double>(top) + at.real() * static_cast<double>(reach);
     line.half_width = width * static_cast<double>(reach);
     line.height = std::abs(amplitude);
+    line.side = std::copysign(1.0, at.imag());
     line.angle_deg = std::arg(amplitude) * 180.0 / std::numbers::pi;
     line.misfit = std::sqrt(left / static_cast<double>(samples.size())) / line.height;
     line.overlap = std::max(0.0, edge - kEdge);
-    if (!std::isfinite(line.angle_deg) || !std::isfinite(line.misfit)) return std::nullopt;
+    // More of base line than of line, or as broad as one.
+    const bool believable = line.height < 2.0 * static_cast<double>(row.magnitude[top]) &&
+                            line.half_width * kBroadest < static_cast<double>(row.re.size());
+    if (!believable || !std::isfinite(line.angle_deg) || !std::isfinite(line.misfit)) return std::nullopt;
     return line;
 }
 

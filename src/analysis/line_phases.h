@@ -19,6 +19,7 @@ struct LinePhase {
     double half_width = 0; ///< points
     double height = 0;     ///< above the base line
     double angle_deg = 0;  ///< that the line is turned by; in phase 0, pointing down 180
+    double side = 1;       ///< of the pole; -1 for a row whose imaginary part is mirrored
     double misfit = 0;     ///< root mean square of what the fit leaves, over the height
     double overlap = 0;    ///< how high a neighbour stands at the end of what was fitted, over the height; 0 when alone
 };

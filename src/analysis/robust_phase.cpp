@@ -2,6 +2,7 @@
 
 #include "analysis/line_phases.h"
 #include "analysis/phase.h"
+#include "analysis/slow_part.h"
 #include "core/text.h"
 
 #include <algorithm>
@@ -330,16 +331,39 @@ struct LineTerm {
     double position, weight, angle_deg;
 };
 
-std::vector<LineTerm> LineTermsOf(const Smoothed& row, double center)
+std::vector<LinePhase> LinesOf(const Smoothed& row)
 {
     constexpr std::size_t kMostLines = 96;
     const double least = std::max(0.01 * static_cast<double>(row.top), 4.0 * row.noise);
+    return Find_Line_Phases({row.re, row.im, row.magnitude}, least, row.noise, kMostLines);
+}
+
+float MedianMagnitude(const Smoothed& row)
+{
+    std::vector<float> m = row.magnitude;
+    const auto middle = m.begin() + static_cast<std::ptrdiff_t>(m.size() / 2);
+    std::ranges::nth_element(m, middle);
+    return *middle;
+}
+
+/// Takes the slow part away where that leaves the row far quieter: then it was a base line, not feet of lines.
+void Flatten(Smoothed& row)
+{
+    constexpr float kQuieter = 0.4F;
+    Smoothed flat = row;
+    Subtract_Slow_Part(flat.re, flat.im, LinesOf(row));
+    Take(flat);
+    if (flat.top > 0.0F && MedianMagnitude(flat) < kQuieter * MedianMagnitude(row)) row = std::move(flat);
+}
+
+std::vector<LineTerm> LineTermsOf(const std::vector<LinePhase>& lines, double center, std::size_t n)
+{
     std::vector<LineTerm> terms;
     double total = 0;
-    for (const LinePhase& l : Find_Line_Phases({row.re, row.im, row.magnitude}, least, row.noise, kMostLines)) {
+    for (const LinePhase& l : lines) {
         const double doubt = 0.0025 + l.misfit * l.misfit + 0.1 * l.overlap * l.overlap;
         const double weight = std::sqrt(l.height) / doubt;
-        terms.push_back({(l.point - center) / static_cast<double>(row.re.size()), weight, l.angle_deg});
+        terms.push_back({(l.point - center) / static_cast<double>(n), weight, l.angle_deg});
         total += weight;
     }
     for (LineTerm& t : terms) t.weight /= total;
@@ -594,11 +618,12 @@ RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> 
     if (!(row.top > 0.0F) || !std::isfinite(row.top)) return result;
     result.pivot = static_cast<std::int32_t>(std::ranges::max_element(row.magnitude) - row.magnitude.begin());
     const auto factor = static_cast<double>(Thin(row));
+    Flatten(row);
     Judged j{SignalOf(row), {}, {}, {}, hint.phase1_deg};
     if (j.signal.runs.empty() || !(j.signal.size > 0.0) || !std::isfinite(j.signal.size)) return result;
     j.blocks = Blocks(j.signal);
     j.feet = FeetOf(row, j.signal.center);
-    j.lines = LineTermsOf(row, j.signal.center);
+    j.lines = LineTermsOf(LinesOf(row), j.signal.center, row.re.size());
     AddLineBlocks(j);
     // The middle of the signal as a point of the whole row.
     const double center = (j.signal.center + 0.5) * factor - 0.5, points = static_cast<double>(n);
