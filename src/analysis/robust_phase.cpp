@@ -25,8 +25,8 @@ constexpr double kLargestPhase1 = 1080.0; ///< off what is known
 constexpr double kPhase1Step = 20.0;
 constexpr double kFarPenalty = 0.1; ///< of the cost, for each turn of first order off what is known
 constexpr double kFeetShare = 0.5;
-constexpr double kLineShare = 0.5;
-constexpr double kAsGood = 1.01; ///< cost of what is known beforehand, over that of the best
+constexpr double kLineShare = 0.45;
+constexpr double kAsGood = 1.015; ///< cost of what is known beforehand, over that of the best
 constexpr double kNoTurn = 1.0;  ///< degrees that are not worth a change
 
 /// The points that carry lines, in runs of neighbours.
@@ -373,7 +373,7 @@ std::vector<LineTerm> LineTermsOf(const std::vector<LinePhase>& lines, double ce
 /// 0 where the line is in phase, 1 where it is far out: how far hardly matters, so that few bad ones decide nothing.
 double LineTermCost(double off_deg, bool same)
 {
-    constexpr double kWidth = 15.0;
+    constexpr double kWidth = 22.0;
     const double off = std::remainder(off_deg, same ? 360.0 : 180.0) / kWidth;
     return off * off / (1.0 + off * off);
 }
