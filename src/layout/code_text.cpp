@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <vector>
 
 namespace nmr {
 namespace {
@@ -138,6 +139,49 @@ double Line_Height(std::string_view text, std::size_t position, const FontSpec& 
 
 namespace {
 
+/// Line_Height at any byte of a text. A wrapped text asks once a line, so the sizes are looked up once.
+class LineHeights {
+public:
+    explicit LineHeights(std::string_view code)
+    {
+        CodeReader reader(code);
+        for (CodeToken token = reader.Next(); token.kind != CodeKind::end && token.kind != CodeKind::close;
+             token = reader.Next()) {
+            if (token.Is("cr")) marks_.push_back({reader.position(), 0, true});
+            if (token.Is("p:")) marks_.push_back({reader.position(), CodeSize(token.value).value_or(0)});
+        }
+        double largest = 0; // from a size to the end of its line
+        for (auto mark = marks_.rbegin(); mark != marks_.rend(); ++mark) {
+            if (mark->line_end) largest = 0;
+            largest = mark->size = std::max(largest, mark->size);
+        }
+    }
+    /// The largest size asked for from a byte to the end of the line; 0 when none is.
+    double SizeFrom(std::size_t position) const
+    {
+        const auto mark = std::ranges::upper_bound(marks_, position, {}, &Mark::behind);
+        return mark == marks_.end() ? 0 : mark->size;
+    }
+
+private:
+    struct Mark {
+        std::size_t behind; ///< the code
+        double size = 0;
+        bool line_end = false;
+    };
+    std::vector<Mark> marks_;
+};
+
+/// Whether a text has a letter to draw.
+bool HasLetters(std::string_view code)
+{
+    CodeReader reader(code);
+    for (CodeToken token = reader.Next(); token.kind != CodeKind::end && token.kind != CodeKind::close;
+         token = reader.Next())
+        if (token.kind == CodeKind::character) return true;
+    return false;
+}
+
 /// One walk of Draw_CodeText.
 class Drawing {
 public:
@@ -225,7 +269,7 @@ private:
     void NewLine(std::size_t position)
     {
         pen_x_ = line_start_ = place_.left_margin;
-        line_bottom_ += Line_Height(code_, position, font_, place_.scale);
+        line_bottom_ += HeightOf(std::max(SizeOf(font_), heights_.SizeFrom(position)));
         PlaceRun();
     }
 
@@ -258,8 +302,7 @@ private:
     {
         Finish();
         std::string rest = "\\< " + state_.CodesFrom(base_) + std::string(code_.substr(position));
-        if (Plain_From_Code(rest).empty()) return {};
-        return rest;
+        return HasLetters(rest) ? rest : std::string();
     }
 
     Canvas& device_;
@@ -268,6 +311,7 @@ private:
     CodeTextPlace& place_;
     const CodeTextStyle& style_;
     CodeReader reader_;
+    LineHeights heights_{code_};
     CodeState base_, state_;
     bool wraps_;
     double limit_, sin_, cos_;
