@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 namespace nmr {
@@ -253,8 +254,8 @@ private:
         AppendUtf8(one, letter);
         if (wraps_) {
             const double width = Measure_Run(device_, one, state_.font(), place_.scale, place_.weight).width;
-            const bool empty_line = run_.empty() && pen_x_ <= line_start_;
-            if (pen_x_ + run_width_ + width > limit_ && !empty_line) {
+            // The first letter of a line stays, however wide: else the text would never come to an end.
+            if (pen_x_ + run_width_ + width > limit_ && line_has_letters_) {
                 Flush();
                 widest_ = limit_;
                 if (place_.one_line) return false;
@@ -262,14 +263,17 @@ private:
             }
             run_width_ += width;
         }
+        line_has_letters_ = true;
         run_ += one;
         return true;
     }
 
     void NewLine(std::size_t position)
     {
-        pen_x_ = line_start_ = place_.left_margin;
-        line_bottom_ += HeightOf(std::max(SizeOf(font_), heights_.SizeFrom(position)));
+        pen_x_ = place_.left_margin;
+        line_has_letters_ = false;
+        if (!heights_) heights_.emplace(code_);
+        line_bottom_ += HeightOf(std::max(SizeOf(font_), heights_->SizeFrom(position)));
         PlaceRun();
     }
 
@@ -311,12 +315,12 @@ private:
     CodeTextPlace& place_;
     const CodeTextStyle& style_;
     CodeReader reader_;
-    LineHeights heights_{code_};
+    std::optional<LineHeights> heights_; ///< made when there is a second line
     CodeState base_, state_;
-    bool wraps_;
+    bool wraps_, line_has_letters_ = false;
     double limit_, sin_, cos_;
     double line_bottom_, run_bottom_ = 0, top_offset_ = 0;
-    double pen_x_ = 0, line_start_ = 0, widest_ = 0, run_width_ = 0;
+    double pen_x_ = 0, widest_ = 0, run_width_ = 0;
     std::string run_;
 };
 
