@@ -57,15 +57,12 @@ std::vector<std::string> PeakHeads(ListUnit unit)
     return {"No", "Position(ppm)", fmt::format("Frequency({})", FrequencyRow(unit).name), "Amplitude", "Height(%)"};
 }
 
-std::vector<std::string> PeakFields(const GlobalBlock& g, std::size_t index, ListUnit unit)
+std::vector<std::string> PeakFields(const PeakLine& line, ListUnit unit)
 {
-    const DataSet& set = g.Slots[0];
-    const PeakEntry& peak = set.Peaks[index];
     const UnitRow& row = FrequencyRow(unit);
-    return {FormatNumber(kNumber, static_cast<double>(index + 1)), FormatNumber(kPosition, PeakPpm(set, peak)),
-            FormatNumber(row.frequency, PeakHz(set, peak) * row.from_hz),
-            FormatNumber(kAmplitude, PeakAmplitude(set, ShownRow(g), peak)),
-            FormatNumber(kHeight, PeakHeightPercent(set, ShownRow(g), peak))};
+    return {FormatNumber(kNumber, line.number), FormatNumber(kPosition, line.ppm),
+            FormatNumber(row.frequency, line.hz * row.from_hz), FormatNumber(kAmplitude, line.amplitude),
+            FormatNumber(kHeight, line.height_percent)};
 }
 
 /// A comment of several lines would look like entries.
@@ -103,15 +100,11 @@ std::string IntegralText(const GlobalBlock& g, ListUnit unit)
     text += Joined({"No", "Integral", fmt::format("Start({})", row.name), fmt::format("End({})", row.name), "B0/Ymax",
                     "B1/Ymax"}) +
             "\r\n";
-    for (std::size_t i = 0; i < set.Integrals.size(); ++i) {
-        const IntegralEntry& entry = set.Integrals[i];
-        const auto value = ListedIntegral(set, i);
-        text += Joined({FormatNumber("##0", static_cast<double>(i + 1)),
-                        value ? FormatNumber(" #####0.0", *value) : std::string(), end(IntegralStartPpm(set, entry)),
-                        end(IntegralEndPpm(set, entry)), FormatNumber(kBaseWord, ShortestDouble(entry.B0)),
-                        FormatNumber(kBaseWord, ShortestDouble(entry.B1))}) +
+    for (const IntegralLine& line : IntegralLines(set))
+        text += Joined({FormatNumber("##0", line.number),
+                        line.value ? FormatNumber(" #####0.0", *line.value) : std::string(), end(line.start_ppm),
+                        end(line.end_ppm), FormatNumber(kBaseWord, line.b0), FormatNumber(kBaseWord, line.b1)}) +
                 "\r\n";
-    }
     return text;
 }
 
@@ -172,23 +165,6 @@ std::string BadLine(std::size_t number)
     return fmt::format("Entry {} of the list is no line of numbers.", number);
 }
 
-/// "1H" as "<sup>1</sup>H", "CDCl3" as "CDCl<sub>3</sub>".
-std::string WithDigitsIn(std::string_view text, std::string_view open, std::string_view close)
-{
-    std::string out;
-    bool inside = false;
-    for (const char c : text) {
-        const bool digit = c >= '0' && c <= '9';
-        if (digit != inside) out += digit ? open : close;
-        inside = digit;
-        if (c == '<' || c == '>' || c == '&')
-            out += c == '&' ? "&amp;" : c == '<' ? "&lt;" : "&gt;";
-        else
-            out += c;
-    }
-    return inside ? out + std::string(close) : out;
-}
-
 } // namespace
 
 ListUnit ShownListUnit(const GlobalBlock& g)
@@ -200,7 +176,7 @@ Status WriteDataRed(const std::string& path, const GlobalBlock& g, ListUnit unit
 {
     const DataSet& set = g.Slots[0];
     std::string text = Head(set) + fmt::format("Data No.= {}\r\n", set.Peaks.size()) + Joined(PeakHeads(unit)) + "\r\n";
-    for (std::size_t i = 0; i < set.Peaks.size(); ++i) text += Joined(PeakFields(g, i, unit)) + "\r\n";
+    for (const PeakLine& line : PeakLines(set, ShownRow(g))) text += Joined(PeakFields(line, unit)) + "\r\n";
     return Write(path, text, "WriteDataRed/1DDRW");
 }
 
@@ -209,8 +185,9 @@ Status WriteDataRedAls(const std::string& path, const GlobalBlock& g)
     const DataSet& set = g.Slots[0];
     const auto& par = set.par;
     const auto seven = [](double value) { return FormatNumber("######0.0000000", value); };
+    const std::vector<PeakLine> lines = PeakLines(set, ShownRow(g));
     double highest = 0;
-    for (const PeakEntry& peak : set.Peaks) highest = std::max(highest, PeakAmplitude(set, ShownRow(g), peak));
+    for (const PeakLine& line : lines) highest = std::max(highest, line.amplitude);
     const double hz = set.spec.XAxis.size() < 2 ? 0.0 : PpmToHz(set, PointToPpm(set, 1) - PointToPpm(set, 0));
     const double ppm = par.OBFRQ0PPM == 0.0 ? 0.0 : hz / par.OBFRQ0PPM;
     std::string text = "NO.           PPM      INT(%)      FREQ(Hz)  POSITION  \r\n";
@@ -222,12 +199,9 @@ Status WriteDataRedAls(const std::string& path, const GlobalBlock& g)
     text += "ABOBS " + seven(par.ObsCenter * 1e3) + " kHz\r\n";
     text += "NGAIN 1\r\n";
     text += "COMNT  " + OneLine(par.COMNT) + "\r\n";
-    for (std::size_t i = 0; i < set.Peaks.size(); ++i) {
-        const PeakEntry& peak = set.Peaks[i];
-        text += fmt::format("{:>3}{:>15}{:>10}\r\n", FormatNumber("##0", static_cast<double>(i + 1)),
-                            FormatNumber("########0.00000", PeakPpm(set, peak)),
-                            FormatNumber("###0.00000", PeakHeightPercent(set, ShownRow(g), peak)));
-    }
+    for (const PeakLine& line : lines)
+        text += fmt::format("{:>3}{:>15}{:>10}\r\n", FormatNumber("##0", line.number),
+                            FormatNumber("########0.00000", line.ppm), FormatNumber("###0.00000", line.height_percent));
     return Write(path, text, "WriteDataRedAls/1DDRW");
 }
 
@@ -276,35 +250,6 @@ Result<IntegralListFile> ReadDataInt(const std::string& path)
         file.regions.push_back({!fields[1].empty(), (*n)[0], (*n)[1], (*n)[2], (*n)[3], (*n)[4]});
     }
     return file;
-}
-
-std::string PeakTable(const GlobalBlock& g, ListUnit unit)
-{
-    std::string text = Joined(PeakHeads(unit), "\t") + "\n";
-    for (std::size_t i = 0; i < g.Slots[0].Peaks.size(); ++i) text += Joined(PeakFields(g, i, unit), "\t") + "\n";
-    return text;
-}
-
-PaperText PeaksForPaper(const DataSet& set)
-{
-    std::vector<double> shifts;
-    for (const PeakEntry& peak : set.Peaks) shifts.push_back(PeakPpm(set, peak));
-    std::ranges::sort(shifts, std::greater{});
-    std::vector<std::string> texts;
-    const std::string_view pattern = set.par.OBNUC == "1H" ? "###0.00" : "###0.0";
-    for (const double shift : shifts) {
-        std::string text = FormatNumber(pattern, shift);
-        if (text.find_first_not_of("-0.") == std::string::npos) text.erase(0, text.starts_with('-') ? 1 : 0);
-        texts.push_back(std::move(text));
-    }
-    const std::string frequency = FormatNumber("#####0", set.par.ObsCenter) + " MHz";
-    const std::string solvent(Trim(set.par.SLVNT));
-    const std::string list = Joined(texts) + (texts.empty() ? "" : ".");
-    const auto build = [&](const std::string& nucleus, const std::string& in) {
-        return nucleus + " NMR (" + frequency + (in.empty() ? "" : ", " + in) + ") δ " + list;
-    };
-    return {build(set.par.OBNUC, solvent),
-            build(WithDigitsIn(set.par.OBNUC, "<sup>", "</sup>"), WithDigitsIn(solvent, "<sub>", "</sub>"))};
 }
 
 } // namespace nmr

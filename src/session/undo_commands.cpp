@@ -1,5 +1,6 @@
 // "UnDo" and "ReDo" of the main form.
 
+#include "analysis/integrals.h"
 #include "session/menu.h"
 #include "session/read_flow.h"
 
@@ -10,6 +11,8 @@ namespace {
 void Show(const Session& s, const std::string& file_before)
 {
     const std::string& file = s.g.Slots[0].par.FileName;
+    // The points may be others now.
+    Calc_All_Integrals(s.g);
     if (file != file_before) ShowFileTitle(s, file);
     if (s.display_changed) s.display_changed();
 }

@@ -66,6 +66,7 @@ void PlotWidget::Refresh()
         auto pyramid = std::make_shared<MinMaxPyramid>();
         pyramid->Build(row);
         pyramid_ = std::move(pyramid);
+        integrals_.reset();
         built_for_ = RealRow().data();
         TakeOverView();
     } else {
@@ -97,6 +98,10 @@ SpectrumScene PlotWidget::Scene() const
     options.magnification = view().magnification();
     options.dark = dark();
     options.instead = absolute_;
+    // Made for the first paint that needs them; a drag of a region asks the same ones again.
+    if (!integrals_ && !g_.Slots[0].Integrals.empty())
+        integrals_ = std::make_shared<IntegralCurves>(ShownRow(), static_cast<double>(g_.Slots[0].par.DispLeft));
+    options.integrals = integrals_;
     return MakeScene(g_.Slots[0], g_.settings, options, pyramid_);
 }
 

@@ -18,7 +18,6 @@ std::unique_ptr<GlobalBlock> Sample()
     DataSet& set = g->Slots[0];
     set.par.FileName = "C:\\data\\a.tvo1";
     set.par.COMNT = "two\r\nlines";
-    set.par.SLVNT = "CDCl3";
     set.Peaks = {{.Point = 250, .Position = 2.5 * 400}, {.Point = 751, .Position = 7.5 * 400}};
     set.Integrals = {{.Start = 3, .StartPoint = 300, .End = 2, .EndPoint = 200, .Value = 1, .Label = {}},
                      {.Start = 8,
@@ -135,24 +134,6 @@ TEST(ListFiles, ReadBackWhatTheyWrote)
         EXPECT_FALSE(ReadDataInt(folder / "bad"));
     }
     EXPECT_FALSE(ReadDataRed(folder / "none"));
-}
-
-TEST(ListFiles, PeaksForAPaperAndForATable)
-{
-    const auto g = Sample();
-    DataSet& set = g->Slots[0];
-    set.Peaks.insert(set.Peaks.begin(), {.Point = 100, .Position = 0.9996 * 400});
-    EXPECT_EQ(PeaksForPaper(set).plain, "1H NMR (400 MHz, CDCl3) δ 6.50, 1.50, 0.00.");
-    EXPECT_EQ(PeaksForPaper(set).html, "<sup>1</sup>H NMR (400 MHz, CDCl<sub>3</sub>) δ 6.50, 1.50, 0.00.");
-    set.par.OBNUC = "13C";
-    set.par.ObsCenter = 100.6;
-    set.par.SLVNT = "";
-    EXPECT_EQ(PeaksForPaper(set).plain, "13C NMR (101 MHz) δ 6.5, 1.5, 0.0.");
-    set.Peaks.clear();
-    EXPECT_EQ(PeaksForPaper(set).plain, "13C NMR (101 MHz) δ ");
-    EXPECT_EQ(PeakTable(*Sample(), ListUnit::hz),
-              "No\tPosition(ppm)\tFrequency(Hz)\tAmplitude\tHeight(%)\n1\t1.5\t600.0\t20.0\t100.0\n"
-              "2\t6.5\t2600.0\t5.0\t25.0\n");
 }
 
 } // namespace
