@@ -4,6 +4,7 @@
 #include "formats/list_files.h"
 
 #include "core/file_layer.h"
+#include "core/integral_curve.h"
 #include "core/list_values.h"
 #include "core/numbers.h"
 #include "core/text.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 
 namespace nmr {
@@ -213,6 +215,31 @@ Status WriteDataIntList(const std::string& path, const GlobalBlock& g, ListUnit 
 Status WriteDataInt(const std::string& path, const GlobalBlock& g, ListUnit unit)
 {
     return Write(path, IntegralText(g, unit), "WriteDataInt/1DDRW");
+}
+
+Status WriteDataIntCurve(const std::string& path, const GlobalBlock& g, ListUnit unit)
+{
+    const DataSet& set = g.Slots[0];
+    const std::size_t shown = ShownRow(g);
+    const UnitRow& row = RowOf(unit);
+    const auto points = static_cast<std::size_t>(std::max(set.par.POINT, 0));
+    const std::size_t n = shown < set.spec.DataRe.rows() ? std::min(points, set.spec.DataRe.columns()) : 0;
+    const IntegralCurves curves =
+        n == 0 ? IntegralCurves()
+               : IntegralCurves(set.spec.DataRe[shown].first(n), static_cast<double>(set.par.DispLeft));
+    std::string text = Head(set) + Joined({"No", fmt::format("Position({})", row.name), "Sum", "Integral"}) + "\r\n";
+    for (std::size_t i = 0; i < set.Integrals.size(); ++i) {
+        const IntegralEntry& entry = set.Integrals[i];
+        const auto value = ListedIntegral(set, i);
+        const double total = curves.Total(entry), share = value && total != 0 ? *value / total : 0;
+        const auto first = std::min(entry.StartPoint, static_cast<std::int32_t>(n) - 1);
+        for (std::int32_t p = first; p >= std::max(entry.EndPoint, 0); --p) {
+            const double ppm = PointToPpm(set, p), sum = curves.At(entry, p);
+            const double at = row.from_hz == 0.0 ? ppm : PpmToHz(set, ppm) * row.from_hz;
+            fmt::format_to(std::back_inserter(text), "{}, {:.6f}, {:.6g}, {:.6g}\r\n", i + 1, at, sum, sum * share);
+        }
+    }
+    return Write(path, text, "WriteDataInt/1DDRW");
 }
 
 Result<std::vector<ListedPeak>> ReadDataRed(const std::string& path)

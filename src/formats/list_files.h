@@ -23,6 +23,9 @@ Status WriteDataRedAls(const std::string& path, const GlobalBlock& g);
 Status WriteDataIntList(const std::string& path, const GlobalBlock& g, ListUnit unit);
 /// The same without its title line, ".int".
 Status WriteDataInt(const std::string& path, const GlobalBlock& g, ListUnit unit);
+/// The curves of the integrals, running sums at full data: a line for each point of each region, with its position,
+/// the sum of the points up to it in units of DispLeft, and that in the units of the listed values.
+Status WriteDataIntCurve(const std::string& path, const GlobalBlock& g, ListUnit unit);
 
 /// A line of a .red file. Amplitude and height are those of the file.
 struct ListedPeak {

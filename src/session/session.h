@@ -35,6 +35,8 @@ struct Session {
     std::shared_ptr<Recorder> recorder{};
     /// After each read: what it mended or missed, one sentence each; mostly nothing.
     std::function<void(const std::vector<std::string>&)> notes_of_read{};
+    /// Puts a text on the clipboard, plain and as HTML (which may be empty).
+    std::function<void(const std::string& plain, const std::string& html)> copy_text{};
 };
 
 } // namespace nmr

@@ -94,6 +94,24 @@ TEST(ListFiles, TheFixedReportHasItsRecordsAndColumns)
                                          "  1        1.50000 100.00000\r\n  2        6.50000  25.00000\r\n");
 }
 
+TEST(ListFiles, RunningSumsEndAtTheListedValues)
+{
+    const TempFolder folder;
+    const auto g = Sample();
+    DataSet& set = g->Slots[0];
+    set.Integrals = {{.Start = 3, .StartPoint = 252, .End = 2, .EndPoint = 249, .Value = 1, .Label = {}}};
+    ASSERT_TRUE(WriteDataIntCurve(folder / "curve.csv", *g, ListUnit::ppm));
+    EXPECT_EQ(ReadText(folder / "curve.csv"),
+              "File: C:\\data\\a.tvo1\r\nComment:  two  lines\r\nNo, Position(ppm), Sum, Integral\r\n"
+              "1, 1.520000, 0, 0\r\n1, 1.510000, 0, 0\r\n1, 1.500000, 1, 3\r\n1, 1.490000, 1, 3\r\n");
+    set.Integrals.push_back({.StartPoint = 9000, .EndPoint = -9, .Value = 1, .Label = {}}); // of another row
+    ASSERT_TRUE(WriteDataIntCurve(folder / "curve.csv", *g, ListUnit::hz));
+    set.spec = {};
+    ASSERT_TRUE(WriteDataIntCurve(folder / "curve.csv", *g, ListUnit::hz));
+    EXPECT_TRUE(ReadText(folder / "curve.csv").ends_with("Integral\r\n"));
+    EXPECT_FALSE(WriteDataIntCurve(folder / "no/such", *g, ListUnit::hz));
+}
+
 TEST(ListFiles, ReadBackWhatTheyWrote)
 {
     const TempFolder folder;
