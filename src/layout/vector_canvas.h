@@ -8,8 +8,8 @@
 
 namespace nmr {
 
-/// Pixels worth one step of a curve on paper: fine laser printers show no more.
-inline constexpr double kPaperDpi = 600;
+/// Steps of a curve worth drawing on paper: finer ones would vanish in its line, which is 0.1 mm and more.
+inline constexpr double kPaperDpi = 400;
 
 class VectorCanvas : public Canvas {
 public:
