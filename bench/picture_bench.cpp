@@ -1,4 +1,4 @@
-// A page-wide plot with its axis as a picture file of each format: time and size.
+// A page-wide plot with its axis as a picture file of each format: processor time and size.
 
 #include "bench.h"
 
@@ -63,7 +63,7 @@ void Measure(std::vector<BenchRow>& rows, const std::string& name, float noise)
     for (const Limit& limit : kLimits) {
         job.format = limit.format;
         std::size_t bytes = 0;
-        const double best = BestMs(kTimes, [&] {
+        const double best = BestCpuMs(kTimes, [&] {
             const auto picture = MakePicture(job);
             bytes = picture ? picture->size() : 0;
         });

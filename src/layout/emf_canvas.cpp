@@ -21,7 +21,6 @@ constexpr std::int32_t kHandles = 7; // two of each kind, and the reserved one
 constexpr std::int32_t kAnisotropic = 8, kTransparent = 1, kWinding = 2, kBaseLine = 24, kCompatible = 1;
 constexpr std::int32_t kGeometric = 0x10000, kFlatCap = 0x200;
 constexpr std::int32_t kTextHead = 76, kDibHead = 80, kInfoHead = 40, kBitsPerPixel = 24, kCopy = 0x00CC0020;
-constexpr double kMeasureFactor = 10; // letters are measured so much larger
 // A sans serif face of varying widths: what a player takes when it lacks the face.
 constexpr std::int32_t kSwissVariable = 0x22;
 constexpr std::size_t kFaceUnits = 32, kNameUnits = 64 + 32, kPanoseBytes = 332 - 12 - 92 - 192;
@@ -302,22 +301,18 @@ void EmfCanvas::Picture(const RectD& rect, const Raster& raster)
 /// Steps from each UTF-16 unit to the next; rounded from the left end, so that errors don't add up.
 std::vector<std::int32_t> EmfCanvas::Advances(std::string_view utf8)
 {
-    FontSpecD large = font();
-    large.size *= kMeasureFactor;
-    metrics().SetFont(large);
     std::vector<std::int32_t> advances;
     double width = 0;
     std::int32_t reached = 0;
     for (std::size_t at = 0; at < utf8.size();) {
         const std::size_t begin = at;
         const char32_t letter = TakeUtf8(utf8, at);
-        width += metrics().Measure(utf8.substr(begin, at - begin)).width / kMeasureFactor;
+        width += Measure(utf8.substr(begin, at - begin)).width;
         const std::int32_t end = Length(width);
         advances.push_back(end - reached);
         if (letter >= 0x10000) advances.push_back(0);
         reached = end;
     }
-    metrics().SetFont(font());
     return advances;
 }
 

@@ -226,7 +226,7 @@ std::string SvgCanvas::Finish(double width, double height, std::string_view titl
     std::string file = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     file += fmt::format("<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\" "
                         "version=\"1.1\" width=\"{:.6g}mm\" height=\"{:.6g}mm\" viewBox=\"0 0 {} {}\" "
-                        "xml:space=\"preserve\">\n",
+                        "xml:space=\"preserve\" style=\"font-kerning:none\">\n",
                         width / kUnitsPerMillimetre, height / kUnitsPerMillimetre, Number(width), Number(height));
     if (!title.empty()) file += "<title>" + Escaped(title) + "</title>\n";
     return file + body_ + "</svg>\n";

@@ -34,7 +34,6 @@ protected:
     const Pen& pen() const { return pen_; }
     Rgba brush() const { return brush_; }
     const FontSpecD& font() const { return font_; }
-    Canvas& metrics() { return metrics_; }
 
 private:
     Canvas& metrics_;

@@ -14,6 +14,10 @@ namespace nmr {
 
 class FftForm;
 class Recorder;
+class Tools;
+
+/// What a tool changes while it is at work: marks and lists, or the points of the shown row too.
+enum class ToolChange { marks, points };
 
 struct Session {
     GlobalBlock& g;
@@ -35,6 +39,10 @@ struct Session {
     std::shared_ptr<Recorder> recorder{};
     /// After each read: what it mended or missed, one sentence each; mostly nothing.
     std::function<void(const std::vector<std::string>&)> notes_of_read{};
+    /// A drag or a phase under way: only what is drawn has changed, and at once. Its end calls display_changed.
+    std::function<void(ToolChange)> tool_moved{};
+    /// The tools of the main form; a batch has none.
+    Tools* tools = nullptr;
 };
 
 } // namespace nmr

@@ -1,8 +1,9 @@
 #include "ui/canvas/qt_canvas.h"
 
+#include "layout/code_tokens.h"
+#include "ui/canvas/letter_face.h"
 #include "ui/canvas/stripes.h"
 
-#include <QFontMetricsF>
 #include <QPaintDevice>
 
 #include <algorithm>
@@ -25,20 +26,10 @@ QList<QPointF> ToQt(std::span<const PointD> points)
     return list;
 }
 
-QFont MakeFont(const FontSpecD& spec, const QPaintDevice& device)
-{
-    QFont font(ToQString(spec.family));
-    // Sizes in pixels are whole numbers only, those in points are not.
-    font.setPointSizeF(std::max(0.1, spec.size * 72 / device.logicalDpiY()));
-    font.setBold(spec.bold);
-    font.setItalic(spec.italic);
-    font.setUnderline(spec.underline);
-    font.setStrikeOut(spec.strikeout);
-    // A drawing looks alike on every target and at every scale of the screen.
-    font.setHintingPreference(QFont::PreferNoHinting);
-    font.setStyleStrategy(QFont::StyleStrategy(QFont::PreferAntialias | QFont::NoSubpixelAntialias));
-    return font;
-}
+/// Letters are laid out so much larger and drawn through the painter's scale: a font has whole pixels only,
+/// and would round its letters' places to them.
+constexpr double kLargerFont = 10;
+constexpr int kMostPixels = 20000;
 
 /// A clear picture in memory that stays: fresh pages would cost more than the drawing.
 QImage ScratchImage(int width, int height)
@@ -113,8 +104,10 @@ void QtCanvas::SetBrush(Rgba fill)
 
 void QtCanvas::SetFont(const FontSpecD& font)
 {
-    font_ = MakeFont(font, *painter_.device());
-    painter_.setFont(font_);
+    face_ = &FaceOf(font);
+    em_ = font.size;
+    underline_ = font.underline;
+    strikeout_ = font.strikeout;
 }
 
 void QtCanvas::Polyline(std::span<const PointD> points)
@@ -237,24 +230,26 @@ void QtCanvas::Picture(const RectD& rect, const Raster& raster)
 
 void QtCanvas::Text(PointD at, std::string_view utf8, TextAlign align, double angle_deg)
 {
-    const QString text = ToQString(utf8);
-    const double width = align == TextAlign::left ? 0 : QFontMetricsF(font_, painter_.device()).horizontalAdvance(text);
+    if (utf8.empty() || !(em_ > 0)) return;
+    const double width = align == TextAlign::left ? 0 : Measure(utf8).width;
     const double shift = align == TextAlign::centre ? -width / 2 : align == TextAlign::right ? -width : 0;
-    if (angle_deg == 0) {
-        painter_.drawText(QPointF(at.x + shift, at.y), text);
-        return;
-    }
-    painter_.save();
+    const int pixels = std::clamp(static_cast<int>(std::lround(em_ * kLargerFont)), 1, kMostPixels);
+    const double scale = em_ / pixels;
+    const QTransform before = painter_.worldTransform();
+    painter_.setFont(face_->FontOf(pixels, underline_, strikeout_));
     painter_.translate(at.x, at.y);
-    painter_.rotate(-angle_deg);
-    painter_.drawText(QPointF(shift, 0), text);
-    painter_.restore();
+    if (angle_deg != 0) painter_.rotate(-angle_deg);
+    painter_.scale(scale, scale);
+    painter_.drawText(QPointF(shift / scale, 0), face_->Drawable(utf8));
+    painter_.setWorldTransform(before);
 }
 
 TextExtent QtCanvas::Measure(std::string_view utf8)
 {
-    const QFontMetricsF metrics(font_, painter_.device());
-    return {metrics.horizontalAdvance(ToQString(utf8)), metrics.ascent(), metrics.descent()};
+    TextExtent extent{0, face_->ascent() * em_, face_->descent() * em_};
+    for (std::size_t at = 0; at < utf8.size();) extent.width += face_->Width(TakeUtf8(utf8, at));
+    extent.width *= em_;
+    return extent;
 }
 
 void QtCanvas::PushClip(const RectD& rect)

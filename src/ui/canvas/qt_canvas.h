@@ -3,13 +3,14 @@
 
 #include "layout/vector_canvas.h"
 
-#include <QFont>
 #include <QImage>
 #include <QPainter>
 
 #include <vector>
 
 namespace nmr {
+
+class LetterFace;
 
 QColor ToQColor(Rgba color);
 QString ToQString(std::string_view utf8);
@@ -56,7 +57,9 @@ private:
     bool straight_; ///< a raster that is only moved and scaled: device pixels can be aimed at
     double resolution_;
     Pen pen_;
-    QFont font_;
+    LetterFace* face_ = nullptr;
+    double em_ = 10;
+    bool underline_ = false, strikeout_ = false;
     std::vector<QRectF> clips_;
 };
 
