@@ -59,7 +59,10 @@ public:
     }
     FileHandle(const FileHandle&) = delete;
     FileHandle& operator=(const FileHandle&) = delete;
+    FileHandle(FileHandle&& other) noexcept : descriptor_(other.Take()) {}
     int get() const { return descriptor_; }
+    /// Hands the descriptor over; who takes it closes it.
+    int Take() { return std::exchange(descriptor_, -1); }
     /// Closes early, for the error that a full disk may only give here.
     bool Close() { return ::close(std::exchange(descriptor_, -1)) == 0; }
 
@@ -132,21 +135,31 @@ Error MissingError(std::string_view name, const char* where)
 }
 
 enum class Beyond { refuse, cut };
+constexpr const char* kTooLarge = "is too large";
 
-Result<Bytes> ReadFile(std::string_view name, std::uint64_t most, Beyond beyond, const char* where)
+/// Opens a file and looks at its size.
+Result<FileHandle> OpenToRead(std::string_view name, const char* where, std::uint64_t& size)
 {
     const auto path = ResolvePath(name);
     if (!path) return MissingError(name, where);
     struct stat info {};
     std::string reason;
     ErrorCode code = ErrorCode::unreadable;
-    const FileHandle file(OpenRegular(*path, info, reason, code));
+    FileHandle file(OpenRegular(*path, info, reason, code));
     if (file.get() < 0) return FileError(code, where, name, reason);
-    const auto size = static_cast<std::uint64_t>(std::max<off_t>(info.st_size, 0));
-    if (beyond == Beyond::refuse && size > most) return FileError(ErrorCode::too_large, where, name, "is too large");
+    size = static_cast<std::uint64_t>(std::max<off_t>(info.st_size, 0));
+    return file;
+}
+
+Result<Bytes> ReadFile(std::string_view name, std::uint64_t most, Beyond beyond, const char* where)
+{
+    std::uint64_t size = 0;
+    const auto file = OpenToRead(name, where, size);
+    if (!file) return file.error();
+    if (beyond == Beyond::refuse && size > most) return FileError(ErrorCode::too_large, where, name, kTooLarge);
     try {
         Bytes bytes;
-        if (const int error = ReadUpTo(file.get(), size, most, bytes); error != 0)
+        if (const int error = ReadUpTo(file->get(), size, most, bytes); error != 0)
             return FileError(ErrorCode::unreadable, where, name, std::strerror(error));
         return bytes;
     } catch (const std::bad_alloc&) {
@@ -322,6 +335,33 @@ std::string ReadObstacle(std::string_view path)
 Result<Bytes> ReadWholeFile(std::string_view path, std::uint64_t limit)
 {
     return ReadFile(path, limit, Beyond::refuse, "ReadWholeFile/1DFile");
+}
+
+Result<OpenedFile> OpenedFile::Open(std::string_view path, std::uint64_t limit)
+{
+    constexpr const char* where = "OpenedFile/1DFile";
+    std::uint64_t size = 0;
+    auto file = OpenToRead(path, where, size);
+    if (!file) return file.error();
+    if (size > limit) return FileError(ErrorCode::too_large, where, path, kTooLarge);
+    return OpenedFile(file->Take(), size);
+}
+
+OpenedFile::~OpenedFile()
+{
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+std::size_t OpenedFile::ReadAt(std::uint64_t offset, std::span<std::byte> out) const
+{
+    std::size_t filled = 0;
+    while (filled < out.size()) {
+        const ssize_t got =
+            ::pread(descriptor_, out.data() + filled, out.size() - filled, static_cast<off_t>(offset + filled));
+        if (got == 0 || (got < 0 && errno != EINTR)) break;
+        if (got > 0) filled += static_cast<std::size_t>(got);
+    }
+    return filled;
 }
 
 Result<Bytes> ReadFileHead(std::string_view path, std::size_t count)

@@ -11,6 +11,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace nmr {
@@ -43,12 +44,31 @@ bool IsFolder(std::string_view path);
 std::string ReadObstacle(std::string_view path);
 
 using Bytes = std::vector<std::byte>;
+constexpr std::uint64_t kAnySize = ~std::uint64_t{0};
 
 /// The whole file. Refuses anything above `limit` bytes and what is no regular file.
 Result<Bytes> ReadWholeFile(std::string_view path, std::uint64_t limit = std::uint64_t{4} << 30);
 
 /// The first `count` bytes, or all of a shorter file.
 Result<Bytes> ReadFileHead(std::string_view path, std::size_t count);
+
+/// A regular file that is read piece by piece.
+class OpenedFile {
+public:
+    /// Refuses anything above `limit` bytes and what is no regular file.
+    static Result<OpenedFile> Open(std::string_view path, std::uint64_t limit);
+    OpenedFile(OpenedFile&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)), size_(other.size_) {}
+    OpenedFile& operator=(OpenedFile&&) = delete;
+    ~OpenedFile();
+    std::uint64_t size() const { return size_; } ///< when it was opened
+    /// Fills `out` from an offset and returns how many bytes came: fewer at the end and after an error.
+    std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out) const;
+
+private:
+    OpenedFile(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
+    int descriptor_;
+    std::uint64_t size_;
+};
 
 /// When the bytes must be on the disk: before an old file gives way (its contents only), or also of a new
 /// file, and its name in the folder too, before the call returns.

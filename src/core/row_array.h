@@ -1,6 +1,8 @@
 #pragma once
 // A rectangular array, rows first, in one allocation.
 
+#include "core/zeroed_block.h"
+
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -13,29 +15,26 @@ public:
     /// Every element zero; what was held is discarded.
     void Resize(std::size_t rows, std::size_t columns)
     {
-        columns_ = columns;
-        values_.clear();
-        values_.resize(rows * columns);
+        rows_ = columns_ = 0; // what stands when there is no memory
+        values_.Reset(rows * columns);
         rows_ = rows;
+        columns_ = columns;
     }
     void Release()
     {
-        std::vector<T>().swap(values_);
+        values_ = {};
         rows_ = columns_ = 0;
     }
-    std::span<T> operator[](std::size_t row) { return std::span<T>(values_).subspan(row * columns_, columns_); }
-    std::span<const T> operator[](std::size_t row) const
-    {
-        return std::span<const T>(values_).subspan(row * columns_, columns_);
-    }
+    std::span<T> operator[](std::size_t row) { return all().subspan(row * columns_, columns_); }
+    std::span<const T> operator[](std::size_t row) const { return all().subspan(row * columns_, columns_); }
     std::size_t rows() const { return rows_; }
     std::size_t columns() const { return columns_; }
-    bool empty() const { return values_.empty(); }
-    std::span<T> all() { return values_; }
-    std::span<const T> all() const { return values_; }
+    bool empty() const { return values_.all().empty(); }
+    std::span<T> all() { return values_.all(); }
+    std::span<const T> all() const { return values_.all(); }
 
 private:
-    std::vector<T> values_;
+    ZeroedBlock<T> values_;
     std::size_t rows_ = 0;
     std::size_t columns_ = 0;
 };

@@ -61,17 +61,10 @@ struct Phase {
     template <class Op>
     static void Visit(GlobalBlock& g, UndoStep& step, Op op)
     {
-        UndoExtra& extra = step.Extra;
-        EachOf(LiveSet(g, step).par, extra.set.par, op, &ParamBlock::PhaseP0, &ParamBlock::PhaseFlag,
+        EachOf(LiveSet(g, step).par, step.Extra.set.par, op, &ParamBlock::PhaseP0, &ParamBlock::PhaseFlag,
                &ParamBlock::PhaseWord1, &ParamBlock::PhaseWord2, &ParamBlock::PhaseWord3, &ParamBlock::PhaseWord4to5,
                &ParamBlock::PhaseWord6, &ParamBlock::PhaseWord7to13);
-        op(g.Phase0Deg, extra.Phase0Deg);
-        op(g.Phase1Deg, extra.Phase1Deg);
-        op(g.MaxMagnitude, extra.MaxMagnitude);
-        op(g.PivotPoint, extra.PivotPoint);
-        op(g.P2Point, extra.P2Point);
-        op(g.RowPhase0, extra.RowPhase0);
-        op(g.RowPhase1, extra.RowPhase1);
+        EachPhaseWord(g, step.Extra, op);
     }
 };
 

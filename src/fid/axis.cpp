@@ -87,7 +87,7 @@ void RefreshShownRow(const GlobalBlock& g, DataSet& set)
 {
     const auto n = static_cast<std::size_t>(set.par.POINT);
     const std::size_t row = ShownRow(g, set);
-    if (row >= set.spec.DataRe.rows() || set.spec.DataRe.columns() < n) return;
+    if (set.par.POINT < 1 || row >= set.spec.DataRe.rows() || set.spec.DataRe.columns() < n) return;
     set.spec.IntegralCurve.Resize(1, n + 1);
     set.spec.IntegralSum.assign(n + 1, 0.0F);
     std::ranges::copy(set.spec.DataRe[row].first(n), set.spec.IntegralCurve[0].begin());

@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 constexpr int kFlatFamily = 8;
 // Nothing beyond the largest data set and its padding is looked at.
 constexpr std::size_t kMaxFile = std::size_t{2} * kMaxPoints * 8 + 4096;
+constexpr std::string_view kDataWhere = "ReadDataBruker/1DDRW";
 
 BrukerFamily Family(const FileType& type)
 {
@@ -181,12 +182,16 @@ void TakeReference(const BrukerParameters& procs, ParamBlock& par)
     if (IsSameNucleus(mhz, par.ObsCenter)) par.FileRefMHz = mhz;
 }
 
-Result<Bytes> ReadPoints(const std::string& path, std::string_view where, std::string_view name,
-                         std::size_t largest = kMaxFile)
+Error PointsError(const Error& error, std::string_view where)
+{
+    return {error.code, std::string(where), error.text};
+}
+
+Result<Bytes> ReadPoints(const std::string& path, std::string_view where, std::string_view name)
 {
     if (path.empty()) return Error{ErrorCode::not_found, std::string(where), fmt::format("there is no {}", name)};
-    auto bytes = ReadFileHead(path, largest);
-    if (!bytes) return Error{bytes.error().code, std::string(where), bytes.error().text};
+    auto bytes = ReadFileHead(path, kMaxFile);
+    if (!bytes) return PointsError(bytes.error(), where);
     return bytes;
 }
 
@@ -201,17 +206,25 @@ void AskNumberType(const ReadRequest& request, BrukerParameters& parameters)
         if (answer == word) parameters.asked_number = number;
 }
 
-Status ReadRows(const ReadRequest& request, const BrukerPaths& paths, BrukerParameters& acqus,
-                const BrukerParameters* procs)
+/// Rows may be too many for the memory together: they are read piece by piece.
+Status ReadArray(const ReadRequest& request, const BrukerPaths& paths, BrukerParameters& acqus,
+                 const BrukerParameters* procs)
 {
-    const bool array = IsBrukerRows(request.type);
-    const std::size_t largest = array ? kMaxFile * static_cast<std::size_t>(kMaxRows) : kMaxFile;
-    const auto bytes = ReadPoints(paths.data, "ReadDataBruker/1DDRW", array ? "ser" : "fid", largest);
+    if (paths.data.empty()) return Error{ErrorCode::not_found, std::string(kDataWhere), "there is no ser"};
+    const auto file = OpenedFile::Open(paths.data, kAnySize);
+    if (!file) return PointsError(file.error(), kDataWhere);
+    AskNumberType(request, acqus);
+    return ReadBrukerArray(request.g, request.slot, acqus, procs, Family(request.type), request.type.directory, *file);
+}
+
+Status ReadOneFid(const ReadRequest& request, const BrukerPaths& paths, BrukerParameters& acqus,
+                  const BrukerParameters* procs)
+{
+    const auto bytes = ReadPoints(paths.data, kDataWhere, "fid");
     if (!bytes) return bytes.error();
-    if (const auto td = acqus.Number("TD"); array || !td || static_cast<double>(bytes->size()) != 8 * *td)
+    if (const auto td = acqus.Number("TD"); !td || static_cast<double>(bytes->size()) != 8 * *td)
         AskNumberType(request, acqus);
-    if (!array) return ReadDataBruker(request.g, request.slot, acqus, procs, Family(request.type), *bytes);
-    return ReadBrukerArray(request.g, request.slot, acqus, procs, Family(request.type), request.type.directory, *bytes);
+    return ReadDataBruker(request.g, request.slot, acqus, procs, Family(request.type), *bytes);
 }
 
 Status ReadFid(const ReadRequest& request, const BrukerPaths& paths)
@@ -228,7 +241,8 @@ Status ReadFid(const ReadRequest& request, const BrukerPaths& paths)
     }
     if (procs) TakeReference(*procs, set.par);
     if (procs) set.vendor = FindBrukerProcessing(*procs, set.par);
-    if (Status read = ReadRows(request, paths, *acqus, procs ? &*procs : nullptr); !read) return read;
+    const auto read_points = IsBrukerRows(request.type) ? ReadArray : ReadOneFid;
+    if (Status read = read_points(request, paths, *acqus, procs ? &*procs : nullptr); !read) return read;
     const double shown = RoundHalfEven(set.par.ObsCenter * 20) / 20.0;
     request.asker.Notice(FormatNumber("####0.00", shown) + " MHz, " +
                          FormatNumber("###0.0###", static_cast<double>(set.par.FREQU) / set.par.POINT) + " Hz");

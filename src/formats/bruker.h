@@ -11,6 +11,7 @@
 //   three CDCl3 lines of such a set agree in phase within 2 degrees without a delay and differ by 43 with it.
 
 #include "core/vendor_processing.h"
+#include "formats/byte_source.h"
 #include "formats/registry.h"
 #include "formats/word_block.h"
 
@@ -120,9 +121,9 @@ void SetBrukerRowValues(const BrukerList& list, DataSet& set);
 
 /// Rows of such a file, as ReadDataBruker reads one, all on one scale so that their heights keep their
 /// ratios; RowValueA, name and unit from the list in `folder`.
-/// @return too_large above kMaxRows rows
+/// @return too_large above kMaxRows rows, truncated when the file becomes shorter meanwhile
 Status ReadBrukerArray(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
-                       BrukerFamily family, const std::string& folder, ByteSpan ser);
+                       BrukerFamily family, const std::string& folder, const ByteSource& ser);
 
 /// Points of a spectrum whose parameters stand in the slot, and its axis, from high to low ppm. Run with
 /// the bytes of 1r and of 1i; an empty 1i leaves the imaginary part 0.

@@ -116,19 +116,21 @@ struct SerLayout {
     std::uint64_t stride = 0; ///< bytes from row to row
     std::size_t size = 4;     ///< bytes of a value
 
-    std::size_t Held(ByteSpan file, std::uint64_t row) const ///< values that the file has of a row
+    std::size_t Held(const ByteSource& file, std::uint64_t row) const ///< values that the file has of a row
     {
         const std::uint64_t begin = row * stride;
         return begin >= file.size() ? 0 : static_cast<std::size_t>(std::min(values, (file.size() - begin) / size));
     }
 };
 
-SerLayout LayoutOf(const BrukerParameters& acqus, BrukerFamily family, ByteSpan file, std::uint64_t told_rows)
+SerLayout LayoutOf(const BrukerParameters& acqus, BrukerFamily family, const ByteSource& file, std::uint64_t told_rows)
 {
     SerLayout layout;
     layout.values = static_cast<std::uint64_t>(acqus.Number("TD").value_or(0));
-    // Length tells nothing of the type here: rows are padded.
-    layout.code = FindBrukerCode(acqus, "DTYPA", "BYTORDA", family, file, 0);
+    // Length tells nothing of the type here: rows are padded. The numbers themselves do in flat files.
+    Bytes buffer;
+    const std::size_t looked_at = family == BrukerFamily::flat ? static_cast<std::size_t>(file.size()) : kRowBlock;
+    layout.code = FindBrukerCode(acqus, "DTYPA", "BYTORDA", family, file.Read(0, looked_at, buffer), 0);
     layout.size = layout.code.number == BrukerNumber::float64 ? 8 : 4;
     const std::uint64_t row = layout.values * layout.size;
     layout.stride = (row + kRowBlock - 1) / kRowBlock * kRowBlock;
@@ -138,7 +140,7 @@ SerLayout LayoutOf(const BrukerParameters& acqus, BrukerFamily family, ByteSpan 
 }
 
 /// Rows that the file begins, at most those that were told; 0 told means as many as there are.
-std::uint64_t RowsOf(const SerLayout& layout, BrukerFamily family, ByteSpan file, std::uint64_t told,
+std::uint64_t RowsOf(const SerLayout& layout, BrukerFamily family, const ByteSource& file, std::uint64_t told,
                      std::vector<std::string>& warnings)
 {
     const std::uint64_t begun = (file.size() + layout.stride - 1) / layout.stride;
@@ -149,31 +151,6 @@ std::uint64_t RowsOf(const SerLayout& layout, BrukerFamily family, ByteSpan file
     }
     if (begun < told) warnings.push_back(fmt::format("ser is cut short: {} of {} rows are there.", begun, told));
     return std::min(begun, told);
-}
-
-/// One-channel rows have no imaginary part, REVERSE turns that of others round.
-struct RowForm {
-    std::size_t parts = 2;
-    double sign = 1;
-};
-
-std::size_t DecodeRow(ByteSpan file, const SerLayout& layout, std::uint64_t row, RowForm form, std::span<double> re,
-                      std::span<double> im)
-{
-    const auto [parts, sign] = form;
-    const std::size_t points = layout.Held(file, row) / parts;
-    if (points == 0) return 0;
-    const auto bytes = file.subspan(static_cast<std::size_t>(row * layout.stride));
-    const WordKind kind = KindOf(layout.code.number);
-    if (parts == 1) {
-        DecodeWords(bytes, kind, OrderOf(layout.code), re.first(points));
-        std::ranges::fill(im.first(points), 0.0);
-        return points;
-    }
-    DecodePairs(bytes, kind, OrderOf(layout.code), re.first(points), im.first(points));
-    if (sign < 0)
-        for (double& value : im.first(points)) value = -value;
-    return points;
 }
 
 } // namespace
@@ -218,7 +195,7 @@ void SetBrukerRowValues(const BrukerList& list, DataSet& set)
 }
 
 Status ReadBrukerArray(GlobalBlock& g, std::int16_t slot, const BrukerParameters& acqus, const BrukerParameters* procs,
-                       BrukerFamily family, const std::string& folder, ByteSpan ser)
+                       BrukerFamily family, const std::string& folder, const ByteSource& ser)
 {
     DataSet& set = g.Slots[static_cast<std::size_t>(slot)];
     const double td = Indirect(folder).Number("TD").value_or(0);
@@ -233,13 +210,17 @@ Status ReadBrukerArray(GlobalBlock& g, std::int16_t slot, const BrukerParameters
     if (layout.Held(ser, rows - 1) < layout.values)
         set.Warnings.push_back(fmt::format("ser is cut short in row {}: what is missing is zero.", rows));
     const bool reversed = procs != nullptr && EqualsNoCase(procs->Text("REVERSE").value_or("no"), "yes");
-    const RowForm form{set.par.AcqMode == 1 ? std::size_t{1} : std::size_t{2}, reversed ? -1.0 : 1.0};
-    const FidRows source{static_cast<std::size_t>(rows), static_cast<std::size_t>(set.par.FIDPoints),
-                         [&](std::size_t row, std::span<double> re, std::span<double> im) {
-                             return DecodeRow(ser, layout, row, form, re, im);
-                         }};
-    if (const std::uint64_t damaged = StoreFidRows(source, set.spec); damaged > 0)
-        set.Warnings.push_back(fmt::format("{} values of ser are no numbers and read as zero.", damaged));
+    const WordRows words{static_cast<std::size_t>(rows),
+                         static_cast<std::size_t>(set.par.FIDPoints),
+                         KindOf(layout.code.number),
+                         OrderOf(layout.code),
+                         set.par.AcqMode == 1 ? std::size_t{1} : std::size_t{2},
+                         reversed ? -1.0 : 1.0,
+                         [&](std::size_t row) { return row * layout.stride; }};
+    const auto damaged = StoreWordRows(ser, words, set.spec);
+    if (!damaged) return damaged.error();
+    if (*damaged > 0)
+        set.Warnings.push_back(fmt::format("{} values of ser are no numbers and read as zero.", *damaged));
     g.DataScale = kFidScale;
     set.par.Limit164 = kFidScale;
     SetBrukerRowValues(FindList(folder), set);

@@ -9,14 +9,11 @@
 namespace nmr {
 namespace {
 
-constexpr double kMaxValue = 1e30; // nothing an instrument writes comes near
-constexpr double kTailShare = 0.4; // of a row, at its end, taken for the base line
-
 std::uint64_t Mend(std::span<double> values)
 {
     std::uint64_t damaged = 0;
     for (double& value : values) {
-        if (std::fabs(value) <= kMaxValue) continue; // false for NaN
+        if (std::fabs(value) <= kMaxFidValue) continue; // false for NaN
         value = 0;
         ++damaged;
     }
@@ -40,7 +37,7 @@ std::uint64_t LargestBits(std::span<const double> values)
 double Largest(std::span<double> values, std::uint64_t& damaged)
 {
     std::uint64_t bits = LargestBits(values);
-    if (bits > std::bit_cast<std::uint64_t>(kMaxValue)) {
+    if (bits > std::bit_cast<std::uint64_t>(kMaxFidValue)) {
         damaged += Mend(values);
         bits = LargestBits(values);
     }
@@ -49,7 +46,7 @@ double Largest(std::span<double> values, std::uint64_t& damaged)
 
 double MeanOfTail(std::span<const double> values)
 {
-    const auto last = values.last(static_cast<std::size_t>(kTailShare * static_cast<double>(values.size())));
+    const auto last = values.last(TailOf(values.size()));
     if (last.empty()) return 0;
     std::array<double, 4> sum{};
     const std::size_t whole = last.size() / 4 * 4;

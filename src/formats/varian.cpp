@@ -84,10 +84,10 @@ Status ReadVarian(const ReadRequest& request)
     if (!parameters) return parameters.error();
     const std::string path = PointsFile(request.type);
     if (path.empty()) return Error{ErrorCode::not_found, where, "there is no file of points"};
-    const auto bytes = ReadWholeFile(path, kMaxFile);
-    if (!bytes) return Error{bytes.error().code, where, bytes.error().text};
+    const auto file = OpenedFile::Open(path, kMaxFile);
+    if (!file) return Error{file.error().code, where, file.error().text};
     const auto read = use == VarianUse::fid ? ReadDataVarian : ReadDataVarianProc;
-    if (Status points = read(request.g, request.slot, *parameters, *bytes); !points) return points;
+    if (Status points = read(request.g, request.slot, *parameters, *file); !points) return points;
     ReadComment(request.type.directory, request.g.Slots[static_cast<std::size_t>(request.slot)].par);
     request.asker.Notice("Read");
     return {};

@@ -10,6 +10,7 @@
 // - Every block has a head of its own, and everything is big-endian.
 // - rfl = sw/2 - (sfrq - reffrq) * 1E6 + rfp holds in all of them to 1E-6 Hz, and gives the shift of the centre.
 
+#include "formats/byte_source.h"
 #include "formats/registry.h"
 #include "formats/varian_procpar.h"
 
@@ -34,8 +35,9 @@ enum class VarianNumber { int16, int32, float32 };
 /// How the rows lie in the file; made by FindVarianLayout.
 struct VarianLayout {
     VarianNumber number = VarianNumber::int32;
-    bool complex = true;    ///< pairs; a phasefile holds real values only
-    std::size_t rows = 0;   ///< that the file begins
+    bool complex = true;  ///< pairs; a phasefile holds real values only
+    std::size_t rows = 0; ///< that the file begins
+    std::size_t promised_rows = 0;
     std::size_t points = 0; ///< of a row
     std::size_t block_bytes = 0, heads_bytes = 0, row_bytes = 0, traces = 1;
     std::vector<std::string> warnings;
@@ -52,12 +54,7 @@ enum class VarianUse { fid, spectrum };
 /// Reads the head and checks it against the length of the file.
 /// @return bad_value for counts that can't be, too_large above 128 rows or kMaxPoints points,
 ///         truncated when not even the first row begins in the file
-Result<VarianLayout> FindVarianLayout(ByteSpan file, VarianUse use);
-
-/// The stored numbers of one row: real parts and imaginary parts (0 for real rows), as many as the
-/// file holds of it.
-std::size_t DecodeVarianRow(ByteSpan file, const VarianLayout& layout, std::size_t row, std::span<double> re,
-                            std::span<double> im);
+Result<VarianLayout> FindVarianLayout(const ByteSource& file, VarianUse use);
 
 /// The names in "array": levels from the slowest to the fastest, each of names that step together
 /// ("d2,pw" has two levels, "(sw,d1)" one).
@@ -81,11 +78,12 @@ Result<VarianParameters> ReadParaVarian(const ReadRequest& request, const std::s
 
 /// Points of a FID whose parameters stand in the slot, with its row values. Rows that the file lacks
 /// are left away, points that it lacks are 0, both with a warning.
-Status ReadDataVarian(GlobalBlock& g, std::int16_t slot, const VarianParameters& parameters, ByteSpan fid);
+Status ReadDataVarian(GlobalBlock& g, std::int16_t slot, const VarianParameters& parameters, const ByteSource& fid);
 
 /// Points of a spectrum and its axis, from high to low ppm as in the file. The phase of the operator
 /// is not applied to `data`.
-Status ReadDataVarianProc(GlobalBlock& g, std::int16_t slot, const VarianParameters& parameters, ByteSpan data);
+Status ReadDataVarianProc(GlobalBlock& g, std::int16_t slot, const VarianParameters& parameters,
+                          const ByteSource& data);
 
 /// Family 6.
 Status ReadVarian(const ReadRequest& request);

@@ -82,10 +82,10 @@ std::uint64_t BlockBytes(const VarianHead& head, std::uint64_t computed, std::ui
 }
 
 /// Rows of which the file holds at least one value.
-std::size_t RowsBegun(const VarianLayout& layout, std::size_t rows, std::size_t file_size)
+std::size_t RowsBegun(const VarianLayout& layout, std::uint64_t file_size)
 {
     std::size_t begun = 0;
-    while (begun < rows && layout.Offset(begun) + 2 * BytesOf(layout.number) <= file_size) ++begun;
+    while (begun < layout.promised_rows && layout.Offset(begun) + 2 * BytesOf(layout.number) <= file_size) ++begun;
     return begun;
 }
 
@@ -102,31 +102,30 @@ WordKind KindOf(VarianNumber number)
     return WordKind::int16;
 }
 
-void WarnOfCut(DataSet& set, const VarianLayout& layout, std::int64_t promised, std::size_t last_row_points)
+void WarnOfCut(DataSet& set, const VarianLayout& layout, std::size_t last_row_points)
 {
-    if (static_cast<std::int64_t>(layout.rows) < promised)
-        set.Warnings.push_back(fmt::format("The file is cut short: {} of {} rows are there.", layout.rows, promised));
+    if (layout.rows < layout.promised_rows)
+        set.Warnings.push_back(
+            fmt::format("The file is cut short: {} of {} rows are there.", layout.rows, layout.promised_rows));
     if (last_row_points < layout.points)
         set.Warnings.push_back(fmt::format("The file is cut short: {} of {} points of row {} are there, the rest is "
                                            "zero.",
                                            last_row_points, layout.points, layout.rows));
 }
 
-std::int64_t PromisedRows(ByteSpan file)
+WordRows WordsOf(const VarianLayout& layout)
 {
-    const VarianHead head = DecodeHead(file);
-    return std::int64_t{head.blocks} * head.traces;
-}
-
-std::size_t PointsHeld(ByteSpan file, const VarianLayout& layout, std::size_t row)
-{
-    const std::size_t offset = layout.Offset(row);
-    const std::size_t point = (layout.complex ? 2 : 1) * BytesOf(layout.number);
-    return offset >= file.size() ? 0 : std::min(layout.points, (file.size() - offset) / point);
+    return {layout.rows,
+            layout.points,
+            KindOf(layout.number),
+            std::endian::big,
+            layout.complex ? std::size_t{2} : std::size_t{1},
+            1,
+            [&layout](std::size_t row) { return layout.Offset(row); }};
 }
 
 /// Layout and arrays of the slot.
-Result<VarianLayout> Prepare(GlobalBlock& g, std::int16_t slot, VarianUse use, ByteSpan file)
+Result<VarianLayout> Prepare(GlobalBlock& g, std::int16_t slot, VarianUse use, const ByteSource& file)
 {
     DataSet& set = g.Slots[static_cast<std::size_t>(slot)];
     auto layout = FindVarianLayout(file, use);
@@ -135,7 +134,7 @@ Result<VarianLayout> Prepare(GlobalBlock& g, std::int16_t slot, VarianUse use, B
     set.RowCount = static_cast<std::int32_t>(layout->rows);
     set.Warnings.insert(set.Warnings.end(), layout->warnings.begin(), layout->warnings.end());
     if (Status made = AllocateSpecBuffer(g, set.par.POINT, slot); !made) return made.error();
-    WarnOfCut(set, *layout, PromisedRows(file), PointsHeld(file, *layout, layout->rows - 1));
+    WarnOfCut(set, *layout, WordsOf(*layout).Held(file, layout->rows - 1));
     return layout;
 }
 
@@ -154,11 +153,13 @@ void WarnOfOtherCount(DataSet& set, const VarianParameters& parameters, std::str
 
 } // namespace
 
-Result<VarianLayout> FindVarianLayout(ByteSpan file, VarianUse use)
+Result<VarianLayout> FindVarianLayout(const ByteSource& file, VarianUse use)
 {
-    if (file.size() < VarianLayout::kHeadBytes + kBlockHeadBytes)
+    Bytes buffer;
+    const ByteSpan start = file.Read(0, VarianLayout::kHeadBytes + kBlockHeadBytes, buffer);
+    if (start.size() < VarianLayout::kHeadBytes + kBlockHeadBytes)
         return Error{ErrorCode::truncated, Where(use), "the file ends inside its head"};
-    const VarianHead head = DecodeHead(file);
+    const VarianHead head = DecodeHead(start);
     if (Status counts = CheckCounts(head, use); !counts) return counts.error();
     VarianLayout layout;
     layout.number = NumberOf(head, layout.warnings);
@@ -175,28 +176,13 @@ Result<VarianLayout> FindVarianLayout(ByteSpan file, VarianUse use)
     layout.heads_bytes = heads * kBlockHeadBytes;
     layout.block_bytes =
         BlockBytes(head, layout.heads_bytes + layout.traces * layout.row_bytes, file.size(), layout.warnings);
-    const auto rows = static_cast<std::size_t>(head.blocks) * layout.traces;
-    layout.rows = RowsBegun(layout, rows, file.size());
+    layout.promised_rows = static_cast<std::size_t>(head.blocks) * layout.traces;
+    layout.rows = RowsBegun(layout, file.size());
     if (layout.rows == 0) return Error{ErrorCode::truncated, Where(use), "the file holds no points"};
     return layout;
 }
 
-std::size_t DecodeVarianRow(ByteSpan file, const VarianLayout& layout, std::size_t row, std::span<double> re,
-                            std::span<double> im)
-{
-    const std::size_t held = std::min({PointsHeld(file, layout, row), re.size(), im.size()});
-    if (held == 0) return 0;
-    const ByteSpan bytes = file.subspan(layout.Offset(row));
-    if (layout.complex) {
-        DecodePairs(bytes, KindOf(layout.number), std::endian::big, re.first(held), im.first(held));
-    } else {
-        DecodeWords(bytes, KindOf(layout.number), std::endian::big, re.first(held));
-        std::ranges::fill(im.first(held), 0.0);
-    }
-    return held;
-}
-
-Status ReadDataVarian(GlobalBlock& g, std::int16_t slot, const VarianParameters& parameters, ByteSpan fid)
+Status ReadDataVarian(GlobalBlock& g, std::int16_t slot, const VarianParameters& parameters, const ByteSource& fid)
 {
     const auto layout = Prepare(g, slot, VarianUse::fid, fid);
     if (!layout) return layout.error();
@@ -204,10 +190,9 @@ Status ReadDataVarian(GlobalBlock& g, std::int16_t slot, const VarianParameters&
     set.par.SMODE = 0;
     set.par.FIDPoints = set.par.POINT;
     WarnOfOtherCount(set, parameters, "np", 2 * layout->points);
-    const FidRows rows{layout->rows, layout->points, [&](std::size_t row, std::span<double> re, std::span<double> im) {
-                           return DecodeVarianRow(fid, *layout, row, re, im);
-                       }};
-    WarnOfDamage(set, StoreFidRows(rows, set.spec));
+    const auto damaged = StoreWordRows(fid, WordsOf(*layout), set.spec);
+    if (!damaged) return Error{damaged.error().code, Where(VarianUse::fid), damaged.error().text};
+    WarnOfDamage(set, *damaged);
     set.par.RESOL = static_cast<double>(set.par.FREQU) / set.par.POINT;
     ApplyVarianArray(parameters, set);
     set.vendor = FindVarianProcessing(parameters);
@@ -216,20 +201,27 @@ Status ReadDataVarian(GlobalBlock& g, std::int16_t slot, const VarianParameters&
 
 namespace {
 
-constexpr double kMaxSpectrumValue = 1e30;
-
 /// Stored numbers as they stand; what is no number reads as 0 and is counted.
-std::uint64_t StoreSpectrum(ByteSpan file, const VarianLayout& layout, SpecBuffer& spec)
+Result<std::uint64_t> StoreSpectrum(const ByteSource& file, const VarianLayout& layout, SpecBuffer& spec)
 {
+    const WordRows words = WordsOf(layout);
     std::vector<double> re(layout.points), im(layout.points);
     std::uint64_t damaged = 0;
     const auto sound = [&](double value) {
-        if (std::fabs(value) <= kMaxSpectrumValue) return static_cast<float>(value);
+        if (std::fabs(value) <= kMaxFidValue) return static_cast<float>(value);
         ++damaged;
         return 0.0F;
     };
+    Bytes buffer;
     for (std::size_t row = 0; row < layout.rows; ++row) {
-        const std::size_t held = DecodeVarianRow(file, layout, row, re, im);
+        const std::size_t held = words.Held(file, row);
+        const ByteSpan bytes = file.Read(layout.Offset(row), held * words.PointBytes(), buffer);
+        if (bytes.size() < held * words.PointBytes())
+            return Error{ErrorCode::truncated, Where(VarianUse::spectrum), "the file could not be read to its end"};
+        if (layout.complex)
+            DecodePairs(bytes, words.kind, words.order, std::span(re).first(held), std::span(im).first(held));
+        else
+            DecodeWords(bytes, words.kind, words.order, std::span(re).first(held));
         std::ranges::transform(std::span(re).first(held), spec.DataRe[row].begin(), sound);
         std::ranges::transform(std::span(im).first(held), spec.DataIm[row].begin(), sound);
     }
@@ -265,7 +257,7 @@ void WarnOfPhase(DataSet& set, const VarianParameters& parameters, bool complex)
 
 } // namespace
 
-Status ReadDataVarianProc(GlobalBlock& g, std::int16_t slot, const VarianParameters& parameters, ByteSpan data)
+Status ReadDataVarianProc(GlobalBlock& g, std::int16_t slot, const VarianParameters& parameters, const ByteSource& data)
 {
     const auto layout = Prepare(g, slot, VarianUse::spectrum, data);
     if (!layout) return layout.error();
@@ -273,7 +265,9 @@ Status ReadDataVarianProc(GlobalBlock& g, std::int16_t slot, const VarianParamet
     set.par.SMODE = 1;
     set.par.FIDPoints = static_cast<std::int32_t>(
         std::clamp(parameters.Number("np").value_or(0) / 2, 0.0, static_cast<double>(kMaxPoints)));
-    WarnOfDamage(set, StoreSpectrum(data, *layout, set.spec));
+    const auto damaged = StoreSpectrum(data, *layout, set.spec);
+    if (!damaged) return damaged.error();
+    WarnOfDamage(set, *damaged);
     FillAxis(set);
     WarnOfPhase(set, parameters, layout->complex);
     if (std::ranges::all_of(set.spec.DataRe.all(), [](float value) { return value == 0; }))

@@ -2,6 +2,7 @@
 
 #include "core/file_layer.h"
 #include "core/quiet_answers.h"
+#include "core/undo_parts.h"
 #include "formats/tavo4.h"
 #include "session/read_flow.h"
 #include "session/save_flow.h"
@@ -28,13 +29,7 @@ void EachScalar(GlobalBlock& g, UndoExtra& extra, Op op)
     op(g.ViewRight, extra.ViewRight);
     op(g.ShownHzLeft, extra.ShownHzLeft);
     op(g.ShownHzRight, extra.ShownHzRight);
-    op(g.Phase0Deg, extra.Phase0Deg);
-    op(g.Phase1Deg, extra.Phase1Deg);
-    op(g.MaxMagnitude, extra.MaxMagnitude);
-    op(g.PivotPoint, extra.PivotPoint);
-    op(g.P2Point, extra.P2Point);
-    op(g.RowPhase0, extra.RowPhase0);
-    op(g.RowPhase1, extra.RowPhase1);
+    EachPhaseWord(g, extra, op);
     op(g.DEPTMode, extra.DEPTMode);
     op(g.DiffMode, extra.DiffMode);
     op(g.DiffCount, extra.DiffCount);

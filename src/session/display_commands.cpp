@@ -40,14 +40,6 @@ void m38_Click(Session& s)
     s.asker.Form({kDistanceWindow, {}});
 }
 
-void m242_Click(Session& s)
-{
-    s.g.ToolMode = s.g.ToolMode == kRegionTool ? 0 : kRegionTool;
-    // Colours that nobody sees can't be set.
-    if (s.g.ToolMode == kRegionTool) s.g.settings.r_color_disp = 1;
-    Refresh(s);
-}
-
 void m291_Click(Session& s)
 {
     if (const Status inverted = Invert_Spectrum(s.g); !inverted) {
@@ -100,14 +92,6 @@ void m371_Click(Session& s)
 void m372_Click(Session& s)
 {
     PlacePeakData(s, 1);
-}
-
-bool LeaveTool(Session& s)
-{
-    if (s.g.ToolMode == 0) return false;
-    s.g.ToolMode = 0;
-    Refresh(s);
-    return true;
 }
 
 } // namespace nmr

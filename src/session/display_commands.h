@@ -6,16 +6,12 @@
 
 namespace nmr {
 
-/// The tool that colours regions, as ToolMode.
-inline constexpr std::int32_t kRegionTool = 7;
-
 /// Picture3: the window of two cursors and their distance. It stays open beside the spectrum; asking for it
 /// shows it, or closes it again. Ends "CLOSE" at once.
 inline constexpr char kDistanceWindow[] = "Picture3";
 
 void m34_Click(Session& s);  ///< Absoluter Spectrum Mode
 void m38_Click(Session& s);  ///< Show Distance of Peaks/Cursol Data
-void m242_Click(Session& s); ///< Set Color on the Selected Region: opens the tool, or leaves it
 void m291_Click(Session& s); ///< Inversion of Spectrum
 void m361_Click(Session& s); ///< Integral
 void m368_Click(Session& s); ///< Integral Base Line
@@ -27,8 +23,5 @@ void m369_Click(Session& s); ///< Color on Selected Region
 
 void m371_Click(Session& s); ///< Position of Peak Data: Top
 void m372_Click(Session& s); ///< Position of Peak Data: Bottom
-
-/// Leaves the tool that is open; false when none is.
-bool LeaveTool(Session& s);
 
 } // namespace nmr

@@ -10,6 +10,7 @@
 #include "session/recovery.h"
 #include "session/save_flow.h"
 #include "session/startup.h"
+#include "session/tool_commands.h"
 
 #include <array>
 #include <system_error>
@@ -73,7 +74,7 @@ void Remove_Files(Session& s)
 
 bool m19_Click(Session& s)
 {
-    if (!Settle_Unsaved(s, "Exit 1D NMR", "Before End, Data is")) {
+    if (!Close_Tool(s) || !Settle_Unsaved(s, "Exit 1D NMR", "Before End, Data is")) {
         s.g.DialogResult = forms::kCancel;
         return false;
     }

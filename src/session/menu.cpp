@@ -4,6 +4,7 @@
 #include "session/display_commands.h"
 #include "session/save_flow.h"
 #include "session/text_save.h"
+#include "session/tool_commands.h"
 
 namespace nmr {
 namespace {
@@ -29,7 +30,12 @@ constexpr MenuRow kRows[] = {
     {"m2", "", "Edit", ""},
     {"m20", "m2", "UnDo", "Ctrl+Z", false, false, m20_Click},
     {kRedoControl, "m2", "ReDo", "Ctrl+Shift+Z", false, false, ReDo_Click},
-    {"m242", "m2", "Set Color on the Selected Region", "", kSeparator, kCheckable, m242_Click},
+    {"m22", "m2", "Phase Correction", "Ctrl+1", kSeparator, kCheckable, m22_Click},
+    {"m21", "m2", "Set Reference (Main Spectrum)", "Ctrl+2", false, kCheckable, m21_Click},
+    {"m23", "m2", "Base Line Correction", "Ctrl+3", false, kCheckable, m23_Click},
+    {"m24", "m2", "Peak Picking", "Ctrl+4", false, kCheckable, m24_Click},
+    {"m25", "m2", "Integral", "Ctrl+5", false, kCheckable, m25_Click},
+    {"m242", "m2", "Set Color on the Selected Region", "", false, kCheckable, m242_Click},
     {"m29", "m2", "Other Setting", "", kSeparator},
     {"m291", "m29", "Inversion of Spectrum", "", false, false, m291_Click},
     {"m292", "m29", "Edit Parameters", "", false, false, m292_Click},

@@ -38,8 +38,8 @@ void m31_Click(Session& s);           ///< Display Area
 void m30_Click(Session& s);           ///< Set Grid
 void m35_Click(Session& s);           ///< Show All Data
 void m41_Click(Session& s);           ///< Version
-void m20_Click(Session& s);           ///< UnDo
-void ReDo_Click(Session& s);          ///< ReDo
+void m20_Click(Session& s);           ///< UnDo; of the base line's points while there are some
+void ReDo_Click(Session& s);          ///< ReDo, likewise
 void m209_Click(Session& s);          ///< Show History
 void m292_Click(Session& s);          ///< Edit Parameters
 void m42_Click(Session& s);           ///< Edit Parameter File

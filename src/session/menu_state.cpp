@@ -91,10 +91,14 @@ private:
             At(control).caption = kVer4Captions[extension];
         // Two-dimensional data have no place in a file of this program.
         Show({"m10_4", "m18Z"}, (set_.par.DataKind & 0x2000) == 0);
-        At("m20").caption = g_.Undo.Caption();
-        Enable({"m20"}, !g_.Undo.empty());
-        At(kRedoControl).caption = g_.Undo.RedoCaption();
-        Enable({kRedoControl}, g_.Undo.can_redo());
+        // The points of the base line have steps of their own, which come first.
+        const bool points = g_.ToolMode == 3;
+        const UndoStack& undo = points && !g_.PointUndo.empty() ? g_.PointUndo : g_.Undo;
+        const UndoStack& redo = points && g_.PointUndo.can_redo() ? g_.PointUndo : g_.Undo;
+        At("m20").caption = undo.Caption();
+        Enable({"m20"}, !undo.empty());
+        At(kRedoControl).caption = redo.RedoCaption();
+        Enable({kRedoControl}, redo.can_redo());
         Enable({"BasicCommand1"}, set_.par.POINT > 0);
         Enable({"DataCombo"}, false);
         Show({"DataCombo", "Label6"}, false);

@@ -20,6 +20,7 @@
 #include "session/folders.h"
 #include "session/forms.h"
 #include "session/save_flow.h"
+#include "session/tool_commands.h"
 
 #include <fmt/format.h>
 
@@ -414,7 +415,7 @@ std::string WindowTitle(const std::string& file)
 
 Status NMR1D_m112_Click(Session& s)
 {
-    s.g.ToolMode = 0;
+    if (!Close_Tool(s)) return Cancelled();
     FileType detected;
     if (!MayReplaceData(s)) return Cancelled();
     for (;;) {
@@ -438,7 +439,7 @@ void ShowFileTitle(const Session& s, const std::string& file)
 
 Status NMR1D_m11_Click(Session& s)
 {
-    s.g.ToolMode = 0;
+    if (!Close_Tool(s)) return Cancelled();
     FileType detected;
     const std::string named = std::exchange(s.g.CmdLineFile, {});
     if (!MayReplaceData(s)) return Cancelled();
@@ -459,7 +460,7 @@ Status Read_Path(Session& s, const std::string& path)
 
 Status Read_Path(Session& s, const std::string& path, FileType& detected)
 {
-    s.g.ToolMode = 0;
+    if (!Close_Tool(s)) return Cancelled();
     if (!MayReplaceData(s)) return Cancelled();
     return ReadFrom(s, path, detected);
 }

@@ -14,6 +14,10 @@ namespace nmr {
 
 class FftForm;
 class Recorder;
+class Tools;
+
+/// What a tool changes while it is at work: marks and lists, or the points of the shown row too.
+enum class ToolChange { marks, points };
 
 struct Session {
     GlobalBlock& g;
@@ -37,6 +41,10 @@ struct Session {
     std::function<void(const std::vector<std::string>&)> notes_of_read{};
     /// Puts a text on the clipboard, plain and as HTML (which may be empty).
     std::function<void(const std::string& plain, const std::string& html)> copy_text{};
+    /// A drag or a phase under way: only what is drawn has changed, and at once. Its end calls display_changed.
+    std::function<void(ToolChange)> tool_moved{};
+    /// The tools of the main form; a batch has none.
+    Tools* tools = nullptr;
 };
 
 } // namespace nmr

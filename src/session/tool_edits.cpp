@@ -68,6 +68,7 @@ bool Tools::EditBasePoints(PointUndoKind kind, Edit edit)
 {
     std::vector<BasePointEntry> before = g_.BasePoints;
     if (!edit()) return false;
+    SetPreview(false);
     std::swap(before, g_.BasePoints);
     PushPointUndoStep(g_, kind);
     std::swap(before, g_.BasePoints);
@@ -115,6 +116,7 @@ void Tools::Click(const PlotPoint& at)
         EditLists(UndoKind::set_integral_reference,
                   [&] { return dragged_ != set().IntegralRef && Set_Integral_Reference(set(), dragged_); });
         return;
+    case ToolAction::add_region: // a click between two drags
     case ToolAction::delete_region:
         if (ResetColorRegion(g_, at.ppm)) Changed();
         return;
@@ -162,7 +164,7 @@ void Tools::DragEnd(const PlotPoint& at)
         return;
     }
     case ToolAction::add_region:
-        if (SetColorRegion(g_, start_.ppm, at.ppm, region_color_)) Changed();
+        if (SetColorRegion(g_, start_.ppm, at.ppm, g_.settings.def_region_color)) Changed();
         return;
     default:
         // What works by clicks takes a shaky one too.
@@ -190,7 +192,7 @@ void Tools::TakePhases()
     const std::size_t row = ShownRowIndex(g_, set());
     if (row < g_.RowPhase0.size()) g_.RowPhase0[row] = g_.Phase0Deg;
     if (row < g_.RowPhase1.size()) g_.RowPhase1[row] = g_.Phase1Deg;
-    Changed();
+    Moved(ToolChange::points);
 }
 
 void Tools::RotateRow()
@@ -262,7 +264,7 @@ void Tools::SetSecond(std::int32_t point)
 {
     if (open() != Tool::phase) return;
     g_.P2Point = std::clamp(point, -1, set().par.POINT - 1);
-    Changed();
+    Moved(ToolChange::marks);
 }
 
 void Tools::FixPhase()
@@ -320,6 +322,7 @@ void Tools::SetAveragePoints(std::int32_t points)
 
 void Tools::SetBaseLineMethod(std::int32_t method)
 {
+    SetPreview(false);
     g_.settings.base_line_method = std::clamp(method, 0, 2);
     g_.SettingsChanged = true;
     Changed();
@@ -338,20 +341,32 @@ std::vector<float> Tools::BaseLineCurve() const
     return g_.BasePoints.empty() ? std::vector<float>() : Straight_Base_Line(g_);
 }
 
+void Tools::SetPreview(bool on)
+{
+    if (on) return PreviewBaseLine();
+    if (open() != Tool::base_line || !std::exchange(previewed_, false)) return;
+    const std::size_t row = ShownRowIndex(g_, set());
+    std::ranges::copy(set().spec.SourceRe[row], set().spec.DataRe[row].begin());
+    Changed();
+}
+
 void Tools::PreviewBaseLine()
 {
-    if (open() != Tool::base_line) return;
+    const std::vector<float> curve = BaseLineCurve();
+    if (curve.empty()) return;
+    previewed_ = true;
     if (g_.settings.base_line_method == 0)
         Subtract_Straight_Base_Line(g_);
     else
-        Subtract_Base_Line(g_, BaseLineCurve());
+        Subtract_Base_Line(g_, curve);
     Changed();
 }
 
 void Tools::FixBaseLine()
 {
-    if (g_.settings.base_line_method == 0 && g_.BasePoints.empty()) return CancelBaseLine();
     PreviewBaseLine();
+    if (!previewed_) return CancelBaseLine();
+    previewed_ = false;
     const std::size_t row = ShownRowIndex(g_, set());
     std::ranges::copy(set().spec.DataRe[row], set().spec.SourceRe[row].begin());
     MarkChanged(set());
@@ -369,11 +384,13 @@ void Tools::CancelBaseLine()
     std::ranges::copy(set().spec.SourceIm[row], set().spec.DataIm[row].begin());
     g_.BasePoints.clear();
     g_.PointUndo.Empty();
+    previewed_ = false;
 }
 
 bool Tools::UndoBasePoint()
 {
     const bool done = open() == Tool::base_line && g_.PointUndo.UnDo(g_);
+    if (done) SetPreview(false);
     if (done) Changed();
     return done;
 }
@@ -381,6 +398,7 @@ bool Tools::UndoBasePoint()
 bool Tools::RedoBasePoint()
 {
     const bool done = open() == Tool::base_line && g_.PointUndo.ReDo(g_);
+    if (done) SetPreview(false);
     if (done) Changed();
     return done;
 }
@@ -419,7 +437,8 @@ bool Tools::SetLevel(ToolAction level, double fraction)
     if (level == ToolAction::noise_level) taken = Set_Noise_Level(set(), fraction);
     if (level == ToolAction::detect_level) taken = Set_Detect_Level(set(), fraction);
     if (level == ToolAction::base_level) taken = Set_Base_Level(set(), fraction);
-    if (taken) Changed();
+    if (taken && down_) Moved(ToolChange::marks);
+    if (taken && !down_) Changed();
     return taken;
 }
 

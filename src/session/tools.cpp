@@ -80,6 +80,14 @@ void Tools::Changed()
     if (s_.display_changed) s_.display_changed();
 }
 
+void Tools::Moved(ToolChange change)
+{
+    if (s_.tool_moved)
+        s_.tool_moved(change);
+    else
+        Changed();
+}
+
 bool Tools::MayEnter(Tool tool)
 {
     if (HeldPoints(set()) == 0 || set().par.SMODE != 1 || g_.NoSpectrumYet) return false;
@@ -122,7 +130,10 @@ void Tools::Start(Tool tool)
     if (tool == Tool::base_line) {
         g_.BasePoints.clear();
         g_.PointUndo.Empty();
+        previewed_ = false;
     }
+    // What is coloured is to be seen.
+    if (tool == Tool::regions) g_.settings.r_color_disp = 1;
     if (tool == Tool::reference) {
         KeepParts(g_, reference_before_, kUndoReference);
         referenced_ = false;
@@ -178,8 +189,9 @@ void Tools::Cancel()
     if (open() == Tool::none) return;
     if (down_) {
         // Esc during a drag takes back the drag alone.
-        DragTo(start_);
+        TakeDragBack();
         down_ = false;
+        action_ = pressed_;
         Changed();
         return;
     }
@@ -224,9 +236,15 @@ ToolMarks Tools::Marks() const
     }
     if (open() == Tool::reference && referenced_) marks.verticals.push_back({reference_line_, ""});
     if (open() == Tool::base_line) {
+        std::vector<float> curve = BaseLineCurve();
+        // On a row whose base line is off, the points lie where they will lie.
+        const auto off = [&](std::int32_t point) {
+            const auto at = static_cast<std::size_t>(point);
+            return previewed_ && at < curve.size() ? static_cast<double>(curve[at]) : 0.0;
+        };
         for (const BasePointEntry& e : g_.BasePoints)
-            marks.points.push_back({PointToPpm(set(), e.Point), static_cast<double>(e.Value)});
-        marks.base_line = BaseLineCurve();
+            marks.points.push_back({PointToPpm(set(), e.Point), static_cast<double>(e.Value) - off(e.Point)});
+        if (!previewed_) marks.base_line = std::move(curve);
     }
     if (open() == Tool::peaks) {
         marks.levels = {{full * static_cast<double>(set().PeakThreshold), ToolAction::noise_level},
@@ -254,6 +272,9 @@ void Tools::MouseDown(const PlotPoint& at)
     moved_ = false;
     start_ = now_ = at;
     dragged_ = -1;
+    pressed_ = action_;
+    if (const ToolAction mark = MarkAt(at); mark != ToolAction::none) action_ = mark;
+    before_ = {g_.PivotPoint, g_.P2Point, g_.Phase0Deg, Noise_Level(set()), Detect_Level(set()), Base_Level(set())};
     integrals_before_ = set().Integrals;
     reference_index_before_ = set().IntegralRef;
     base_before_ = g_.BasePoints;
@@ -261,6 +282,7 @@ void Tools::MouseDown(const PlotPoint& at)
         const std::int32_t point = PpmToPoint(set(), at.ppm);
         dragged_ = Find_Base_Point(g_, point, std::abs(PpmToPoint(set(), at.ppm + at.reach_ppm) - point));
     }
+    if (dragged_ >= 0) SetPreview(false);
     if (NeedsIntegral(action_)) {
         dragged_ = Find_Integral(set(), at.ppm);
         SelectIntegral(dragged_);
@@ -285,7 +307,42 @@ void Tools::MouseMove(const PlotPoint& at)
     if (at.ppm != start_.ppm || at.height != start_.height) moved_ = true;
     if (!moved_) return;
     DragTo(at);
-    Changed();
+    Moved(ToolChange::marks);
+}
+
+ToolAction Tools::MarkAt(const PlotPoint& at) const
+{
+    const ToolMarks marks = open() == Tool::base_line ? ToolMarks{} : Marks();
+    if (open() == Tool::phase)
+        for (const auto& mark : marks.verticals)
+            if (std::abs(mark.ppm - at.ppm) <= at.reach_ppm)
+                return mark.label == "P2" ? ToolAction::second : ToolAction::pivot;
+    for (const auto& level : marks.levels)
+        if (std::abs(level.height - at.height) <= at.reach_height && at.reach_height > 0) return level.action;
+    return ToolAction::none;
+}
+
+void Tools::TakeDragBack()
+{
+    switch (action_) {
+    case ToolAction::pivot:
+        g_.PivotPoint = before_.pivot;
+        g_.Phase0Deg = before_.phase0;
+        return RotateRow();
+    case ToolAction::second:
+        return SetSecond(before_.second);
+    case ToolAction::noise_level:
+        SetLevel(action_, before_.noise);
+        return;
+    case ToolAction::detect_level:
+        SetLevel(action_, before_.detect);
+        return;
+    case ToolAction::base_level:
+        SetLevel(action_, before_.base);
+        return;
+    default:
+        DragTo(start_);
+    }
 }
 
 void Tools::DragTo(const PlotPoint& at)
@@ -331,10 +388,9 @@ void Tools::MouseUp(const PlotPoint& at)
     if (!down_) return;
     MouseMove(at);
     down_ = false;
-    if (moved_)
-        DragEnd(at);
-    else
-        Click(at);
+    if (moved_) DragEnd(at);
+    action_ = pressed_; // a click on a mark is the button's
+    if (!moved_) Click(at);
     Changed();
 }
 

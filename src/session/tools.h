@@ -53,11 +53,12 @@ enum class ToolAction : std::int32_t {
     delete_region,      ///< coloured regions
 };
 
-/// A place in the plot. `reach_ppm` is what a few pixels around it are worth.
+/// A place in the plot. What a few pixels around it are worth: `reach_ppm`, `reach_height`.
 struct PlotPoint {
     double ppm = 0;
     double height = 0;
     double reach_ppm = 0;
+    double reach_height = 0;
 };
 
 /// What a tool draws over the spectrum.
@@ -130,6 +131,9 @@ public:
     void SetBaseLineMethod(std::int32_t method); ///< 0 straight lines, 1 Whittaker, 2 Bernstein
     void PreviewBaseLine();                      ///< BaseCorCommand1
     std::vector<float> BaseLineCurve() const;    ///< empty when there is none
+    /// Shows the row with the curve taken off, or as it was; a change of the points shows it as it was.
+    void SetPreview(bool on);
+    bool previewed() const { return previewed_; }
     bool UndoBasePoint();
     bool RedoBasePoint();
 
@@ -160,7 +164,6 @@ public:
     void SetUpdateInstrument(bool on) { update_instrument_ = on; }
 
     // Coloured regions.
-    void SetRegionColor(std::int32_t color) { region_color_ = color; }
     void ResetRegions();
 
 private:
@@ -168,6 +171,9 @@ private:
     void Start(Tool tool);
     void End();
     void Changed();
+    void Moved(ToolChange change);
+    /// The mark under a press is what a drag takes, whatever button is down.
+    ToolAction MarkAt(const PlotPoint& at) const;
     DataSet& set() { return g_.Slots[0]; }
     const DataSet& set() const { return g_.Slots[0]; }
 
@@ -186,6 +192,7 @@ private:
     template <class Edit>
     bool EditBasePoints(PointUndoKind kind, Edit edit);
     void DragTo(const PlotPoint& at);
+    void TakeDragBack();
     void Click(const PlotPoint& at);
     void DragEnd(const PlotPoint& at);
 
@@ -198,11 +205,17 @@ private:
     double reference_line_ = 0;
     bool referenced_ = false, update_instrument_ = false;
     std::int32_t selected_ = -1;
-    std::int32_t region_color_ = 255;
+    bool previewed_ = false;
 
     // A drag under way.
     bool down_ = false, moved_ = false;
     PlotPoint start_, now_;
+    ToolAction pressed_ = ToolAction::none; ///< the action that comes back with the release
+    struct DragStart {
+        std::int32_t pivot, second;
+        float phase0;
+        double noise, detect, base;
+    } before_{};
     std::int32_t dragged_ = -1; ///< index in its list
     IntegralEnd dragged_end_ = IntegralEnd::start;
     std::vector<IntegralEntry> integrals_before_;

@@ -156,10 +156,15 @@ std::optional<std::size_t> DistancePanel::CursorAt(const PlotFrame& frame, QPoin
     return nearest;
 }
 
-bool DistancePanel::Grab(const PlotFrame& frame, QPointF at)
+bool DistancePanel::Grab(const PlotFrame& frame, QPointF at, Qt::KeyboardModifiers)
 {
     held_ = CursorAt(frame, at);
     return held_.has_value();
+}
+
+std::optional<Qt::CursorShape> DistancePanel::Shape(const PlotFrame& frame, QPointF at) const
+{
+    return CursorAt(frame, at) ? std::optional(Qt::SplitHCursor) : std::nullopt;
 }
 
 void DistancePanel::Move(const PlotFrame& frame, QPointF at)

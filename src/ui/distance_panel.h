@@ -27,10 +27,10 @@ public:
     void MoveToCorner();
     const CursorDistance& cursors() const { return cursors_; }
 
-    bool Grab(const PlotFrame& frame, QPointF at) override;
+    bool Grab(const PlotFrame& frame, QPointF at, Qt::KeyboardModifiers keys) override;
     void Move(const PlotFrame& frame, QPointF at) override;
     void Drop(const PlotFrame& frame) override;
-    bool IsUnder(const PlotFrame& frame, QPointF at) const override { return CursorAt(frame, at).has_value(); }
+    std::optional<Qt::CursorShape> Shape(const PlotFrame& frame, QPointF at) const override;
     void Draw(QtCanvas& canvas, const PlotFrame& frame) override;
 
 protected:

@@ -42,7 +42,7 @@ private:
 
 } // namespace
 
-PhaseControl::PhaseControl(const Order& order, QWidget* parent) :
+PhaseControl::PhaseControl(const Order& order, QWidget* parent, Form form) :
     QWidget(parent), get_(order.get), edit_(new ValueEdit(this)),
     bar_(new PhaseBar(this, [this](int steps) { edit_->Step(steps); }))
 {
@@ -64,16 +64,20 @@ PhaseControl::PhaseControl(const Order& order, QWidget* parent) :
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setVerticalSpacing(4);
-    grid->setColumnStretch(0, 1);
+    const bool flat = form == Form::flat;
+    grid->setColumnStretch(flat ? 3 : 0, 1);
     grid->addWidget(caption, 0, 0);
     grid->addWidget(edit_, 0, 1);
     grid->addWidget(new QLabel("°", this), 0, 2);
-    grid->addWidget(bar_, 1, 0, 1, 3);
-    grid->addWidget(MakeSteps(order), 2, 0, 1, 3);
+    if (flat)
+        grid->addWidget(bar_, 0, 3);
+    else
+        grid->addWidget(bar_, 1, 0, 1, 3);
+    grid->addWidget(MakeSteps(order, form), flat ? 1 : 2, 0, 1, flat ? 4 : 3);
     Show();
 }
 
-QWidget* PhaseControl::MakeSteps(const Order& order)
+QWidget* PhaseControl::MakeSteps(const Order& order, Form form)
 {
     auto* steps = new QWidget(this);
     auto* grid = new QGridLayout(steps);
@@ -92,8 +96,10 @@ QWidget* PhaseControl::MakeSteps(const Order& order)
             label->setFont(small);
             label->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
             label->setMinimumWidth(10);
-            grid->addWidget(label, row, column);
-            grid->setColumnStretch(column, 1);
+            // In one line they grow from the middle to both sides.
+            const int at = form == Form::tall || row == 0 ? column : 13 - column;
+            grid->addWidget(label, form == Form::tall ? row : 0, at);
+            grid->setColumnStretch(at, 1);
         }
     return steps;
 }

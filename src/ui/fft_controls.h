@@ -23,12 +23,14 @@ public:
         std::function<void(double)> set;
         std::function<void(double)> add;
     };
-    PhaseControl(const Order& order, QWidget* parent);
+    /// Tall: three lines, for a column; flat: two, for a bar.
+    enum class Form { tall, flat };
+    PhaseControl(const Order& order, QWidget* parent, Form form = Form::tall);
     /// After a change of the phase from anywhere.
     void Show();
 
 private:
-    QWidget* MakeSteps(const Order& order);
+    QWidget* MakeSteps(const Order& order, Form form);
 
     std::function<double()> get_;
     ValueEdit* edit_;

@@ -16,7 +16,8 @@ constexpr HelpRow kMouse[] = {
     {"Ctrl + wheel", "width of the shown range, around the cursor"},
     {"Drag with the left button", "zoom into the range"},
     {"Double click", "back one zoom"},
-    {"Drag with the right button", "move the shown range"},
+    {"Drag with the right or middle button", "move the shown range"},
+    {"Shift + drag", "zoom into the range while a tool is open"},
     {"Drag in the overview", "move the shown range"},
     {"Drop a file or a folder", "read it"},
 };
@@ -35,7 +36,10 @@ constexpr HelpRow kKeys[] = {
     {"Ctrl + Shift + Z", "do again what was taken back"},
     {"Ctrl + I", "list of the parameters"},
     {"Ctrl + D", "two cursors and their distance; Shift while dragging: no jump to the tops"},
-    {"Esc", "leave the tool that is open"},
+    {"Ctrl + 1, Ctrl + 2, Ctrl + 3", "phase correction, reference, base line correction"},
+    {"Ctrl + 4, Ctrl + 5", "peak picking, integrals"},
+    {"Enter", "fix what the open tool has done"},
+    {"Esc", "leave the open tool and put back what it has not fixed"},
     {"Ctrl + Q", "exit"},
     {"F1", "this sheet"},
 };

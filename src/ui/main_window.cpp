@@ -38,7 +38,8 @@ void Later(QObject* context, std::function<void()> command)
 
 } // namespace
 
-NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) : session_(session), g_(session.g)
+NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) :
+    session_(session), g_(session.g), tools_(session), tool_marks_(tools_, g_)
 {
     setObjectName(QStringLiteral("NMR1D_Form1"));
     setWindowTitle(QStringLiteral("NMR 1D"));
@@ -49,6 +50,7 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) : session_(session), 
     auto* column = new QVBoxLayout(centre);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
+    BuildPanels(*column);
     column->addWidget(overview_);
     column->addWidget(plot_, 1);
     setCentralWidget(centre);
@@ -64,6 +66,8 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) : session_(session), 
         distance_->Refresh();
     };
     plot_->read_asked = [this] { Later(this, [this] { Run([this] { NMR1D_m11_Command(session_); }); }); };
+    session_.tools = &tools_;
+    session_.tool_moved = [this](ToolChange change) { ToolMoved(change); };
     session_.display_changed = [this] { RefreshAll(); };
     session_.set_title = [this](const std::string& title) { setWindowTitle(ToQString(title).trimmed()); };
     session_.notes_of_read = [this](const std::vector<std::string>& notes) {
@@ -73,6 +77,12 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) : session_(session), 
     RestorePlace();
     RefreshAll();
     plot_->setFocus();
+}
+
+NMR1D_Form1::~NMR1D_Form1()
+{
+    session_.tools = nullptr;
+    session_.tool_moved = {};
 }
 
 /// One command at a time: the forms of a command keep the queue running, and with it drops and timers.
@@ -105,7 +115,7 @@ void NMR1D_Form1::RefreshAll()
     RefreshMenu();
     RefreshToolBar();
     RefreshDataLine();
-    regions_->Refresh();
+    RefreshPanels();
     notes_->SetNotes(plot_->HasSpectrum() ? g_.Slots[0].Warnings : std::vector<std::string>());
 }
 
@@ -121,6 +131,7 @@ void NMR1D_Form1::StepRow(int by)
 {
     const int row = std::clamp(g_.CurrentRow + by, 0, std::max(0, g_.Slots[0].RowCount - 1));
     if (row == g_.CurrentRow || !plot_->HasSpectrum() || !DataCombo->isEnabled()) return;
+    if (tools_.open() != Tool::none) return tools_.SetRow(static_cast<std::int16_t>(row));
     g_.CurrentRow = static_cast<std::int16_t>(row);
     RefreshAll();
 }
@@ -193,6 +204,10 @@ void NMR1D_Form1::dropEvent(QDropEvent* event)
 void NMR1D_Form1::keyPressEvent(QKeyEvent* event)
 {
     switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        tools_.Fix();
+        return;
     case Qt::Key_U:
         CycleUnit();
         return;
@@ -200,7 +215,7 @@ void NMR1D_Form1::keyPressEvent(QKeyEvent* event)
         if (actions_["m367"]->isEnabled()) ToggleGrid();
         return;
     case Qt::Key_Escape:
-        LeaveTool(session_);
+        tools_.Cancel();
         return;
     case Qt::Key_PageUp:
         StepRow(-1);
@@ -225,11 +240,28 @@ void NMR1D_Form1::changeEvent(QEvent* event)
 bool NMR1D_Form1::eventFilter(QObject* object, QEvent* event)
 {
     if (object == plot_ && event->type() == QEvent::Resize) distance_->MoveToCorner();
+    if (object == plot_ && TakenByPanel(*event)) return true;
     if (object == plot_ && event->type() == QEvent::Paint && first_paint_done) {
         const auto done = std::exchange(first_paint_done, {});
         Later(this, done);
     }
     return QMainWindow::eventFilter(object, event);
+}
+
+/// Keys and turns of the wheel over the plot, before the plot sees them.
+bool NMR1D_Form1::TakenByPanel(QEvent& event)
+{
+    ToolPanel* panel = OpenPanel();
+    if (panel == nullptr) return false;
+    if (event.type() == QEvent::KeyPress) {
+        const auto& key = static_cast<QKeyEvent&>(event);
+        return panel->TakeKey(key.key(), key.modifiers());
+    }
+    if (event.type() != QEvent::Wheel) return false;
+    const auto& wheel = static_cast<QWheelEvent&>(event);
+    if (!(wheel.modifiers() & (Qt::ShiftModifier | Qt::AltModifier))) return false;
+    const int notches = wheel_notches_.Take(wheel);
+    return panel->TakeWheel(notches, wheel.modifiers());
 }
 
 void NMR1D_Form1::ShowPosition(const std::optional<PlotPosition>& position)
@@ -241,7 +273,8 @@ void NMR1D_Form1::ShowPosition(const std::optional<PlotPosition>& position)
     QString text = QStringLiteral("%1 ppm").arg(position->ppm, 0, 'f', 4);
     if (position->has_hz) text += QStringLiteral("     %1 Hz").arg(position->hz, 0, 'f', 2);
     if (position->on_data) text += QStringLiteral("     Intensity %1").arg(position->intensity, 0, 'g', 5);
-    position_line_->setText(text);
+    if (position->tool_text.empty()) return position_line_->setText(text);
+    position_line_->setText(text + QStringLiteral("     ") + ToQString(position->tool_text));
 }
 
 void NMR1D_Form1::RefreshDataLine()
@@ -264,11 +297,45 @@ void NMR1D_Form1::RefreshDataLine()
 void NMR1D_Form1::BuildTools()
 {
     distance_ = new DistancePanel(g_, *plot_);
-    addToolBarBreak();
-    regions_ = new RegionBar(session_, this);
-    addToolBar(regions_);
     plot_->AddTool(*distance_);
-    plot_->AddTool(*regions_);
+    plot_->AddTool(tool_marks_);
+}
+
+void NMR1D_Form1::BuildPanels(QVBoxLayout& column)
+{
+    panels_ = {new PhaseToolbar(tools_, session_),    new ReferenceToolbar(tools_, session_),
+               new BaselineToolbar(tools_, session_), new PeakToolbar(tools_, session_),
+               new IntegralToolbar(tools_, session_), new ColorToolbar(tools_, session_)};
+    for (ToolPanel* panel : panels_) column.addWidget(panel);
+}
+
+ToolPanel* NMR1D_Form1::OpenPanel() const
+{
+    const auto panel = std::ranges::find(panels_, tools_.open(), &ToolPanel::tool);
+    return panel == panels_.end() ? nullptr : *panel;
+}
+
+void NMR1D_Form1::RefreshPanels()
+{
+    tool_marks_.Refresh();
+    ToolPanel* open = OpenPanel();
+    for (ToolPanel* panel : panels_)
+        if (panel != open) panel->hide();
+    if (open == nullptr) return;
+    open->Refresh();
+    open->show();
+}
+
+/// At each step of a drag, so nothing but what it can have changed.
+void NMR1D_Form1::ToolMoved(ToolChange change)
+{
+    tool_marks_.Refresh();
+    if (ToolPanel* open = OpenPanel()) open->Refresh();
+    if (change == ToolChange::points) {
+        plot_->PointsChanged();
+        overview_->update();
+    }
+    plot_->update();
 }
 
 void NMR1D_Form1::BuildStatusLine()

@@ -5,10 +5,12 @@
 #include "session/session.h"
 #include "ui/asker_qt.h"
 #include "ui/distance_panel.h"
+#include "ui/form_fields.h"
 #include "ui/notes_list.h"
 #include "ui/plot_widget.h"
-#include "ui/region_bar.h"
 #include "ui/theme.h"
+#include "ui/tool_overlay.h"
+#include "ui/tool_panels.h"
 
 #include <QMainWindow>
 
@@ -23,13 +25,15 @@ class QLabel;
 class QLineEdit;
 class QMenu;
 class QToolBar;
+class QVBoxLayout;
 
 namespace nmr {
 
 class NMR1D_Form1 : public QMainWindow {
 public:
-    /// Takes over the hooks of the session: display_changed, set_title.
+    /// Takes over the hooks of the session: display_changed, set_title, the tools.
     NMR1D_Form1(Session& session, QtAsker& asker);
+    ~NMR1D_Form1() override;
 
     /// Data or state changed: menu, tool bar, plot and status line anew.
     void RefreshAll();
@@ -37,6 +41,7 @@ public:
     /// The file that the run was started with.
     void ReadCommandLineFile();
     PlotWidget& plot() { return *plot_; }
+    Tools& tools() { return tools_; }
     /// Steps of the tool bar and keys.
     void CycleUnit();
     void StepRow(int by);
@@ -66,6 +71,11 @@ private:
     void AddUnit();
     void AddRowSelector();
     void BuildTools();
+    void BuildPanels(QVBoxLayout& column);
+    void RefreshPanels();
+    void ToolMoved(ToolChange change);
+    ToolPanel* OpenPanel() const;
+    bool TakenByPanel(QEvent& event);
     void BuildStatusLine();
     void Run(const std::function<void()>& command);
     void RefreshMenu();
@@ -79,13 +89,17 @@ private:
 
     Session& session_;
     GlobalBlock& g_;
+    Tools tools_;
+    ToolOverlay tool_marks_;
+    std::vector<ToolPanel*> panels_;
+    WheelNotches wheel_notches_;
     PlotWidget* plot_ = nullptr;
     OverviewStrip* overview_ = nullptr;
     std::map<std::string, QMenu*, std::less<>> menus_;
     std::map<std::string, QAction*, std::less<>> actions_;
     QAction* recent_place_ = nullptr;
     QList<QAction*> recent_actions_;
-    QToolBar* tools_ = nullptr;
+    QToolBar* display_bar_ = nullptr;
     QLineEdit* BasicText1 = nullptr;
     QComboBox* unit_ = nullptr;
     QComboBox* DataCombo = nullptr;
@@ -95,7 +109,6 @@ private:
     QLabel *position_line_ = nullptr, *data_line_ = nullptr;
     NotesButton* notes_ = nullptr;
     DistancePanel* distance_ = nullptr;
-    RegionBar* regions_ = nullptr;
     bool running_ = false; ///< a command is under way: its forms run the event queue
 };
 

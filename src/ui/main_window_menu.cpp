@@ -2,6 +2,7 @@
 
 #include "session/display_scope.h"
 #include "session/read_flow.h"
+#include "session/tool_commands.h"
 #include "ui/canvas/qt_canvas.h"
 #include "ui/help_sheet.h"
 #include "ui/main_window.h"
@@ -67,7 +68,11 @@ QAction* NMR1D_Form1::AddEntry(QMenu& menu, const MenuRow& row)
         recent_place_ = action;
     }
     if (row.handler != nullptr)
-        connect(action, &QAction::triggered, this, [this, handler = row.handler] { Run([&] { handler(session_); }); });
+        connect(action, &QAction::triggered, this, [this, &row] {
+            Run([&] {
+                if (Leaves_Tool_Open(row) || Close_Tool(session_)) row.handler(session_);
+            });
+        });
     return action;
 }
 
@@ -154,7 +159,7 @@ void NMR1D_Form1::RefreshRowSelector(const MenuState& state)
 
 QAction* NMR1D_Form1::AddButton(Glyph glyph, const QString& name, const QString& tip, const std::function<void()>& step)
 {
-    QAction* action = tools_->addAction(GlyphIcon(glyph), tip);
+    QAction* action = display_bar_->addAction(GlyphIcon(glyph), tip);
     action->setObjectName(name);
     connect(action, &QAction::triggered, this, [this, step] {
         step();
@@ -165,15 +170,15 @@ QAction* NMR1D_Form1::AddButton(Glyph glyph, const QString& name, const QString&
 
 void NMR1D_Form1::BuildToolBar()
 {
-    tools_ = addToolBar(QStringLiteral("Display"));
-    tools_->setMovable(false);
-    tools_->setContextMenuPolicy(Qt::PreventContextMenu);
-    tools_->setIconSize(QSize(20, 20));
+    display_bar_ = addToolBar(QStringLiteral("Display"));
+    display_bar_->setMovable(false);
+    display_bar_->setContextMenuPolicy(Qt::PreventContextMenu);
+    display_bar_->setIconSize(QSize(20, 20));
     AddButton(Glyph::open, QStringLiteral("Read"), QStringLiteral("Read (Ctrl+O)"),
               [this] { Run([this] { NMR1D_m11_Command(session_); }); });
-    tools_->addSeparator();
+    display_bar_->addSeparator();
     AddHeight();
-    tools_->addSeparator();
+    display_bar_->addSeparator();
     data_actions_ << AddButton(Glyph::narrower, QStringLiteral("Wider"), QStringLiteral("Show more (Ctrl+\u2212)"),
                                [this] { plot_->ScaleWidth(kMagnificationStep); });
     data_actions_ << AddButton(Glyph::wider, QStringLiteral("Narrower"), QStringLiteral("Show less (Ctrl++)"),
@@ -182,15 +187,15 @@ void NMR1D_Form1::BuildToolBar()
                                [this] { plot_->ZoomBack(); });
     data_actions_ << AddButton(Glyph::all, QStringLiteral("All"), QStringLiteral("Whole spectrum (Home)"),
                                [this] { plot_->ShowAll(); });
-    tools_->addSeparator();
+    display_bar_->addSeparator();
     AddUnit();
     grid_action_ = AddButton(Glyph::grid, QStringLiteral("Grid"), QStringLiteral("Grid (G)"), [this] { ToggleGrid(); });
     grid_action_->setCheckable(true);
     data_actions_ << grid_action_;
-    tools_->addSeparator();
+    display_bar_->addSeparator();
     data_actions_ << AddButton(Glyph::parameters, QStringLiteral("BasicCommand1"),
                                QStringLiteral("Show Parameter (Ctrl+I)"),
-                               [this] { Run([this] { BasicCommand1_Click(session_); }); });
+                               [this] { actions_["BasicCommand1"]->trigger(); });
     AddRowSelector();
 }
 
@@ -208,7 +213,7 @@ void NMR1D_Form1::AddHeight()
     numbers->setLocale(QLocale::c());
     BasicText1->setValidator(numbers);
     connect(BasicText1, &QLineEdit::editingFinished, this, [this] { TakeMagnification(); });
-    tools_->addWidget(BasicText1);
+    display_bar_->addWidget(BasicText1);
     data_actions_ << AddButton(Glyph::taller, QStringLiteral("BasicYMag_Up"), QStringLiteral("Taller (Up)"),
                                [this] { plot_->ScaleHeight(kMagnificationStep); });
 }
@@ -225,12 +230,12 @@ void NMR1D_Form1::AddUnit()
         RefreshAll();
         plot_->setFocus();
     });
-    tools_->addWidget(unit_);
+    display_bar_->addWidget(unit_);
 }
 
 void NMR1D_Form1::AddRowSelector()
 {
-    tools_->addWidget(Gap(tools_));
+    display_bar_->addWidget(Gap(display_bar_));
     Label6 = new QLabel(QStringLiteral("Row "), this);
     DataCombo = new QComboBox(this);
     DataCombo->setObjectName(QStringLiteral("DataCombo"));
@@ -240,7 +245,7 @@ void NMR1D_Form1::AddRowSelector()
         StepRow(index - g_.CurrentRow);
         plot_->setFocus();
     });
-    row_actions_ << tools_->addWidget(Label6) << tools_->addWidget(DataCombo)
+    row_actions_ << display_bar_->addWidget(Label6) << display_bar_->addWidget(DataCombo)
                  << AddButton(Glyph::previous, QStringLiteral("RowUp"), QStringLiteral("Previous row (Page Up)"),
                               [this] { StepRow(-1); })
                  << AddButton(Glyph::next, QStringLiteral("RowDown"), QStringLiteral("Next row (Page Down)"),

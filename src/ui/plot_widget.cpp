@@ -58,22 +58,32 @@ void PlotWidget::TakeOverView()
     view().SetMagnification(Magnification(g_.Slots[0]));
 }
 
+// Built in the same pyramid, whose memory is there: scenes of the row before are not drawn any more.
+void PlotWidget::TakePoints()
+{
+    absolute_ = g_.AbsoluteMode != 0 ? AbsoluteRow(g_.Slots[0], g_.CurrentRow) : std::vector<float>();
+    if (!pyramid_) pyramid_ = std::make_shared<MinMaxPyramid>();
+    pyramid_->Build(ShownRow());
+    integrals_.reset();
+    built_for_ = RealRow().data();
+}
+
+void PlotWidget::PointsChanged()
+{
+    if (HasSpectrum()) TakePoints();
+    update();
+}
+
 void PlotWidget::Refresh()
 {
     if (HasSpectrum()) {
-        absolute_ = g_.AbsoluteMode != 0 ? AbsoluteRow(g_.Slots[0], g_.CurrentRow) : std::vector<float>();
-        const auto row = ShownRow();
-        auto pyramid = std::make_shared<MinMaxPyramid>();
-        pyramid->Build(row);
-        pyramid_ = std::move(pyramid);
-        integrals_.reset();
-        built_for_ = RealRow().data();
+        TakePoints();
         TakeOverView();
     } else {
         pyramid_.reset();
         built_for_ = nullptr;
     }
-    setCursor(HasSpectrum() ? Qt::CrossCursor : Qt::ArrowCursor);
+    if (!HasSpectrum()) setCursor(Qt::ArrowCursor);
     update();
     if (view_changed) view_changed();
 }
@@ -163,7 +173,7 @@ bool PlotWidget::GrabMark(double x)
         if (read_asked) read_asked();
         return true;
     }
-    const auto takes = [&](PlotTool* tool) { return tool->Grab(frame(), {x, cursor_y()}); };
+    const auto takes = [&](PlotTool* tool) { return tool->Grab(frame(), {x, cursor_y()}, press_keys()); };
     const auto tool = std::ranges::find_if(tools_, takes);
     held_ = tool == tools_.end() ? nullptr : *tool;
     return held_ != nullptr;
@@ -179,9 +189,11 @@ void PlotWidget::DropMark()
     if (PlotTool* tool = std::exchange(held_, nullptr)) tool->Drop(frame());
 }
 
-bool PlotWidget::MarkUnder(double x) const
+Qt::CursorShape PlotWidget::CursorShapeAt(double x) const
 {
-    return std::ranges::any_of(tools_, [&](const PlotTool* tool) { return tool->IsUnder(frame(), {x, cursor_y()}); });
+    for (const PlotTool* tool : tools_)
+        if (const auto shape = tool->Shape(frame(), {x, cursor_y()})) return *shape;
+    return Qt::ArrowCursor;
 }
 
 void PlotWidget::ViewChanged()
@@ -217,6 +229,8 @@ std::optional<PlotPosition> PlotWidget::PositionAt(QPointF at) const
         const auto point = static_cast<std::size_t>(PpmToPoint(set, position.ppm));
         if (point < ShownRow().size()) position.intensity = static_cast<double>(ShownRow()[point]);
     }
+    for (const PlotTool* tool : tools_)
+        if (position.tool_text.empty()) position.tool_text = tool->StatusText(frame(), at);
     return position;
 }
 

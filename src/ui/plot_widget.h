@@ -19,6 +19,7 @@ struct PlotPosition {
     bool has_hz = false;
     double intensity = 0; ///< of the nearest point
     bool on_data = false;
+    std::string tool_text; ///< what a press would do here
 };
 
 class PlotWidget : public ZoomPanel {
@@ -27,6 +28,8 @@ public:
 
     /// Data, row, settings or ViewLeft and ViewRight changed.
     void Refresh();
+    /// The points of the shown row changed, and nothing else.
+    void PointsChanged();
     bool HasSpectrum() const;
     /// The whole axis, left the larger.
     ZoomView::Range Whole() const { return view().whole(); }
@@ -49,7 +52,7 @@ protected:
     bool GrabMark(double x) override;
     void MoveMark(double x) override;
     void DropMark() override;
-    bool MarkUnder(double x) const override;
+    Qt::CursorShape CursorShapeAt(double x) const override;
     void ViewChanged() override;
     void CursorMoved(std::optional<QPointF> at) override;
 
@@ -57,13 +60,14 @@ private:
     void DrawInvitation(QtCanvas& canvas);
     std::optional<PlotPosition> PositionAt(QPointF at) const;
     void TakeOverView();
+    void TakePoints();
     std::span<const float> RealRow() const;
 
     GlobalBlock& g_;
     std::vector<PlotTool*> tools_;
     PlotTool* held_ = nullptr;    ///< has the mouse
     std::vector<float> absolute_; ///< magnitude of the shown row; empty outside of absolute mode
-    std::shared_ptr<const MinMaxPyramid> pyramid_;
+    std::shared_ptr<MinMaxPyramid> pyramid_;
     mutable std::shared_ptr<const IntegralCurves> integrals_;
     const float* built_for_ = nullptr; ///< the row that the pyramid was built over
     SpectrumScene scene_;

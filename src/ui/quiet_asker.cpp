@@ -11,7 +11,8 @@ namespace nmr {
 Button QuietAsker::Message(const MessageBox& box)
 {
     std::fprintf(stderr, "nmr1d: %s: %s\n", box.title.c_str(), box.text.c_str());
-    failed = true;
+    // A question of the read has its answer here; what is said without one has to be read by somebody.
+    failed = failed || box.icon != Icon::question;
     return box.buttons.empty() ? Button::ok : box.buttons.back();
 }
 

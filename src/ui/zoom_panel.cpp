@@ -97,11 +97,14 @@ void ZoomPanel::wheelEvent(QWheelEvent* event)
 
 void ZoomPanel::mousePressEvent(QMouseEvent* event)
 {
+    if (drag_ != Drag::none) return; // another button does not end what the first one does
     from_x_ = now_x_ = event->position().x();
     cursor_y_ = event->position().y();
+    press_keys_ = event->modifiers();
+    press_button_ = event->button();
     if (event->button() == Qt::LeftButton)
         drag_ = GrabMark(from_x_) ? Drag::mark : Drag::zoom;
-    else if (event->button() == Qt::RightButton)
+    else if (event->button() == Qt::RightButton || event->button() == Qt::MiddleButton)
         drag_ = Drag::pan;
 }
 
@@ -114,7 +117,7 @@ void ZoomPanel::mouseMoveEvent(QMouseEvent* event)
     CursorMoved(cursor_);
     switch (drag_) {
     case Drag::none:
-        setCursor(MarkUnder(now_x_) ? Qt::SplitHCursor : Qt::ArrowCursor);
+        setCursor(CursorShapeAt(now_x_));
         return;
     case Drag::zoom:
         break;
@@ -129,8 +132,9 @@ void ZoomPanel::mouseMoveEvent(QMouseEvent* event)
     update();
 }
 
-void ZoomPanel::mouseReleaseEvent(QMouseEvent*)
+void ZoomPanel::mouseReleaseEvent(QMouseEvent* event)
 {
+    if (event->button() != press_button_) return;
     if (drag_ == Drag::mark) DropMark();
     if (drag_ == Drag::zoom && std::abs(now_x_ - from_x_) >= kLeastDrag)
         view_.ZoomInto(frame_.Ppm(from_x_), frame_.Ppm(now_x_));

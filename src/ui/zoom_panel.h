@@ -1,6 +1,6 @@
 #pragma once
 // A plot that obeys the mouse grammar: wheel = height, Ctrl + wheel = width around the cursor, drag =
-// zoom into the range, double click = back one zoom, right drag = pan; the same by keys.
+// zoom into the range, double click = back one zoom, right or middle drag = pan; the same by keys.
 
 #include "layout/plot.h"
 #include "ui/zoom_view.h"
@@ -41,6 +41,8 @@ protected:
     virtual void MoveMark(double /*x*/) {}
     virtual void DropMark() {}
     virtual bool MarkUnder(double /*x*/) const { return false; }
+    /// Shape of the cursor over the panel while no button is down.
+    virtual Qt::CursorShape CursorShapeAt(double x) const { return MarkUnder(x) ? Qt::SplitHCursor : Qt::ArrowCursor; }
 
     /// After each change of range or height by the user.
     virtual void ViewChanged() {}
@@ -49,6 +51,7 @@ protected:
 
     /// Height of the last press or move.
     double cursor_y() const { return cursor_y_; }
+    Qt::KeyboardModifiers press_keys() const { return press_keys_; }
     void paintEvent(QPaintEvent*) override;
     void wheelEvent(QWheelEvent*) override;
     void mousePressEvent(QMouseEvent*) override;
@@ -65,6 +68,8 @@ private:
     Drag drag_ = Drag::none;
     double from_x_ = 0, now_x_ = 0, cursor_y_ = 0;
     std::optional<QPointF> cursor_;
+    Qt::KeyboardModifiers press_keys_;
+    Qt::MouseButton press_button_ = Qt::NoButton;
 
     void Changed();
     bool RunKey(int key, bool control);

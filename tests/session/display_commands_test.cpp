@@ -8,6 +8,8 @@
 #include "session/inversion.h"
 #include "session/menu.h"
 #include "session/rig.h"
+#include "session/tool_commands.h"
+#include "session/tools.h"
 
 #include <cmath>
 
@@ -94,11 +96,13 @@ TEST(ColorRegions, TheToolOpensAndLeaves)
 {
     const auto rig = WithSpectrum();
     rig->g.settings.r_color_disp = 0;
+    Tools tools(rig->s);
+    rig->s.tools = &tools;
     m242_Click(rig->s);
     EXPECT_TRUE(SetMenuActivateForm1(rig->g).at("m242").checked);
     EXPECT_EQ(rig->g.settings.r_color_disp, 1) << "what is coloured is to be seen";
-    EXPECT_TRUE(LeaveTool(rig->s));
-    EXPECT_FALSE(LeaveTool(rig->s));
+    m242_Click(rig->s);
+    EXPECT_EQ(tools.open(), Tool::none);
     m369_Click(rig->s);
     EXPECT_FALSE(SetMenuActivateForm1(rig->g).at("m369").checked);
 }

@@ -426,7 +426,7 @@ TEST(MainWindow, RegionsAreColouredByDragAndClearedByClick)
     WindowRig rig;
     rig.Entry("Set Color on the Selected Region")->trigger();
     Settle(*rig.window);
-    EXPECT_TRUE(Find<QToolBar>(*rig.window, "ColorToolbar").isVisible());
+    EXPECT_TRUE(Find<QFrame>(*rig.window, "ColorToolbar").isVisible());
     PlotWidget& plot = rig.window->plot();
     Drag(plot, {rig.X(8), 200}, {rig.X(6), 200});
     const auto& region = rig.g.Slots[0].Regions[0];
@@ -440,7 +440,7 @@ TEST(MainWindow, RegionsAreColouredByDragAndClearedByClick)
     EXPECT_EQ(plot.Scene().regions.size(), 1U);
     Key(*rig.window, Qt::Key_Escape);
     EXPECT_EQ(rig.g.ToolMode, 0);
-    EXPECT_FALSE(Find<QToolBar>(*rig.window, "ColorToolbar").isVisible());
+    EXPECT_FALSE(Find<QFrame>(*rig.window, "ColorToolbar").isVisible());
 }
 
 TEST(MainWindow, AbsoluteModeDrawsTheMagnitude)
