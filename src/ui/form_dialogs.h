@@ -26,6 +26,7 @@ FormAnswer NMR1D_ListView(const FormRequest& request, QWidget* parent);    ///< 
 FormAnswer Form17(const FormRequest& request, QWidget* parent);            ///< "Edit Parameter File"
 FormAnswer Form111_History(const FormRequest& request, QWidget* parent);   ///< "History of Data"
 FormAnswer Picture3(const FormRequest& request, QWidget* parent);          ///< distance of two cursors
+FormAnswer ToggleList(const FormRequest& request, QWidget* parent);        ///< peak list, integral list
 FormAnswer Operator_Form22(const FormRequest& request, QWidget* parent);   ///< "Add/Delete Operator Name"
 
 } // namespace nmr
