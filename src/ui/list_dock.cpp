@@ -14,6 +14,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMainWindow>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTableView>
@@ -36,7 +37,8 @@ const KindRow& RowOf(ListDock::Kind kind)
     return kKinds[static_cast<std::size_t>(kind)];
 }
 
-constexpr int kPreferredWidth = 430;
+constexpr int kBeside = 40;           // of the dock around its table
+constexpr double kMostOfWindow = 0.5; // that a dock takes by itself
 
 } // namespace
 
@@ -123,7 +125,7 @@ ListDock::ListDock(Kind kind, Session& session, Tools& tools, PlotWidget& plot, 
     view_->verticalHeader()->hide();
     view_->verticalHeader()->setDefaultSectionSize(view_->fontMetrics().height() + 6);
     view_->horizontalHeader()->setHighlightSections(false);
-    view_->horizontalHeader()->setStretchLastSection(true);
+    view_->horizontalHeader()->setMinimumSectionSize(36);
     view_->installEventFilter(this);
     empty_->setAlignment(Qt::AlignCenter);
     empty_->setForegroundRole(QPalette::PlaceholderText);
@@ -198,8 +200,21 @@ void ListDock::Refresh()
 void ListDock::Toggle()
 {
     setVisible(isHidden());
-    if (!isHidden()) raise();
+    if (!isHidden()) {
+        raise();
+        FitWidth();
+    }
     if (session_.display_changed) session_.display_changed();
+}
+
+/// All columns in sight, where the window has the room.
+void ListDock::FitWidth()
+{
+    auto* main_window = qobject_cast<QMainWindow*>(parentWidget());
+    if (main_window == nullptr || isFloating()) return;
+    const int wanted = std::max(view_->horizontalHeader()->length() + kBeside, sizeHint().width());
+    const int most = static_cast<int>(main_window->width() * kMostOfWindow);
+    main_window->resizeDocks({this}, {std::min(wanted, most)}, Qt::Horizontal);
 }
 
 void ListDock::showEvent(QShowEvent* event)

@@ -160,7 +160,7 @@ TEST(IntegralTool, EachEditByTheMouseIsOneStep)
         for (const IntegralEntry& e : rig.set().Integrals)
             all.push_back(static_cast<double>(e.Value) +
                           1000 * (&e == &rig.set().Integrals[0]) * rig.set().IntegralRef +
-                          static_cast<double>(rig.set().IntegralScale) * 1e-3 + e.StartPoint);
+                          static_cast<double>(rig.set().IntegralScale) * 1e-3 + e.StartPoint + 7 * e.EndPoint);
         return all;
     };
     Walk(rig,
