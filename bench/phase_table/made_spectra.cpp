@@ -6,10 +6,12 @@
 #include <complex>
 #include <numbers>
 #include <random>
+#include <span>
 
 namespace nmr::bench {
 namespace {
 
+/// What a kind draws its spectra from.
 struct Kind {
     const char *name, *nucleus;
     int fewest, most;         ///< multiplets
@@ -19,22 +21,37 @@ struct Kind {
     double phase1;            ///< largest first order, degrees
     double roll;              ///< of the base line, over the highest line
     double solvent;           ///< a line that many times the highest; 0: none
-    bool both_signs;
+    double negative;          ///< share of lines that point down
+    bool told;                ///< by the pulse program
+    double solvent_turn = 0;  ///< largest phase of the solvent's own, degrees, as suppression leaves it
+    double hump = 0;          ///< of the probe, over the highest line: far broader than any line, of any phase
 };
 
 constexpr std::array kKinds{
-    Kind{"1H small molecule", "1H", 4, 14, 2, 6, 3, 5e-4, 120, 0, 0, false},
-    Kind{"1H crowded", "1H", 40, 120, 2, 10, 3, 1e-3, 120, 0.002, 0, false},
-    Kind{"1H broad", "1H", 4, 12, 60, 500, 1, 2e-3, 60, 0.002, 0, false},
-    Kind{"1H solvent", "1H", 6, 30, 2, 8, 3, 2e-5, 120, 0, 30, false},
-    Kind{"1H large first order", "1H", 8, 30, 2, 8, 3, 1e-3, 900, 0.002, 0, false},
-    Kind{"1H rolling base line", "1H", 6, 30, 2, 8, 3, 1e-3, 120, 0.02, 0, false},
-    Kind{"1H low signal to noise", "1H", 3, 8, 3, 10, 2, 0.03, 90, 0, 0, false},
-    Kind{"13C", "13C", 5, 30, 2, 6, 0, 5e-3, 180, 0.001, 0, false},
-    Kind{"13C low signal to noise", "13C", 4, 15, 2, 6, 0, 0.05, 120, 0, 0, false},
-    Kind{"19F wide", "19F", 1, 5, 4, 20, 2, 3e-3, 700, 0.005, 0, false},
-    Kind{"DEPT", "13C", 4, 16, 2, 6, 0, 5e-3, 180, 0.001, 0, true},
-    Kind{"APT", "13C", 8, 25, 2, 6, 0, 0.01, 180, 0.001, 0, true},
+    Kind{"1H small molecule", "1H", 4, 14, 2, 6, 3, 5e-4, 120, 0, 0, 0, false},
+    Kind{"1H few lines", "1H", 1, 3, 2, 8, 2, 1e-3, 120, 0.001, 0, 0, false},
+    Kind{"1H crowded", "1H", 40, 120, 2, 10, 3, 1e-3, 120, 0.002, 0, 0, false},
+    Kind{"1H broad", "1H", 4, 12, 60, 500, 1, 2e-3, 60, 0.002, 0, 0, false},
+    Kind{"1H broad and sharp", "1H", 5, 20, 3, 600, 2, 1e-3, 120, 0.002, 0, 0, false},
+    Kind{"1H solvent", "1H", 6, 30, 2, 8, 3, 2e-5, 120, 0, 30, 0, false},
+    Kind{"1H solvent suppressed", "1H", 8, 40, 2, 8, 3, 1e-3, 120, 0.003, 1, 0, false, 90},
+    Kind{"1H large first order", "1H", 8, 30, 2, 8, 3, 1e-3, 900, 0.002, 0, 0, false},
+    Kind{"1H rolling base line", "1H", 6, 30, 2, 8, 3, 1e-3, 120, 0.02, 0, 0, false},
+    Kind{"1H strongly rolling base line", "1H", 6, 30, 2, 8, 3, 1e-3, 90, 0.08, 0, 0, false},
+    Kind{"1H low signal to noise", "1H", 3, 8, 3, 10, 2, 0.03, 90, 0, 0, 0, false},
+    Kind{"1H some negative", "1H", 8, 25, 2, 8, 2, 2e-3, 90, 0.001, 0, 0.3, false},
+    Kind{"13C", "13C", 5, 30, 2, 6, 0, 5e-3, 180, 0.001, 0, 0, false},
+    Kind{"13C low signal to noise", "13C", 4, 15, 2, 6, 0, 0.05, 120, 0, 0, 0, false},
+    Kind{"13C large first order", "13C", 8, 30, 2, 6, 0, 0.01, 900, 0.001, 0, 0, false},
+    Kind{"13C solvent", "13C", 8, 30, 2, 6, 0, 1e-3, 180, 0.001, 8, 0, false},
+    Kind{"19F wide", "19F", 1, 5, 4, 20, 2, 3e-3, 700, 0.005, 0, 0, false},
+    Kind{"19F on a hump", "19F", 2, 6, 4, 20, 2, 3e-3, 300, 0.005, 0, 0, false, 0, 0.3},
+    Kind{"31P", "31P", 1, 4, 5, 40, 1, 0.01, 180, 0.003, 0, 0, false},
+    Kind{"DEPT", "13C", 4, 16, 2, 6, 0, 5e-3, 180, 0.001, 0, 0.4, true},
+    Kind{"DEPT low signal to noise", "13C", 4, 12, 2, 6, 0, 0.03, 120, 0, 0, 0.4, true},
+    Kind{"DEPT not told", "13C", 4, 16, 2, 6, 0, 5e-3, 120, 0.001, 0, 0.4, false},
+    Kind{"APT", "13C", 8, 25, 2, 6, 0, 0.01, 180, 0.001, 0, 0.4, true},
+    Kind{"APT solvent", "13C", 6, 25, 2, 6, 0, 3e-3, 180, 0.002, 4, 0.4, true},
 };
 
 using Complex = std::complex<double>;
@@ -45,13 +62,39 @@ struct Maker {
     double Normal() { return std::normal_distribution<double>(0.0, 1.0)(engine); }
 };
 
-void AddLine(std::vector<Complex>& row, double at, double height, double half_width)
+/// What the lines of one spectrum have in common beside their phase.
+struct Shape {
+    bool cut = false;             ///< the FID ends early and is filled with zeros: ringing feet
+    std::array<double, 3> shim{}; ///< places of parts of each line, half widths, as a bad shim leaves them
+};
+
+Shape AnyShape(Maker& m)
 {
-    for (std::size_t i = 0; i < row.size(); ++i)
-        row[i] += height / Complex(1.0, (static_cast<double>(i) - at) / half_width);
+    Shape shape;
+    const double kind = m.Any(0, 1);
+    shape.cut = kind > 0.8;
+    if (kind < 0.3)
+        for (double& place : shape.shim) place = m.Any(-0.5, 2.5);
+    return shape;
 }
 
-void AddMultiplet(std::vector<Complex>& row, Maker& m, const Kind& kind, double at, double height)
+void AddLine(std::vector<Complex>& row, const Shape& shape, double at, double height, double half_width)
+{
+    constexpr double kPart = std::numbers::pi / 2.0; // a quarter of the row's time was recorded
+    const bool whole = shape.shim[0] == 0.0;         // all parts at one place
+    const double parts = whole ? 1.0 : 3.0;
+    for (const double place : std::span(shape.shim).first(whole ? 1 : 3)) {
+        const double center = at + place * half_width;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            const double off = static_cast<double>(i) - center;
+            Complex line = height / parts / Complex(1.0, off / half_width);
+            if (shape.cut) line *= 1.0 - std::polar(std::exp(-half_width * kPart), -off * kPart);
+            row[i] += line;
+        }
+    }
+}
+
+void AddMultiplet(std::vector<Complex>& row, Maker& m, const Kind& kind, const Shape& shape, double at, double height)
 {
     const double half_width = kind.narrowest * std::pow(kind.widest / kind.narrowest, m.Any(0, 1));
     std::vector<double> places{at};
@@ -65,7 +108,15 @@ void AddMultiplet(std::vector<Complex>& row, Maker& m, const Kind& kind, double 
         }
         places = split;
     }
-    for (const double p : places) AddLine(row, p, height / std::sqrt(static_cast<double>(places.size())), half_width);
+    for (const double p : places)
+        AddLine(row, shape, p, height / std::sqrt(static_cast<double>(places.size())), half_width);
+}
+
+double Top(const std::vector<Complex>& row)
+{
+    double top = 0;
+    for (const Complex& z : row) top = std::max(top, std::abs(z));
+    return top;
 }
 
 } // namespace
@@ -81,16 +132,23 @@ MadeSpectrum MakeSpectrum(int kind_number, unsigned seed, int points)
     Maker m{std::mt19937(seed * 1009 + static_cast<unsigned>(kind_number))};
     const double n = points;
     std::vector<Complex> row(static_cast<std::size_t>(points));
+    const Shape shape = AnyShape(m);
     const int count = static_cast<int>(m.Any(kind.fewest, kind.most + 0.999));
     for (int k = 0; k < count; ++k) {
-        const double height = std::pow(10.0, m.Any(-1.2, 0)) * (kind.both_signs && m.Any(0, 1) < 0.4 ? -1 : 1);
-        AddMultiplet(row, m, kind, n * m.Any(0.12, 0.88), height);
+        const double height = std::pow(10.0, m.Any(-1.2, 0)) * (m.Any(0, 1) < kind.negative ? -1 : 1);
+        AddMultiplet(row, m, kind, shape, n * m.Any(0.12, 0.88), height);
     }
-    double top = 0;
-    for (const Complex& z : row) top = std::max(top, std::abs(z));
-    if (kind.solvent > 0) AddLine(row, n * m.Any(0.3, 0.7), kind.solvent * top, m.Any(3, 12));
-    MadeSpectrum made{kind.name,       {},          {}, m.Any(-180, 180), m.Any(-kind.phase1, kind.phase1),
-                      kind.both_signs, kind.nucleus};
+    const double top = Top(row);
+    const auto add_apart = [&](double at, double height, double half_width, double turn_deg) {
+        std::vector<Complex> apart(row.size());
+        AddLine(apart, shape, at, height, half_width);
+        const Complex turn = std::polar(1.0, turn_deg * std::numbers::pi / 180);
+        for (std::size_t i = 0; i < row.size(); ++i) row[i] += turn * apart[i];
+    };
+    if (kind.solvent > 0)
+        add_apart(n * m.Any(0.3, 0.7), kind.solvent * top, m.Any(3, 12), m.Any(-1, 1) * kind.solvent_turn);
+    if (kind.hump > 0) add_apart(n * m.Any(0.2, 0.8), kind.hump * top * m.Any(0.2, 1), n / 12, m.Any(-180, 180));
+    MadeSpectrum made{kind.name, {}, {}, m.Any(-180, 180), m.Any(-kind.phase1, kind.phase1), kind.told, kind.nucleus};
     std::array<Complex, 4> roll{};
     for (Complex& c : roll) c = std::polar(kind.roll * top * m.Any(0, 1), m.Any(-3.14, 3.14));
     const double noise = kind.noise * top * m.Any(0.3, 1.0);

@@ -1,6 +1,8 @@
 #include "analysis/robust_phase.h"
 
+#include "analysis/line_phases.h"
 #include "analysis/phase.h"
+#include "analysis/slow_part.h"
 #include "core/text.h"
 
 #include <algorithm>
@@ -23,7 +25,8 @@ constexpr double kLargestPhase1 = 1080.0; ///< off what is known
 constexpr double kPhase1Step = 20.0;
 constexpr double kFarPenalty = 0.1; ///< of the cost, for each turn of first order off what is known
 constexpr double kFeetShare = 0.5;
-constexpr double kAsGood = 1.01; ///< cost of what is known beforehand, over that of the best
+constexpr double kLineShare = 0.45;
+constexpr double kAsGood = 1.015; ///< cost of what is known beforehand, over that of the best
 constexpr double kNoTurn = 1.0;  ///< degrees that are not worth a change
 
 /// The points that carry lines, in runs of neighbours.
@@ -323,6 +326,65 @@ double FeetCost(const std::vector<Feet>& feet, const Phases& p)
     return cost;
 }
 
+/// The phase that one line asks for.
+struct LineTerm {
+    double position, weight, angle_deg;
+};
+
+std::vector<LinePhase> LinesOf(const Smoothed& row)
+{
+    constexpr std::size_t kMostLines = 96;
+    const double least = std::max(0.01 * static_cast<double>(row.top), 4.0 * row.noise);
+    return Find_Line_Phases({row.re, row.im, row.magnitude}, least, row.noise, kMostLines);
+}
+
+float MedianMagnitude(const Smoothed& row)
+{
+    std::vector<float> m = row.magnitude;
+    const auto middle = m.begin() + static_cast<std::ptrdiff_t>(m.size() / 2);
+    std::ranges::nth_element(m, middle);
+    return *middle;
+}
+
+/// Takes the slow part away where that leaves the row far quieter: then it was a base line, not feet of lines.
+void Flatten(Smoothed& row)
+{
+    constexpr float kQuieter = 0.4F;
+    Smoothed flat = row;
+    Subtract_Slow_Part(flat.re, flat.im, LinesOf(row));
+    Take(flat);
+    if (flat.top > 0.0F && MedianMagnitude(flat) < kQuieter * MedianMagnitude(row)) row = std::move(flat);
+}
+
+std::vector<LineTerm> LineTermsOf(const std::vector<LinePhase>& lines, double center, std::size_t n)
+{
+    std::vector<LineTerm> terms;
+    double total = 0;
+    for (const LinePhase& l : lines) {
+        const double doubt = 0.0025 + l.misfit * l.misfit + 0.1 * l.overlap * l.overlap;
+        const double weight = std::sqrt(l.height) / doubt;
+        terms.push_back({(l.point - center) / static_cast<double>(n), weight, l.angle_deg});
+        total += weight;
+    }
+    for (LineTerm& t : terms) t.weight /= total;
+    return terms;
+}
+
+/// 0 where the line is in phase, 1 where it is far out: how far hardly matters, so that few bad ones decide nothing.
+double LineTermCost(double off_deg, bool same)
+{
+    constexpr double kWidth = 22.0;
+    const double off = std::remainder(off_deg, same ? 360.0 : 180.0) / kWidth;
+    return off * off / (1.0 + off * off);
+}
+
+double LineCost(const std::vector<LineTerm>& terms, const Phases& p, bool same)
+{
+    double cost = 0;
+    for (const LineTerm& t : terms) cost += t.weight * LineTermCost(t.angle_deg + p.p0 + p.p1 * t.position, same);
+    return cost;
+}
+
 /// What a block of neighbouring runs adds to AbsoluteCost at each angle, as if all its points turned alike.
 struct Block {
     double position = 0;
@@ -443,15 +505,32 @@ struct Judged {
     Signal signal;
     std::vector<Block> blocks;
     std::vector<Feet> feet;
+    std::vector<LineTerm> lines;
     double known_p1 = 0;
 
     double Cost(const Phases& p, LineSigns signs) const
     {
         const double far = std::abs(p.p1 - known_p1) / 360.0;
         return AbsoluteCost(signal, p, signs == LineSigns::same) * (1.0 + kFarPenalty * far) +
-               kFeetShare * FeetCost(feet, p);
+               kFeetShare * FeetCost(feet, p) + kLineShare * LineCost(lines, p, signs == LineSigns::same);
     }
 };
+
+/// The lines' phases take part in the search as further blocks.
+void AddLineBlocks(Judged& j)
+{
+    for (const LineTerm& t : j.lines) {
+        Block block;
+        block.position = t.position;
+        const double share = kLineShare * t.weight * j.signal.size;
+        for (std::size_t k = 0; k < kAngles; ++k) {
+            const double off = t.angle_deg + static_cast<double>(k) * kAngleStep;
+            block.one_sign[k] = static_cast<float>(share * LineTermCost(off, true));
+            block.both_signs[k] = static_cast<float>(share * LineTermCost(off, false));
+        }
+        j.blocks.push_back(block);
+    }
+}
 
 /// Search and refinement for one opinion on the signs.
 Rated Propose(const Judged& j, LineSigns signs)
@@ -539,10 +618,13 @@ RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> 
     if (!(row.top > 0.0F) || !std::isfinite(row.top)) return result;
     result.pivot = static_cast<std::int32_t>(std::ranges::max_element(row.magnitude) - row.magnitude.begin());
     const auto factor = static_cast<double>(Thin(row));
-    Judged j{SignalOf(row), {}, {}, hint.phase1_deg};
+    Flatten(row);
+    Judged j{SignalOf(row), {}, {}, {}, hint.phase1_deg};
     if (j.signal.runs.empty() || !(j.signal.size > 0.0) || !std::isfinite(j.signal.size)) return result;
     j.blocks = Blocks(j.signal);
     j.feet = FeetOf(row, j.signal.center);
+    j.lines = LineTermsOf(LinesOf(row), j.signal.center, row.re.size());
+    AddLineBlocks(j);
     // The middle of the signal as a point of the whole row.
     const double center = (j.signal.center + 0.5) * factor - 0.5, points = static_cast<double>(n);
     Choice choice = Choose(j, hint.signs);

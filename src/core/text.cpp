@@ -109,6 +109,18 @@ private:
     iconv_t handle_;
 };
 
+/// To UTF-8; each byte that can't be converted becomes U+FFFD.
+std::string ConvertAll(Converter& converter, std::string_view bytes)
+{
+    std::string out;
+    for (;;) {
+        converter.Advance(bytes, out);
+        if (bytes.empty()) return out;
+        out += kReplacement;
+        bytes.remove_prefix(1);
+    }
+}
+
 bool IsCp932Lead(unsigned char c)
 {
     return (c >= 0x81 && c <= 0x9F) || (c >= 0xE0 && c <= 0xFC);
@@ -186,15 +198,14 @@ std::string FromCp932(std::string_view bytes)
 {
     if (IsAscii(bytes)) return std::string(bytes);
     Converter converter("UTF-8", "CP932");
-    if (!converter.valid()) return FromCp932Plain(bytes);
-    std::string out;
-    while (!bytes.empty()) {
-        converter.Advance(bytes, out);
-        if (bytes.empty()) break;
-        out += kReplacement;
-        bytes.remove_prefix(1);
-    }
-    return out;
+    return converter.valid() ? ConvertAll(converter, bytes) : FromCp932Plain(bytes);
+}
+
+std::string FromCodePage(std::string_view bytes, const char* page)
+{
+    if (IsAscii(bytes)) return std::string(bytes);
+    Converter converter("UTF-8", page);
+    return converter.valid() ? ConvertAll(converter, bytes) : FromUnknownCodePage(bytes);
 }
 
 std::string ToCp932(std::string_view utf8)

@@ -19,6 +19,9 @@ std::vector<std::string> Split(std::string_view text, char separator);
 std::string FromCp932(std::string_view bytes);
 /// UTF-8 to CP932; characters that CP932 lacks become "?".
 std::string ToCp932(std::string_view utf8);
+/// Bytes of a code page that contains ASCII, by its name ("CP1251"), to UTF-8; what can't be converted
+/// becomes U+FFFD, and without such a page the bytes are read as FromUnknownCodePage does.
+std::string FromCodePage(std::string_view bytes, const char* page);
 /// Text of a vendor file in an unknown code page: valid UTF-8 is kept, anything else is read as
 /// Latin-1 (0xB5 is a micro sign), so that every byte string gives valid UTF-8.
 std::string FromUnknownCodePage(std::string_view bytes);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <new>
 #include <span>
 #include <type_traits>
@@ -31,7 +32,7 @@ public:
         if (this == &other) return *this;
         if (other.size_ > capacity_) Replace(other.size_);
         size_ = other.size_;
-        for (std::size_t i = 0; i < size_; ++i) data_[i] = other.data_[i];
+        if (size_ > 0) std::memcpy(data_, other.data_, size_ * sizeof(T));
         return *this;
     }
     ZeroedBlock& operator=(ZeroedBlock&& other) noexcept

@@ -125,7 +125,9 @@ private:
         const bool color = letter == 'c' || letter == 'h';
         if (!face && !color && letter != 'p') return false;
         const std::size_t begin = face ? value + 1 : value;
-        const auto inside = [&](char c) { return face ? c != '(' : color ? IsHex(c) : IsDigit(c) || c == '.'; };
+        const auto inside = [&](char c) {
+            return face ? c != '(' && c != '\\' : color ? IsHex(c) : IsDigit(c) || c == '.';
+        };
         std::size_t end = begin;
         while (end < text_.size() && inside(text_[end])) ++end;
         if (end == begin || !Has(end, '(')) return false;

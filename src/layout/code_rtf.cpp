@@ -2,6 +2,7 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
+#include "layout/code_pages.h"
 #include "layout/code_state.h"
 #include "layout/code_tokens.h"
 
@@ -10,7 +11,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <map>
 #include <optional>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -18,7 +21,6 @@ namespace nmr {
 namespace {
 
 constexpr std::string_view kRichStart = "{\\rtf";
-constexpr std::int16_t kShiftJis = 128;
 constexpr double kRise = 0.6; // of a script, in sizes of the base font
 
 // --- Into rich text
@@ -26,25 +28,35 @@ constexpr double kRise = 0.6; // of a script, in sizes of the base font
 struct TableFont {
     std::string name;
     std::int16_t charset;
-    bool operator==(const TableFont&) const = default;
+    auto operator<=>(const TableFont&) const = default;
 };
 
+/// Entries in the order of their first use.
 template <class T>
-std::size_t IndexIn(std::vector<T>& table, const T& entry)
-{
-    const auto found = std::ranges::find(table, entry);
-    const auto index = static_cast<std::size_t>(found - table.begin());
-    if (found == table.end()) table.push_back(entry);
-    return index;
-}
+class IndexTable {
+public:
+    std::size_t IndexOf(const T& entry)
+    {
+        const auto [place, added] = places_.try_emplace(entry, entries_.size());
+        if (added) entries_.push_back(entry);
+        return place->second;
+    }
+    const T& operator[](std::size_t index) const { return entries_[index]; }
+    const std::vector<T>& entries() const { return entries_; }
+
+private:
+    std::vector<T> entries_;
+    std::map<T, std::size_t> places_;
+};
 
 class RtfWriter {
 public:
     RtfWriter(const FontSpec& font, double size, const CodeTextStyle& style) :
-        font_(font),
-        size_(size), fonts_{{font.Name, font.Charset}, {style.GreekFontName, kSymbolCharset}}, colors_{font.Color},
-        state_(font, style)
+        font_(font), size_(size), greek_{style.GreekFontName, kSymbolCharset}, state_(font, style)
     {
+        fonts_.IndexOf({font.Name, font.Charset});
+        greek_index_ = fonts_.IndexOf(greek_);
+        colors_.IndexOf(font.Color);
     }
 
     std::string Run(std::string_view code)
@@ -69,19 +81,18 @@ private:
     static int Twice(double size) { return static_cast<int>(2 * size); }
     int Rise() const { return static_cast<int>(static_cast<double>(font_.Size) * kRise); }
 
-    /// The same face in the character set of Japanese, for letters that the code page lacks.
-    void BeginForeign()
+    /// The same face in another character set, for letters that the code page lacks.
+    void BeginForeign(std::int16_t charset)
     {
-        if (foreign_) return;
-        foreign_ = true;
-        const bool symbol = fonts_[current_font_].charset == kSymbolCharset;
-        const std::string ordinary = symbol ? font_.Name : fonts_[current_font_].name;
-        Word("f", static_cast<int>(IndexIn(fonts_, {ordinary, kShiftJis})));
+        if (foreign_ == charset) return;
+        foreign_ = charset;
+        const TableFont& face = fonts_[current_font_];
+        Word("f", static_cast<int>(fonts_.IndexOf({face.charset == kSymbolCharset ? font_.Name : face.name, charset})));
     }
     void EndForeign()
     {
-        if (foreign_) Word("f", static_cast<int>(current_font_));
-        foreign_ = false;
+        if (foreign_ != 0) Word("f", static_cast<int>(current_font_));
+        foreign_ = 0;
     }
 
     void Letter(const CodeToken& token)
@@ -97,14 +108,13 @@ private:
             const char c = static_cast<char>(token.character);
             if (c == '{' || c == '}' || c == '\\') body_ += '\\';
             body_ += c;
-        } else if (const auto byte = ToCp1252(token.character); byte && fonts_[current_font_].charset != kShiftJis) {
+        } else if (const auto byte = ToCp1252(token.character); byte && !PageOfCharset(fonts_[current_font_].charset)) {
             EndForeign();
             body_ += fmt::format("\\'{:02x}", *byte);
         } else {
-            BeginForeign();
-            std::string utf8;
-            AppendUtf8(utf8, token.character);
-            bytes(ToCp932(utf8));
+            const ForeignLetter letter = ToForeign(token.character);
+            BeginForeign(letter.charset);
+            bytes(letter.bytes);
         }
     }
 
@@ -138,33 +148,33 @@ private:
         if (token.Is("+1") || token.Is("-1"))
             Word(token.Is("+1") ? "up" : "dn", Rise());
         else if (token.Is("g1"))
-            SetFace(1);
+            SetFace(greek_index_);
         else if (token.Is("g0") || token.Is("f0"))
             SetFace(0);
         else if (token.Is("f:"))
-            SetFace(IndexIn(fonts_, {std::string(token.value), CharsetOf(token.value)}));
+            SetFace(fonts_.IndexOf({state_.font().Name, CharsetOf(token.value)}));
         else if (token.Is("p0"))
             Word("fs", Twice(size_));
         else if (token.Is("c0"))
             Word("cf", 1);
         else if (token.Is("c:"))
-            Word("cf", static_cast<int>(IndexIn(colors_, CodeColor(token.value))) + 1);
+            Word("cf", static_cast<int>(colors_.IndexOf(CodeColor(token.value))) + 1);
         else if (token.Is("p:"))
             if (const auto size = CodeSize(token.value)) Word("fs", Twice(*size));
     }
 
     std::int16_t CharsetOf(std::string_view face) const
     {
-        return face == "Symbol" || face == fonts_[1].name ? kSymbolCharset : font_.Charset;
+        return face == "Symbol" || face == greek_.name ? kSymbolCharset : font_.Charset;
     }
 
     std::string Document() const
     {
         std::string out = "{\\rtf1{\\fonttbl";
-        for (std::size_t i = 0; i < fonts_.size(); ++i)
+        for (std::size_t i = 0; i < fonts_.entries().size(); ++i)
             out += fmt::format("{{\\f{}\\fnil\\fcharset{} {};}}", i, fonts_[i].charset, fonts_[i].name);
         out += "}{\\colortbl ";
-        for (const std::int32_t color : colors_)
+        for (const std::int32_t color : colors_.entries())
             out += fmt::format(";\\red{}\\green{}\\blue{}", color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF);
         // The number behind \uc is what readers of these texts know, so letters never come as \u.
         out += fmt::format(";}}\\viewkind\\uc14\\pard\\cf1\\f0\\fs{} ", Twice(size_));
@@ -173,11 +183,12 @@ private:
 
     const FontSpec& font_;
     double size_;
-    std::vector<TableFont> fonts_;
-    std::vector<std::int32_t> colors_;
+    TableFont greek_;
+    IndexTable<TableFont> fonts_;
+    IndexTable<std::int32_t> colors_;
     CodeState state_;
-    std::size_t current_font_ = 0;
-    bool foreign_ = false;
+    std::size_t current_font_ = 0, greek_index_ = 0;
+    std::int16_t foreign_ = 0; ///< character set of the letters under way, when it isn't the font's
     std::string body_;
 };
 
@@ -255,10 +266,11 @@ private:
     std::size_t at_ = 0;
 };
 
+constexpr int kNoCharset = -1; ///< the document's code page
+
 struct RtfFont {
-    int index = 0;
     std::string name;
-    int charset = 0;
+    int charset = kNoCharset;
 };
 
 /// Letters and control words of the body; tables and what is no text are dealt with here.
@@ -276,7 +288,8 @@ public:
 
 protected:
     /// Bytes of the current font, in the order of the text.
-    virtual void Bytes(std::string_view bytes, int charset) = 0;
+    /// @param page code page, nullptr: the bytes stand for themselves
+    virtual void Bytes(std::string_view bytes, const char* page, bool symbol) = 0;
     virtual void Unicode(char32_t character) = 0;
     virtual void Word(const RtfToken& token) = 0;
     virtual void GroupBegins() {}
@@ -284,10 +297,10 @@ protected:
 
     const RtfFont* FontOf(int index) const
     {
-        const auto found = std::ranges::find(fonts_, index, &RtfFont::index);
-        return found == fonts_.end() ? nullptr : &*found;
+        const auto found = fonts_.find(index);
+        return found == fonts_.end() ? nullptr : &found->second;
     }
-    std::vector<RtfFont> fonts_;
+    std::unordered_map<int, RtfFont> fonts_;
     std::vector<std::int32_t> colors_;
     int current_font_ = 0;
 
@@ -376,29 +389,31 @@ private:
 
     void ReadFonts()
     {
-        constexpr std::size_t kMostFonts = 10000;
         RtfFont font;
-        int depth = 1;
+        int depth = 1, index = 0;
         while (depth > 0) {
             const RtfToken token = reader_.Next();
             if (token.kind == Kind::end) return;
             depth += token.kind == Kind::open ? 1 : token.kind == Kind::close ? -1 : 0;
-            if (token.kind == Kind::word && token.word == "f") font = {token.value.value_or(0), {}, 0};
-            if (token.kind == Kind::word && token.word == "fcharset") font.charset = token.value.value_or(0);
-            if (token.kind == Kind::byte || (token.kind == Kind::text && token.character != ';'))
-                font.name += token.character;
-            if (token.kind == Kind::text && token.character == ';' && fonts_.size() < kMostFonts) {
-                font.name = FaceName(font);
-                if (font.name == "Symbol") font.charset = kSymbolCharset;
-                fonts_.push_back(std::exchange(font, {}));
+            if (token.kind == Kind::word && token.word == "f") {
+                font = {};
+                index = token.value.value_or(0);
             }
+            if (token.kind == Kind::word && token.word == "fcharset") font.charset = token.value.value_or(0);
+            const bool letter = token.kind == Kind::byte || (token.kind == Kind::text && token.character != ';');
+            if (letter && font.name.size() < kLongestFace) font.name += token.character;
+            if (token.kind != Kind::text || token.character != ';') continue;
+            font.name = FaceName(font);
+            if (font.name == "Symbol") font.charset = kSymbolCharset;
+            fonts_.try_emplace(index, std::exchange(font, {}));
         }
     }
 
     /// As it may stand between the colons of a code.
     static std::string FaceName(const RtfFont& font)
     {
-        std::string name = font.charset == kShiftJis ? FromCp932(font.name) : FromUnknownCodePage(font.name);
+        const char* page = PageOfCharset(font.charset);
+        std::string name = page != nullptr ? FromCodePage(font.name, page) : FromUnknownCodePage(font.name);
         std::erase_if(name, [](char c) { return c == ':' || c == '\\' || (c >= 0 && c < ' '); });
         return std::string(Trim(name));
     }
@@ -420,6 +435,7 @@ private:
     void TakeWord(const RtfToken& token)
     {
         if (token.word == "f") current_font_ = token.value.value_or(0);
+        if (token.word == "ansicpg") page_ = PageOfNumber(token.value.value_or(0));
         if (token.word == "uc") fallback_ = std::clamp(token.value.value_or(1), 0, 8);
         if (token.word == "bin") reader_.Skip(static_cast<std::size_t>(std::max(token.value.value_or(0), 0)));
         if (token.word == "u" && token.value) {
@@ -448,11 +464,14 @@ private:
     {
         if (pending_.empty()) return;
         const RtfFont* font = FontOf(current_font_);
-        Bytes(pending_, font == nullptr ? 0 : font->charset);
+        const int charset = font == nullptr ? kNoCharset : font->charset;
+        Bytes(pending_, charset == kNoCharset ? page_ : PageOfCharset(charset), charset == kSymbolCharset);
         pending_.clear();
     }
 
-    static constexpr std::size_t kDeepest = 1000; ///< of groups whose formats are kept
+    static constexpr std::size_t kDeepest = 1000;   ///< of groups whose formats are kept
+    static constexpr std::size_t kLongestFace = 64; ///< bytes; the names of faces have half of them
+    const char* page_ = nullptr;                    ///< of fonts that name no character set
     RtfReader reader_;
     std::string pending_;
     std::size_t deeper_ = 0;
@@ -460,18 +479,18 @@ private:
     int fallback_ = 1, skip_bytes_ = 0;
 };
 
-/// Calls `take` with each letter that bytes of a character set stand for, and the byte where it is one.
+/// Calls `take` with each letter that bytes of a code page stand for, and the byte where it is one.
 template <class Take>
-void EachLetter(std::string_view bytes, int charset, Take take)
+void EachLetter(std::string_view bytes, const char* page, bool symbol, Take take)
 {
-    if (charset == kShiftJis) {
-        const std::string utf8 = FromCp932(bytes);
+    if (page != nullptr) {
+        const std::string utf8 = FromCodePage(bytes, page);
         for (std::size_t at = 0; at < utf8.size();) take(TakeUtf8(utf8, at), std::optional<unsigned char>());
         return;
     }
     for (const char c : bytes) {
         const auto byte = static_cast<unsigned char>(c);
-        take(byte < 128 || charset == kSymbolCharset ? char32_t{byte} : FromCp1252(byte), std::optional(byte));
+        take(byte < 128 || symbol ? char32_t{byte} : FromCp1252(byte), std::optional(byte));
     }
 }
 
@@ -496,9 +515,9 @@ private:
     static constexpr std::array kFormats{&Format::italic, &Format::bold, &Format::under, &Format::strike,
                                          &Format::face,   &Format::size, &Format::color, &Format::script};
 
-    void Bytes(std::string_view bytes, int charset) override
+    void Bytes(std::string_view bytes, const char* page, bool symbol) override
     {
-        EachLetter(bytes, charset, [&](char32_t letter, std::optional<unsigned char> byte) {
+        EachLetter(bytes, page, symbol, [&](char32_t letter, std::optional<unsigned char> byte) {
             if (letter == U'\\')
                 out_ += "\\\\";
             else if (byte && *byte >= 128)
@@ -616,10 +635,10 @@ public:
     }
 
 private:
-    void Bytes(std::string_view bytes, int charset) override
+    void Bytes(std::string_view bytes, const char* page, bool symbol) override
     {
-        EachLetter(bytes, charset, [&](char32_t letter, std::optional<unsigned char>) {
-            AppendUtf8(out_, charset == kSymbolCharset ? SymbolToUnicode(letter) : letter);
+        EachLetter(bytes, page, symbol, [&](char32_t letter, std::optional<unsigned char>) {
+            AppendUtf8(out_, symbol ? SymbolToUnicode(letter) : letter);
         });
     }
     void Unicode(char32_t character) override

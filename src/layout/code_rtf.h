@@ -9,7 +9,7 @@
 namespace nmr {
 
 /// Rich text of a text; "" for an empty one. Table entry 0 is the base font, 1 the Symbol face. Characters
-/// that the Windows code page 1252 lacks are written as Shift-JIS in a font of that character set.
+/// that the Windows code page 1252 lacks are written in a font of a character set that has them, Greek ... Japanese.
 /// @param size points of the base font
 std::string Code_To_Rtf(std::string_view text, const FontSpec& font, double size, const CodeTextStyle& style = {});
 

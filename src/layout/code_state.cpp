@@ -8,6 +8,16 @@ namespace nmr {
 namespace {
 
 constexpr std::int16_t kOn = -1;
+/// A longer name is no face's; kept whole it would be repeated at every change of the letters.
+constexpr std::size_t kLongestFace = 100;
+
+std::string FaceOf(std::string_view value)
+{
+    if (value.size() <= kLongestFace) return std::string(value);
+    std::size_t end = kLongestFace;
+    while (end > 0 && (static_cast<unsigned char>(value[end]) & 0xC0U) == 0x80U) --end; // not inside a letter
+    return std::string(value.substr(0, end));
+}
 
 struct Switch {
     char letter;
@@ -26,7 +36,7 @@ CodeState::CodeState(const FontSpec& base, const CodeTextStyle& style) :
 bool CodeState::ApplyValue(const CodeToken& token)
 {
     if (token.code == "f:") {
-        shape_.Name = token.value;
+        shape_.Name = FaceOf(token.value);
         shape_.Charset =
             token.value == style_->GreekFontName || token.value == "Symbol" ? kSymbolCharset : base_->Charset;
         return true;
@@ -73,18 +83,22 @@ FontSpec CodeState::font() const
 
 std::string CodeState::CodesFrom(const CodeState& other) const
 {
-    std::string codes;
+    std::string codes, symbol;
     if (shape_.Name != other.shape_.Name || shape_.Charset != other.shape_.Charset) {
-        if (shape_.Name == base_->Name && shape_.Charset == base_->Charset)
-            codes += other.shape_.Name == style_->GreekFontName ? "\\g0 " : "\\f0 ";
+        if (shape_.Name == style_->GreekFontName && greek())
+            symbol = "\\g1 ";
+        else if (shape_.Name == base_->Name && shape_.Charset == base_->Charset)
+            codes = other.shape_.Name == style_->GreekFontName ? "\\g0 " : "\\f0 ";
         else
-            codes += shape_.Name == style_->GreekFontName ? "\\g1 " : fmt::format("\\f:{}: ", shape_.Name);
+            codes = fmt::format("\\f:{}: ", shape_.Name);
     }
     if (shape_.Color != other.shape_.Color)
         codes += shape_.Color == base_->Color ? "\\c0 " : fmt::format("\\c:{:x}: ", shape_.Color);
-    for (const Switch& s : kSwitches)
+    for (const Switch& s : kSwitches) {
+        if (s.letter == 's') codes += symbol; // its place among the codes of a rest
         if ((shape_.*s.flag != 0) != (other.shape_.*s.flag != 0))
             codes += fmt::format("\\{}{} ", s.letter, shape_.*s.flag != 0 ? 1 : 0);
+    }
     if (script_ != other.script_)
         codes += script_ == Script::super         ? "\\+1 "
                  : script_ == Script::sub         ? "\\-1 "

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
+#include <vector>
 
 namespace nmr {
 namespace {
@@ -138,6 +140,49 @@ double Line_Height(std::string_view text, std::size_t position, const FontSpec& 
 
 namespace {
 
+/// Line_Height at any byte of a text. A wrapped text asks once a line, so the sizes are looked up once.
+class LineHeights {
+public:
+    explicit LineHeights(std::string_view code)
+    {
+        CodeReader reader(code);
+        for (CodeToken token = reader.Next(); token.kind != CodeKind::end && token.kind != CodeKind::close;
+             token = reader.Next()) {
+            if (token.Is("cr")) marks_.push_back({reader.position(), 0, true});
+            if (token.Is("p:")) marks_.push_back({reader.position(), CodeSize(token.value).value_or(0)});
+        }
+        double largest = 0; // from a size to the end of its line
+        for (auto mark = marks_.rbegin(); mark != marks_.rend(); ++mark) {
+            if (mark->line_end) largest = 0;
+            largest = mark->size = std::max(largest, mark->size);
+        }
+    }
+    /// The largest size asked for from a byte to the end of the line; 0 when none is.
+    double SizeFrom(std::size_t position) const
+    {
+        const auto mark = std::ranges::upper_bound(marks_, position, {}, &Mark::behind);
+        return mark == marks_.end() ? 0 : mark->size;
+    }
+
+private:
+    struct Mark {
+        std::size_t behind; ///< the code
+        double size = 0;
+        bool line_end = false;
+    };
+    std::vector<Mark> marks_;
+};
+
+/// Whether a text has a letter to draw.
+bool HasLetters(std::string_view code)
+{
+    CodeReader reader(code);
+    for (CodeToken token = reader.Next(); token.kind != CodeKind::end && token.kind != CodeKind::close;
+         token = reader.Next())
+        if (token.kind == CodeKind::character) return true;
+    return false;
+}
+
 /// One walk of Draw_CodeText.
 class Drawing {
 public:
@@ -209,8 +254,8 @@ private:
         AppendUtf8(one, letter);
         if (wraps_) {
             const double width = Measure_Run(device_, one, state_.font(), place_.scale, place_.weight).width;
-            const bool empty_line = run_.empty() && pen_x_ <= line_start_;
-            if (pen_x_ + run_width_ + width > limit_ && !empty_line) {
+            // The first letter of a line stays, however wide: else the text would never come to an end.
+            if (pen_x_ + run_width_ + width > limit_ && line_has_letters_) {
                 Flush();
                 widest_ = limit_;
                 if (place_.one_line) return false;
@@ -218,14 +263,17 @@ private:
             }
             run_width_ += width;
         }
+        line_has_letters_ = true;
         run_ += one;
         return true;
     }
 
     void NewLine(std::size_t position)
     {
-        pen_x_ = line_start_ = place_.left_margin;
-        line_bottom_ += Line_Height(code_, position, font_, place_.scale);
+        pen_x_ = place_.left_margin;
+        line_has_letters_ = false;
+        if (!heights_) heights_.emplace(code_);
+        line_bottom_ += HeightOf(std::max(SizeOf(font_), heights_->SizeFrom(position)));
         PlaceRun();
     }
 
@@ -258,8 +306,7 @@ private:
     {
         Finish();
         std::string rest = "\\< " + state_.CodesFrom(base_) + std::string(code_.substr(position));
-        if (Plain_From_Code(rest).empty()) return {};
-        return rest;
+        return HasLetters(rest) ? rest : std::string();
     }
 
     Canvas& device_;
@@ -268,11 +315,12 @@ private:
     CodeTextPlace& place_;
     const CodeTextStyle& style_;
     CodeReader reader_;
+    std::optional<LineHeights> heights_; ///< made when there is a second line
     CodeState base_, state_;
-    bool wraps_;
+    bool wraps_, line_has_letters_ = false;
     double limit_, sin_, cos_;
     double line_bottom_, run_bottom_ = 0, top_offset_ = 0;
-    double pen_x_ = 0, line_start_ = 0, widest_ = 0, run_width_ = 0;
+    double pen_x_ = 0, widest_ = 0, run_width_ = 0;
     std::string run_;
 };
 

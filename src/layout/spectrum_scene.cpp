@@ -27,6 +27,19 @@ double PenWidth(double setting)
     return std::clamp(setting, 1.0, 20.0);
 }
 
+/// Lines as they are on paper, where settings count in tenths of a mm.
+void ThinForPaper(SpectrumScene& scene, const Settings& settings)
+{
+    constexpr double kUnit = 0.1 * kUnitsPerMillimetre;
+    scene.axis.pen.width = PenWidth(settings.draw_width_axis) * kUnit;
+    scene.grid.pen.width = PenWidth(settings.grid_width) * kUnit;
+    scene.peaks.line.width = scene.peaks.top.width = PenWidth(settings.draw_width_peak) * kUnit;
+    scene.integrals.curve.width = PenWidth(settings.draw_width_integ) * kUnit;
+    for (SceneCurve& curve : scene.curves) curve.pen.width = PenWidth(settings.draw_width_spec) * kUnit;
+    scene.background = FromSetting(settings.col_bg_print);
+    if (settings.col_bg_print_trans != 0) scene.background.alpha = 0;
+}
+
 FontSpecD AxisFont(const Settings& settings)
 {
     const double size = settings.disp_axfont_size;
@@ -277,6 +290,7 @@ SpectrumScene MakeScene(const DataSet& set, const Settings& settings, const Scen
     scene.text = colors.text;
     scene.left_ppm = options.left_ppm;
     scene.right_ppm = options.right_ppm;
+    if (options.paper) ThinForPaper(scene, settings); // also where there is nothing but the ground
     if (!CanShow(set, options.row)) return scene;
     if (options.title) scene.title = TitleOf(set);
     SceneCurve curve = MakeCurve(set, options, std::move(pyramid));
@@ -293,6 +307,7 @@ SpectrumScene MakeScene(const DataSet& set, const Settings& settings, const Scen
     scene.regions = RegionsOf(set, settings, options.dark);
     if (options.marks) AddMarks(scene, set, settings, curve.row, options);
     scene.curves.push_back(std::move(curve));
+    if (options.paper) ThinForPaper(scene, settings);
     return scene;
 }
 
@@ -322,10 +337,12 @@ PlotFrame SceneFrame(Canvas& canvas, const RectD& rect, const SpectrumScene& sce
 
 void DrawSpectrumScene(Canvas& canvas, const RectD& rect, const SpectrumScene& scene)
 {
-    canvas.SetPen({scene.background, 0, PenStyle::none});
-    canvas.SetBrush(scene.background);
-    canvas.Rectangle(rect);
-    canvas.SetBrush({0, 0, 0, 0});
+    if (scene.background.alpha > 0) {
+        canvas.SetPen({scene.background, 0, PenStyle::none});
+        canvas.SetBrush(scene.background);
+        canvas.Rectangle(rect);
+        canvas.SetBrush({0, 0, 0, 0});
+    }
     const PlotFrame frame = SceneFrame(canvas, rect, scene);
     if (scene.show_grid && !scene.curves.empty()) DrawGrid(canvas, frame, scene.axis, scene.grid);
     canvas.BeginGroup("spectra");

@@ -39,12 +39,12 @@ struct Session {
     std::shared_ptr<Recorder> recorder{};
     /// After each read: what it mended or missed, one sentence each; mostly nothing.
     std::function<void(const std::vector<std::string>&)> notes_of_read{};
-    /// Puts a text on the clipboard, plain and as HTML (which may be empty).
-    std::function<void(const std::string& plain, const std::string& html)> copy_text{};
     /// A drag or a phase under way: only what is drawn has changed, and at once. Its end calls display_changed.
     std::function<void(ToolChange)> tool_moved{};
     /// The tools of the main form; a batch has none.
     Tools* tools = nullptr;
+    /// Puts a text on the clipboard, plain and as HTML (which may be empty).
+    std::function<void(const std::string& plain, const std::string& html)> copy_text{};
 };
 
 } // namespace nmr

@@ -35,6 +35,7 @@ std::span<const FormTableRow> FormTable()
         {kDistanceWindow, Picture3},
         {kPeakListWindow, ToggleList},
         {kIntegralListWindow, ToggleList},
+        {forms::kInstrumentForm, Instrument_Form},
     };
     return kRows;
 }

@@ -1,8 +1,9 @@
 #include "ui/canvas/qt_canvas.h"
 
+#include "layout/code_tokens.h"
+#include "ui/canvas/letter_face.h"
 #include "ui/canvas/stripes.h"
 
-#include <QFontMetricsF>
 #include <QPaintDevice>
 
 #include <algorithm>
@@ -11,12 +12,6 @@
 
 namespace nmr {
 namespace {
-
-Qt::PenStyle ToQt(PenStyle style)
-{
-    constexpr Qt::PenStyle kStyles[] = {Qt::NoPen, Qt::SolidLine, Qt::DashLine, Qt::DotLine, Qt::DashDotLine};
-    return kStyles[static_cast<std::size_t>(style)];
-}
 
 QRectF ToQt(const RectD& rect)
 {
@@ -31,17 +26,10 @@ QList<QPointF> ToQt(std::span<const PointD> points)
     return list;
 }
 
-QFont MakeFont(const FontSpecD& spec, const QPaintDevice& device)
-{
-    QFont font(ToQString(spec.family));
-    // Sizes in pixels are whole numbers only, those in points are not.
-    font.setPointSizeF(std::max(0.1, spec.size * 72 / device.logicalDpiY()));
-    font.setBold(spec.bold);
-    font.setItalic(spec.italic);
-    font.setUnderline(spec.underline);
-    font.setStrikeOut(spec.strikeout);
-    return font;
-}
+/// Letters are laid out so much larger and drawn through the painter's scale: a font has whole pixels only,
+/// and would round its letters' places to them.
+constexpr double kLargerFont = 10;
+constexpr int kMostPixels = 20000;
 
 /// A clear picture in memory that stays: fresh pages would cost more than the drawing.
 QImage ScratchImage(int width, int height)
@@ -66,6 +54,21 @@ QString ToQString(std::string_view utf8)
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
+QImage ToQImage(const Raster& raster)
+{
+    if (!raster.valid()) return {};
+    QImage image(raster.width, raster.height, QImage::Format_ARGB32);
+    std::size_t next = 0;
+    for (int y = 0; y < raster.height; ++y) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < raster.width; ++x, ++next) {
+            const Rgba& color = raster.pixels[next];
+            line[x] = qRgba(color.red, color.green, color.blue, color.alpha);
+        }
+    }
+    return image;
+}
+
 QtCanvas::QtCanvas(QPainter& painter, Target target, double vector_resolution) :
     painter_(painter), straight_(target == Target::raster && painter.deviceTransform().type() <= QTransform::TxScale &&
                                  painter.deviceTransform().m11() > 0 && painter.deviceTransform().m22() > 0),
@@ -73,6 +76,7 @@ QtCanvas::QtCanvas(QPainter& painter, Target target, double vector_resolution) :
 {
     painter_.setRenderHint(QPainter::Antialiasing);
     painter_.setRenderHint(QPainter::TextAntialiasing);
+    painter_.setRenderHint(QPainter::LosslessImageRendering);
     SetPen({});
     SetBrush({0, 0, 0, 0});
     SetFont({});
@@ -81,9 +85,15 @@ QtCanvas::QtCanvas(QPainter& painter, Target target, double vector_resolution) :
 void QtCanvas::SetPen(const Pen& pen)
 {
     pen_ = pen;
-    QPen qt_pen(ToQColor(pen.color), std::max(pen.width, 0.0), ToQt(pen.style), Qt::FlatCap, Qt::MiterJoin);
+    const double finest = straight_ || !(pen.width > 0) ? 1 / resolution_ : 0;
+    const double width = std::max(pen.width, finest);
+    const auto style = pen.style == PenStyle::none ? Qt::NoPen : Qt::SolidLine;
+    QPen qt_pen(ToQColor(pen.color), width, style, Qt::FlatCap, Qt::MiterJoin);
     qt_pen.setMiterLimit(2);
-    if (straight_ && pen.width * resolution_ < 1) qt_pen.setWidthF(1 / resolution_);
+    if (auto dashes = DashesOf(pen); !dashes.empty()) {
+        for (double& length : dashes) length /= width; // a QPen counts in pen widths
+        qt_pen.setDashPattern(QList<qreal>(dashes.begin(), dashes.end()));
+    }
     painter_.setPen(qt_pen);
 }
 
@@ -94,8 +104,10 @@ void QtCanvas::SetBrush(Rgba fill)
 
 void QtCanvas::SetFont(const FontSpecD& font)
 {
-    font_ = MakeFont(font, *painter_.device());
-    painter_.setFont(font_);
+    face_ = &FaceOf(font);
+    em_ = font.size;
+    underline_ = font.underline;
+    strikeout_ = font.strikeout;
 }
 
 void QtCanvas::Polyline(std::span<const PointD> points)
@@ -193,7 +205,7 @@ void QtCanvas::Stripes(double x, double stripe_width, std::span<const Stripe> st
 
 void QtCanvas::Rectangle(const RectD& rect)
 {
-    if (!straight_ || pen_.style == PenStyle::dash || pen_.style == PenStyle::dot || pen_.style == PenStyle::dash_dot) {
+    if (!straight_ || (pen_.style != PenStyle::solid && pen_.style != PenStyle::none)) {
         painter_.drawRect(ToQt(rect));
         return;
     }
@@ -211,26 +223,33 @@ void QtCanvas::Ellipse(const RectD& rect)
     painter_.drawEllipse(ToQt(rect));
 }
 
+void QtCanvas::Picture(const RectD& rect, const Raster& raster)
+{
+    if (raster.valid()) painter_.drawImage(ToQt(rect), ToQImage(raster));
+}
+
 void QtCanvas::Text(PointD at, std::string_view utf8, TextAlign align, double angle_deg)
 {
-    const QString text = ToQString(utf8);
-    const double width = align == TextAlign::left ? 0 : QFontMetricsF(font_, painter_.device()).horizontalAdvance(text);
+    if (utf8.empty() || !(em_ > 0)) return;
+    const double width = align == TextAlign::left ? 0 : Measure(utf8).width;
     const double shift = align == TextAlign::centre ? -width / 2 : align == TextAlign::right ? -width : 0;
-    if (angle_deg == 0) {
-        painter_.drawText(QPointF(at.x + shift, at.y), text);
-        return;
-    }
-    painter_.save();
+    const int pixels = std::clamp(static_cast<int>(std::lround(em_ * kLargerFont)), 1, kMostPixels);
+    const double scale = em_ / pixels;
+    const QTransform before = painter_.worldTransform();
+    painter_.setFont(face_->FontOf(pixels, underline_, strikeout_));
     painter_.translate(at.x, at.y);
-    painter_.rotate(-angle_deg);
-    painter_.drawText(QPointF(shift, 0), text);
-    painter_.restore();
+    if (angle_deg != 0) painter_.rotate(-angle_deg);
+    painter_.scale(scale, scale);
+    painter_.drawText(QPointF(shift / scale, 0), face_->Drawable(utf8));
+    painter_.setWorldTransform(before);
 }
 
 TextExtent QtCanvas::Measure(std::string_view utf8)
 {
-    const QFontMetricsF metrics(font_, painter_.device());
-    return {metrics.horizontalAdvance(ToQString(utf8)), metrics.ascent(), metrics.descent()};
+    TextExtent extent{0, face_->ascent() * em_, face_->descent() * em_};
+    for (std::size_t at = 0; at < utf8.size();) extent.width += face_->Width(TakeUtf8(utf8, at));
+    extent.width *= em_;
+    return extent;
 }
 
 void QtCanvas::PushClip(const RectD& rect)
