@@ -32,20 +32,27 @@ struct Places {
     double X(double point) const { return frame.X(first_ppm + step_ppm * point); }
 };
 
-/// The points of a region from which its curve is drawn: every one that can be told apart, at full data.
+/// The sum at a point of a curve that rises from the left of the display, whichever way the axis runs.
+double Rise(const IntegralMark& mark, const IntegralCurves& curves, bool starts_right, std::int32_t p)
+{
+    if (!starts_right) return curves.At(mark.entry, p);
+    return p == mark.start ? mark.total : mark.total - curves.At(mark.entry, p + 1);
+}
+
+/// Drawn from every point that can be told apart, at full data.
 void DrawIntegral(Canvas& canvas, const Places& places, const IntegralMark& mark, const IntegralCurves& curves,
                   const IntegralPlaces& heights)
 {
     const RectD& rect = places.frame.rect;
     const double unit = std::abs(places.X(1) - places.X(0));
+    const bool starts_right = places.X(1) > places.X(0);
     const auto stride = static_cast<std::int32_t>(std::clamp(kLeastStep / std::max(unit, 1e-9), 1.0, 1e6));
     std::vector<PointD> line;
     for (std::int32_t p = mark.start;; p = std::max(p - stride, mark.end)) {
         const double x = places.X(p);
-        const PointD at{x, heights.Y(curves.At(mark.entry, p))};
         const bool seen = x > rect.x - unit && x < rect.right() + unit;
-        const bool end = p == mark.start || p == mark.end;
-        if (seen || end) line.push_back(at);
+        if (seen || p == mark.start || p == mark.end)
+            line.push_back({x, heights.Y(Rise(mark, curves, starts_right, p))});
         if (p == mark.end) break;
     }
     canvas.Polyline(line);

@@ -45,7 +45,8 @@ struct IntegralPlaces {
     double Y(double sum) const { return foot - sum * scale; }
 };
 
-/// Draws the curves in the upper part of the frame, all in one scale, and the values from row_y down.
+/// Draws the curves in the upper part of the frame, all in one scale and rising from the left, and the values from
+/// row_y down.
 void DrawIntegralMarks(Canvas& canvas, const PlotFrame& frame, const IntegralMarks& marks, double first_ppm,
                        double step_ppm, double row_y);
 

@@ -59,6 +59,15 @@ UnitFormat FormatOf(const DataSet& set, ListUnit unit)
     return {"ppm", IsProton(set) ? "{:.4f}" : "{:.3f}", 1.0};
 }
 
+/// Six digits of the largest amplitude; the others stand under them.
+std::string AmplitudeFormat(const std::vector<PeakLine>& lines)
+{
+    double largest = 0;
+    for (const PeakLine& line : lines) largest = std::max(largest, std::abs(line.amplitude));
+    if (!(largest > 0) || largest >= 1e12 || largest < 1e-6) return "{:.5g}";
+    return fmt::format("{{:.{}f}}", std::clamp(5 - static_cast<int>(std::floor(std::log10(largest))), 0, 9));
+}
+
 /// "1H" as "<sup>1</sup>H", "CDCl3" as "CDCl<sub>3</sub>".
 std::string WithDigitsIn(std::string_view text, std::string_view open, std::string_view close)
 {
@@ -107,20 +116,22 @@ ListTable PeakListTable(const GlobalBlock& g, ListUnit unit)
     const UnitFormat ppm = FormatOf(set, ListUnit::ppm);
     const UnitFormat hz = FormatOf(set, unit == ListUnit::khz ? unit : ListUnit::hz);
     const double share = unit == ListUnit::khz ? 1e-3 : 1.0;
+    const std::vector<PeakLine> lines = PeakLines(set, ShownRowIndex(g, set));
+    const std::string amplitude = AmplitudeFormat(lines);
     std::vector<Column<PeakLine>> columns = {
         {"No", [](const PeakLine& line) { return double(line.number); }, "{:.0f}"},
         {"Position(ppm)", [](const PeakLine& line) { return line.ppm; }, ppm.format},
         {"Frequency(" + hz.name + ")", [=](const PeakLine& line) { return line.hz * share; }, hz.format},
-        {"Amplitude", [](const PeakLine& line) { return line.amplitude; }, "{:.6g}"},
+        {"Amplitude", [](const PeakLine& line) { return line.amplitude; }, amplitude},
         {"Height(%)", [](const PeakLine& line) { return line.height_percent; }, "{:.2f}"},
     };
     if (g.settings.interpolate_tops == 1) {
         columns.push_back({"Top(ppm)", [](const PeakLine& line) { return line.top.ppm; }, ppm.format});
         columns.push_back(
             {"Top(" + hz.name + ")", [=](const PeakLine& line) { return line.top.hz * share; }, hz.format});
-        columns.push_back({"Top Amplitude", [](const PeakLine& line) { return line.top.amplitude; }, "{:.6g}"});
+        columns.push_back({"Top Amplitude", [](const PeakLine& line) { return line.top.amplitude; }, amplitude});
     }
-    return TableOf(columns, PeakLines(set, ShownRowIndex(g, set)));
+    return TableOf(columns, lines);
 }
 
 ListTable IntegralListTable(const GlobalBlock& g, ListUnit unit)

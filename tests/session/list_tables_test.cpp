@@ -48,14 +48,14 @@ TEST(ListTables, AreCopiedWithTabsAsTheyAreShown)
     };
     const Case cases[] = {
         {"peaks", PeakListTable, ListUnit::ppm, 0,
-         "No\tPosition(ppm)\tFrequency(Hz)\tAmplitude\tHeight(%)\n1\t-0.0004\t-0.16\t8\t40.00\n"
-         "2\t1.5000\t600.00\t20\t100.00\n3\t6.5000\t2600.00\t5\t25.00\n"},
+         "No\tPosition(ppm)\tFrequency(Hz)\tAmplitude\tHeight(%)\n1\t-0.0004\t-0.16\t8.0000\t40.00\n"
+         "2\t1.5000\t600.00\t20.0000\t100.00\n3\t6.5000\t2600.00\t5.0000\t25.00\n"},
         // A parabola through 3, 5, 4: its top a sixth of a point on, 5 + 1/24 high.
         {"tops apart, kHz", PeakListTable, ListUnit::khz, 1,
          "No\tPosition(ppm)\tFrequency(kHz)\tAmplitude\tHeight(%)\tTop(ppm)\tTop(kHz)\tTop Amplitude\n"
-         "1\t-0.0004\t-0.00016\t8\t40.00\t0.0000\t0.00000\t8\n"
-         "2\t1.5000\t0.60000\t20\t100.00\t1.5000\t0.60000\t20\n"
-         "3\t6.5000\t2.60000\t5\t25.00\t6.5017\t2.60067\t5.04167\n"},
+         "1\t-0.0004\t-0.00016\t8.0000\t40.00\t0.0000\t0.00000\t8.0000\n"
+         "2\t1.5000\t0.60000\t20.0000\t100.00\t1.5000\t0.60000\t20.0000\n"
+         "3\t6.5000\t2.60000\t5.0000\t25.00\t6.5017\t2.60067\t5.0417\n"},
         {"integrals, Hz", IntegralListTable, ListUnit::hz, 0,
          "No\tIntegral\tStart(Hz)\tEnd(Hz)\tSum\tB0/Ymax\tB1/Ymax\n1\t3.00\t800.00\t400.00\t1.00000\t0\t0\n"
          "2\t0.75\t2800.00\t2500.00\t0.25000\t0\t-0.002\n"},
