@@ -11,20 +11,29 @@ namespace {
 using Controls = std::initializer_list<std::string_view>;
 
 // Every control of the main form's tree, then the row selector of its tool bar.
-constexpr std::string_view kControls[] = {
-    "NMR_m1", "NMR1D_m11",  "NMR1D_m112",    "NMR1D_m111", "m121",   "m47",      "m10",      "m10_4", "m10_3",
-    "m10_1",  "m10_5",      "m10_6",         "m10_8",      "m10_9",  "m10_7",    "m11X",     "m18X",  "m18Z",
-    "m185",   "m18M",       "m186",          "m18K",       "m189",   "m18N",     "m187",     "m18L",  "m188",
-    "m18P",   "m181",       "m18Y",          "m182",       "m10_10", "m10_10_A", "m10_10_B", "m131",  "m14",
-    "m15",    "m17",        "m172",          "m173",       "m171",   "m16",      "m102",     "m1003", "RecentFile",
-    "m19",    "m2",         "m20",           "m22",        "m21",    "m23",      "m24",      "m25",   "m26",
-    "m242",   "m27",        "m273",          "m2731",      "m271",   "m272",     "m29",      "m291",  "m292",
-    "m209",   "m3",         "m31",           "m331",       "m332",   "m30",      "m32",      "m35",   "m36",
-    "m361",   "m368",       "m362",          "m365",       "m366",   "m363",     "m364",     "m369",  "m367",
-    "m37",    "m371",       "m372",          "m38",        "m39",    "m34",      "m6",       "m341",  "m343",
-    "m342",   "m293",       "m61",           "m52",        "m5",     "m51",      "m40",      "m42",   "m43",
-    "m44",    kRedoControl, "BasicCommand1", "m41",        "m45",    "m46",      "m48",      "m99",   "m8",
-    "m801",   "DataCombo",  "Label6"};
+constexpr std::string_view kControls[] = {"NMR_m1",      "NMR1D_m11",  "NMR1D_m112", "NMR1D_m111", "m121",
+                                          "m47",         "m10",        "m10_4",      "m10_3",      "m10_1",
+                                          "m10_5",       "m10_6",      "m10_8",      "m10_9",      "m10_7",
+                                          "m11X",        "m18X",       "m18Z",       "m185",       "m18M",
+                                          "m186",        "m18K",       "m189",       "m18N",       "m187",
+                                          "m18L",        "m188",       "m18P",       "m181",       "m18Y",
+                                          "m182",        "m10_10",     "m10_10_A",   "m10_10_B",   "m131",
+                                          "m14",         "m15",        "m17",        "m172",       "m173",
+                                          "m171",        "m16",        "m102",       "m1003",      "RecentFile",
+                                          "m19",         "m2",         "m20",        "m22",        "m21",
+                                          "m23",         "m24",        "m25",        "m26",        "m242",
+                                          "m27",         "m273",       "m2731",      "m271",       "m272",
+                                          "m29",         "m291",       "m292",       "m209",       "m3",
+                                          "m31",         "m331",       "m332",       "m30",        "m32",
+                                          "m35",         "m36",        "m361",       "m368",       "m362",
+                                          "m365",        "m366",       "m363",       "m364",       "m369",
+                                          "m367",        "m37",        "m371",       "m372",       "m38",
+                                          "m39",         "m34",        "m6",         "m341",       "m343",
+                                          "m342",        "m293",       "m61",        "m52",        "m5",
+                                          "m51",         "m40",        "m42",        "m43",        kSavePictureControl,
+                                          kPrintControl, kCopyControl, "m44",        kRedoControl, "BasicCommand1",
+                                          "m41",         "m45",        "m46",        "m48",        "m99",
+                                          "m8",          "m801",       "DataCombo",  "Label6"};
 
 // ToolMode 1 to 8.
 constexpr std::string_view kTools[] = {"m22", "m21", "m23", "m24", "m25", "m26", "m242", "m273"};
@@ -100,6 +109,7 @@ private:
         At(kRedoControl).caption = redo.RedoCaption();
         Enable({kRedoControl}, redo.can_redo());
         Enable({"BasicCommand1"}, set_.par.POINT > 0);
+        Enable({kSavePictureControl, kPrintControl, kCopyControl}, set_.par.POINT > 0 && !g_.NoSpectrumYet);
         Enable({"DataCombo"}, false);
         Show({"DataCombo", "Label6"}, false);
     }

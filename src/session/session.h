@@ -13,6 +13,7 @@
 namespace nmr {
 
 class FftForm;
+class PictureDevices;
 class Recorder;
 class Tools;
 
@@ -43,6 +44,8 @@ struct Session {
     std::function<void(ToolChange)> tool_moved{};
     /// The tools of the main form; a batch has none.
     Tools* tools = nullptr;
+    /// Picture files, clipboard and printers; a batch has none.
+    PictureDevices* pictures = nullptr;
 };
 
 } // namespace nmr

@@ -22,6 +22,7 @@ std::span<const FormTableRow> FormTable()
         {forms::kAsciiData, NMR1D_Form104},       {forms::kQuestion, Form110},
         {forms::kHistoryForm, Form111_History},   {forms::kNumberType, Form120},
         {forms::kOperatorForm, Operator_Form22},  {kDistanceWindow, Picture3},
+        {forms::kSavePicture, SavePicture},       {forms::kPrint, PrintPlot},
     };
     return kRows;
 }
