@@ -73,7 +73,7 @@ void DragRow(std::vector<BenchRow>& rows)
     if (!g) return;
     DataSet& set = g->Slots[0];
     for (int i = 0; i < kRegions; ++i) Add_Integral(*g, -1.9 + 0.07 * i, -1.9 + 0.07 * i + 0.06);
-    const IntegralCurves curves(*g);
+    const IntegralCurves curves = CurvesOf(*g);
     double sum = 0, way = 0.01;
     const double frame = BestMs(kRuns, [&] {
         Move_Integral(*g, 100, way);

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -138,7 +139,9 @@ int Run(int argc, char** argv)
     CLI::App* convert = app.add_subcommand("convert", "saves the spectrum of a file in another form");
     AddConvert(*convert, conversion);
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> arguments = SettlePeaks({argv + std::min(argc, 1), argv + argc});
+        std::ranges::reverse(arguments); // the parser takes them from the end
+        app.parse(std::move(arguments));
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? 0 : static_cast<int>(Exit::usage);
     }

@@ -144,14 +144,15 @@ void DrawInParts(Canvas& canvas, const PlotFrame& frame, const SceneCurve& curve
         DrawPart(canvas, PartOf(frame, from, frame.right_ppm, canvas.Resolution()), curve, curve.pen.color);
 }
 
-void AddMarks(SpectrumScene& scene, const DataSet& set, const Settings& settings, std::span<const float> row, bool dark)
+void AddMarks(SpectrumScene& scene, const DataSet& set, const Settings& settings, std::span<const float> row,
+              const SceneOptions& options)
 {
-    const auto color = [dark](std::int32_t setting) {
+    const auto color = [dark = options.dark](std::int32_t setting) {
         return dark ? ForDarkGround(FromSetting(setting)) : FromSetting(setting);
     };
     scene.peaks = MakePeakMarks(set, row, settings, color(settings.peak_num_col));
     scene.peaks.top = {color(settings.peak_top_col), std::clamp(settings.disp_peaktopwidt, 1.0, 20.0), PenStyle::solid};
-    scene.integrals = MakeIntegralMarks(set, row, settings, color(settings.col_integ_value));
+    scene.integrals = MakeIntegralMarks(set, row, settings, color(settings.col_integ_value), options.integrals);
     scene.integrals.curve.color = color(settings.integral_col);
 }
 
@@ -175,7 +176,7 @@ void DrawMarks(Canvas& canvas, const PlotFrame& frame, const SpectrumScene& scen
     const double under_axis = frame.rect.bottom() + XAxisHeight(canvas, scene.axis);
     const SceneCurve& curve = scene.curves.front();
     if (!scene.integrals.empty())
-        DrawIntegralMarks(canvas, frame, scene.integrals, curve.row, curve.first_ppm, curve.step_ppm, under_axis);
+        DrawIntegralMarks(canvas, frame, scene.integrals, curve.first_ppm, curve.step_ppm, under_axis);
     if (!scene.peaks.empty())
         DrawPeakMarks(canvas, frame, scene.peaks, scene.peaks.at_bottom ? under_axis + rows.integrals : frame.rect.y);
 }
@@ -304,7 +305,7 @@ SpectrumScene MakeScene(const DataSet& set, const Settings& settings, const Scen
     scene.high = range.high;
     scene.grid.y_full = range.full;
     scene.regions = RegionsOf(set, settings, options.dark);
-    if (options.marks) AddMarks(scene, set, settings, curve.row, options.dark);
+    if (options.marks) AddMarks(scene, set, settings, curve.row, options);
     scene.curves.push_back(std::move(curve));
     if (options.paper) ThinForPaper(scene, settings);
     return scene;

@@ -77,6 +77,7 @@ struct SceneOptions {
     bool marks = true; ///< peaks and integrals, as the settings show them
     /// Drawn in place of the row's real part; must outlive the scene. Empty: the real part.
     std::span<const float> instead{};
+    std::shared_ptr<const IntegralCurves> integrals{}; ///< of the drawn row, where they were made before
 };
 /// The magnitude of a row, which has no phase: sqrt(re^2 + im^2) of each of its points.
 std::vector<float> AbsoluteRow(const DataSet& set, std::int32_t row);

@@ -70,7 +70,7 @@ void FftForm::Command2_Click()
 
 void FftForm::PhaseAfterTransform()
 {
-    if (g_.settings.robust_phase == 1)
+    if (robust())
         AutoRobust();
     else
         RunAutoPhase(PhaseMode::full);
@@ -207,6 +207,12 @@ void FftForm::SetAutoPhase(bool on)
 {
     auto_phase_here_.reset();
     g_.settings.auto_phase_on = on ? 0 : 1;
+}
+
+void FftForm::SetRobust(bool on)
+{
+    g_.settings.robust_phase = on ? 1 : 0;
+    g_.SettingsChanged = true;
 }
 
 Status FftForm::Command3(const std::function<void(int)>& progress)

@@ -44,6 +44,9 @@ public:
     /// Check2 "Auto Phase correction": whether Command2_Click phases anew after each transform.
     bool auto_phase() const;
     void SetAutoPhase(bool on);
+    /// Which automatic phase that is; kept for the next FIDs.
+    bool robust() const { return g_.settings.robust_phase == 1; }
+    void SetRobust(bool on);
 
     // What the vendor's files tell, one thing at a time and without a preview; false when they tell nothing
     // that fits. Open takes all of them when the setting VENDOR START is 1.

@@ -55,6 +55,19 @@ inline constexpr char kSingle[] = "SINGLE";
 inline constexpr char kDouble[] = "DOUBLE";
 inline constexpr char kLong[] = "LONG";
 
+// The instrument table of m44. In: kCount rows from 1, and row kPresentRow for the data at hand (missing when
+// they have no frequencies), each with the columns Indexed(kInstrument, n) ...; kSameAsPresent: number of the row
+// that the present one would replace. Out with "OK": kRows, the numbers of the rows that stay, one a line, with
+// kPresentRow where the present one was added; or "CANCEL".
+inline constexpr char kInstrumentForm[] = "Instrument_Form";
+inline constexpr char kInstrument[] = "INSTRUMENT";
+inline constexpr char kProbe[] = "PROBE";
+inline constexpr char kNucleus[] = "NUCLEUS";
+inline constexpr char kFrequency[] = "FREQUENCY";
+inline constexpr char kZeroPpm[] = "0 PPM";
+inline constexpr char kSameAsPresent[] = "SAME";
+inline constexpr int kPresentRow = 0;
+
 // NMR1D_Form23: "Confirm Deleting "Multi Spectra"". The DialogResult is "ALL" (delete), "NON"
 // (preserve) or "CANCEL".
 inline constexpr char kDeleteMulti[] = "NMR1D_Form23";

@@ -2,6 +2,7 @@
 
 #include "session/ascii_commands.h"
 #include "session/display_commands.h"
+#include "session/instrument_table.h"
 #include "session/picture_commands.h"
 #include "session/save_flow.h"
 #include "session/text_save.h"
@@ -67,6 +68,7 @@ constexpr MenuRow kRows[] = {
     {"m40", "", "ETC", ""},
     {"m42", "m40", "Edit Parameter File", "", false, false, m42_Click},
     {"m43", "m40", "Add/Delete Operator Name", "", false, false, m43_Click},
+    {"m44", "m40", "Arrange Instrumental Data for Reference Setting", "", false, false, m44_Click},
     {"m41", "m40", "Version", "", false, false, m41_Click},
     {"m46", "m40", "About Processable Files", "", false, false, m47_Click},
 };

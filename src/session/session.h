@@ -44,6 +44,8 @@ struct Session {
     std::function<void(ToolChange)> tool_moved{};
     /// The tools of the main form; a batch has none.
     Tools* tools = nullptr;
+    /// Puts a text on the clipboard, plain and as HTML (which may be empty).
+    std::function<void(const std::string& plain, const std::string& html)> copy_text{};
     /// Picture files, clipboard and printers; a batch has none.
     PictureDevices* pictures = nullptr;
 };

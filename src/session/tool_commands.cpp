@@ -1,5 +1,6 @@
 #include "session/tool_commands.h"
 
+#include "analysis/integrals.h"
 #include "session/read_flow.h"
 #include "session/tools.h"
 
@@ -22,6 +23,7 @@ void Enter(Session& s, Tool tool)
 void Show(const Session& s, const std::string& file_before)
 {
     const std::string& file = s.g.Slots[0].par.FileName;
+    Calc_All_Integrals(s.g); // the points may be others now
     if (file != file_before) ShowFileTitle(s, file);
     if (s.display_changed) s.display_changed();
 }

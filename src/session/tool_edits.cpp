@@ -5,11 +5,11 @@
 #include "analysis/robust_phase.h"
 #include "analysis/shown_row.h"
 #include "analysis/smooth_base_line.h"
-#include "core/dates.h"
 #include "core/list_values.h"
-#include "core/text.h"
 #include "core/undo_parts.h"
 #include "session/color_regions.h"
+#include "session/cursor_distance.h"
+#include "session/instrument_table.h"
 #include "session/tools.h"
 
 #include <algorithm>
@@ -18,9 +18,6 @@
 
 namespace nmr {
 namespace {
-
-constexpr std::size_t kMostInstruments = 2001;
-constexpr double kInstrumentWindowMHz = 0.05;
 
 void MarkChanged(DataSet& set)
 {
@@ -86,7 +83,7 @@ void Tools::Click(const PlotPoint& at)
     case ToolAction::second:
         return SetSecond(point);
     case ToolAction::pick_reference: {
-        reference_line_ = at.ppm;
+        reference_line_ = NearestTop(set(), g_.CurrentRow, at.ppm, at.reach_ppm);
         referenced_ = true;
         return;
     }
@@ -328,13 +325,28 @@ void Tools::SetBaseLineMethod(std::int32_t method)
     Changed();
 }
 
+void Tools::SetBaseLineBend(double percent)
+{
+    if (!std::isfinite(percent)) return;
+    SetPreview(false);
+    shape_.stiffness = std::clamp(percent, 0.1, 100.0) / 100;
+    Changed();
+}
+
+void Tools::SetBaseLineDegree(std::int32_t degree)
+{
+    SetPreview(false);
+    shape_.degree = std::clamp(degree, 1, 20);
+    Changed();
+}
+
 std::vector<float> Tools::BaseLineCurve() const
 {
     const DataSet& data = set();
     const std::size_t row = ShownRowIndex(g_, data), n = HeldPoints(data);
     if (open() != Tool::base_line || row >= data.spec.SourceRe.rows()) return {};
     const auto source = data.spec.SourceRe[row].first(n);
-    BaseLineShape shape;
+    BaseLineShape shape = shape_;
     shape.asymmetry = Expected_Signs(data.par) == LineSigns::alternate ? 0.0 : 1.0;
     if (g_.settings.base_line_method == 1) return Whittaker_Base_Line(source, shape);
     if (g_.settings.base_line_method == 2) return Bernstein_Base_Line(source, shape);
@@ -580,47 +592,6 @@ bool Shift_Reference(GlobalBlock& g, double line_ppm, double shift_ppm)
     g.ShownHzRight = PpmToHz(set, static_cast<double>(g.ViewRight));
     g.LastObsCenter = par.ObsCenter;
     g.LastCentre = set.spec.XAxis[n / 2];
-    return true;
-}
-
-std::vector<std::size_t> FindInstruments(const GlobalBlock& g, const std::string& text)
-{
-    std::vector<std::size_t> rows;
-    for (std::size_t i = 0; i < g.Instruments.size(); ++i) {
-        const InstrumentRow& row = g.Instruments[i];
-        if (ContainsNoCase(row.instrument, text) || ContainsNoCase(row.probe, text) ||
-            ContainsNoCase(row.nucleus, text))
-            rows.push_back(i);
-    }
-    return rows;
-}
-
-bool StoreInstrument(GlobalBlock& g)
-{
-    const ParamBlock& par = g.Slots[0].par;
-    if (!(par.ObsCenter > 0.0) || !(par.OBFRQ0PPM > 0.0)) return false;
-    InstrumentRow own{par.InstrumentID, par.Probe,     par.OBNUC,
-                      par.ObsCenter,    par.OBFRQ0PPM, FormatDate("dd/mmm/yyyy hh:nn:ss", NowLocal())};
-    const auto same = std::ranges::find_if(g.Instruments, [&](const InstrumentRow& row) {
-        return EqualsNoCase(row.instrument, own.instrument) && EqualsNoCase(row.probe, own.probe) &&
-               EqualsNoCase(row.nucleus, own.nucleus) &&
-               std::abs(row.frequency - own.frequency) <= kInstrumentWindowMHz;
-    });
-    if (same != g.Instruments.end())
-        *same = std::move(own);
-    else if (g.Instruments.size() < kMostInstruments)
-        g.Instruments.push_back(std::move(own));
-    else
-        return false;
-    g.InstrumentsChanged = true;
-    return true;
-}
-
-bool DeleteInstrument(GlobalBlock& g, std::size_t index)
-{
-    if (index >= g.Instruments.size()) return false;
-    g.Instruments.erase(g.Instruments.begin() + static_cast<std::ptrdiff_t>(index));
-    g.InstrumentsChanged = true;
     return true;
 }
 

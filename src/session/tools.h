@@ -8,6 +8,7 @@
 
 #include "analysis/integrals.h"
 #include "analysis/peak_pick.h"
+#include "analysis/smooth_base_line.h"
 #include "session/session.h"
 
 #include <cstdint>
@@ -129,8 +130,12 @@ public:
     void DeleteAllBasePoints();
     void SetAveragePoints(std::int32_t points);
     void SetBaseLineMethod(std::int32_t method); ///< 0 straight lines, 1 Whittaker, 2 Bernstein
-    void PreviewBaseLine();                      ///< BaseCorCommand1
-    std::vector<float> BaseLineCurve() const;    ///< empty when there is none
+    void SetBaseLineBend(double percent);        ///< Whittaker: length over which the curve may bend, of the row
+    void SetBaseLineDegree(std::int32_t degree); ///< Bernstein, 1 to 20
+    double base_line_bend() const { return 100 * shape_.stiffness; }
+    std::int32_t base_line_degree() const { return shape_.degree; }
+    void PreviewBaseLine();                   ///< BaseCorCommand1
+    std::vector<float> BaseLineCurve() const; ///< empty when there is none
     /// Shows the row with the curve taken off, or as it was; a change of the points shows it as it was.
     void SetPreview(bool on);
     bool previewed() const { return previewed_; }
@@ -159,7 +164,9 @@ public:
     // Reference.
     /// Gives the line at a position its shift; shown at once, kept by Fix.
     bool SetReference(double line_ppm, double shift_ppm);
-    double reference_line() const { return reference_line_; } ///< ppm of the line that was clicked
+    /// The line that was clicked, or the top that was near the click, ppm.
+    double reference_line() const { return reference_line_; }
+    bool has_reference_line() const { return open() == Tool::reference && referenced_; }
     /// After Fix the instrument table takes the new 0 ppm frequency too.
     void SetUpdateInstrument(bool on) { update_instrument_ = on; }
 
@@ -206,6 +213,7 @@ private:
     bool referenced_ = false, update_instrument_ = false;
     std::int32_t selected_ = -1;
     bool previewed_ = false;
+    BaseLineShape shape_;
 
     // A drag under way.
     bool down_ = false, moved_ = false;
@@ -226,13 +234,5 @@ private:
 /// Moves the axis so that the line at a position gets a shift: frequencies, coloured regions and shown range go
 /// along; peaks and integrals are relative and follow by themselves. False without a spectrum or for no number.
 bool Shift_Reference(GlobalBlock& g, double line_ppm, double shift_ppm);
-
-// The instrument table of m44; changes are saved at exit, after a question.
-/// Rows whose instrument, probe or nucleus holds the text, case-blind; all for an empty one.
-std::vector<std::size_t> FindInstruments(const GlobalBlock& g, const std::string& text);
-/// The row of the data in slot 0 with their present 0 ppm frequency: the one there is, or a new one. False at
-/// 2001 rows or without frequencies.
-bool StoreInstrument(GlobalBlock& g);
-bool DeleteInstrument(GlobalBlock& g, std::size_t index);
 
 } // namespace nmr

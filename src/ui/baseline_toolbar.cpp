@@ -7,6 +7,8 @@
 #include <QComboBox>
 #include <QPushButton>
 
+#include <algorithm>
+
 namespace nmr {
 namespace {
 
@@ -36,6 +38,7 @@ BaselineToolbar::BaselineToolbar(Tools& tools, Session& session) :
     connect(method_, &QComboBox::activated, this, [this](int index) { tools_.SetBaseLineMethod(index); });
     AddWidget(method_);
     AddPoints();
+    AddShapes();
     BeginGroup();
     preview_ = AddButton("BaseCorCommand1", QStringLiteral("Preview"),
                          QStringLiteral("Show Corrected Spectra(UnFixed)"), [this] {
@@ -49,10 +52,9 @@ BaselineToolbar::BaselineToolbar(Tools& tools, Session& session) :
 
 void BaselineToolbar::AddPoints()
 {
-    BeginGroup();
-    points_ << AddButton("BasePointsAuto", QStringLiteral("Auto"),
-                         QStringLiteral("Finds base points by a test of the noise"),
-                         [this] { tools_.AutoBasePoints(); });
+    groups_[0].push_back(BeginGroup());
+    AddButton("BasePointsAuto", QStringLiteral("Auto"), QStringLiteral("Finds base points by a test of the noise"),
+              [this] { tools_.AutoBasePoints(); });
     average_ = AddValue("BaselineText1", QStringLiteral("Average"),
                         QStringLiteral("Points on either side over which the level of a base point is averaged"), 56);
     average_->shown = [this] { return std::to_string(g_.settings.average_point); };
@@ -61,32 +63,48 @@ void BaselineToolbar::AddPoints()
         tools_.SetAveragePoints(g_.settings.average_point + steps);
         average_->Forget();
     };
-    points_ << average_;
-    BeginGroup();
-    points_ << AddAction(ToolAction::add_base_point, QStringLiteral("Add"), QStringLiteral("A click adds a base point"))
-            << AddAction(ToolAction::move_base_point, QStringLiteral("Move"),
-                         QStringLiteral("A drag moves a base point up and down"))
-            << AddAction(ToolAction::delete_base_point, QStringLiteral("Delete"),
-                         QStringLiteral("A click at a base point deletes it"));
+    groups_[0].push_back(BeginGroup());
+    AddAction(ToolAction::add_base_point, QStringLiteral("Add"), QStringLiteral("A click adds a base point"));
+    AddAction(ToolAction::move_base_point, QStringLiteral("Move"),
+              QStringLiteral("A drag moves a base point up and down"));
+    AddAction(ToolAction::delete_base_point, QStringLiteral("Delete"),
+              QStringLiteral("A click at a base point deletes it"));
     delete_all_ = AddButton("BasePointsDelete", QStringLiteral("Delete All"), QStringLiteral("Deletes all base points"),
                             [this] { tools_.DeleteAllBasePoints(); });
     undo_ = AddButton("BasePointsUndo", QStringLiteral("UnDo"), {}, [this] { tools_.UndoBasePoint(); });
     redo_ = AddButton("BasePointsRedo", QStringLiteral("ReDo"), {}, [this] { tools_.RedoBasePoint(); });
 }
 
+void BaselineToolbar::AddShapes()
+{
+    groups_[1].push_back(BeginGroup());
+    bend_ = AddValue("BaseLineBend", QStringLiteral("Bend over"),
+                     QStringLiteral("The part of the spectrum over which the curve may bend: more is stiffer"), 56);
+    bend_->shown = [this] { return FormatNumber("##0.0#", tools_.base_line_bend()); };
+    bend_->typed = [this](double percent) { tools_.SetBaseLineBend(percent); };
+    bend_->stepped = [this](int steps) { tools_.SetBaseLineBend(tools_.base_line_bend() + steps); };
+    AddLabel(QStringLiteral("% of the spectrum"));
+    groups_[2].push_back(BeginGroup());
+    degree_ = AddValue("BaseLineDegree", QStringLiteral("Degree"), QStringLiteral("Of the polynomial, 1 to 20"), 56);
+    degree_->shown = [this] { return std::to_string(tools_.base_line_degree()); };
+    degree_->typed = [this](double degree) { tools_.SetBaseLineDegree(RoundHalfEven(degree)); };
+    degree_->stepped = [this](int steps) { tools_.SetBaseLineDegree(tools_.base_line_degree() + steps); };
+}
+
 void BaselineToolbar::Refresh()
 {
     ToolPanel::Refresh();
-    const bool straight = g_.settings.base_line_method == 0;
-    method_->setCurrentIndex(std::clamp(g_.settings.base_line_method, 0, 2));
-    for (QWidget* control : points_) control->setEnabled(straight);
-    average_->Show();
-    delete_all_->setEnabled(straight && !g_.BasePoints.empty());
+    const int method = std::clamp(g_.settings.base_line_method, 0, 2);
+    method_->setCurrentIndex(method);
+    for (int i = 0; i < 3; ++i)
+        for (QWidget* group : groups_[i]) group->setVisible(i == method);
+    for (ValueEdit* edit : {average_, bend_, degree_}) edit->Show();
+    delete_all_->setEnabled(!g_.BasePoints.empty());
     undo_->setEnabled(!g_.PointUndo.empty());
     undo_->setToolTip(QString::fromStdString(g_.PointUndo.Caption()) + QStringLiteral(" (Ctrl+Z)"));
     redo_->setEnabled(g_.PointUndo.can_redo());
     redo_->setToolTip(QString::fromStdString(g_.PointUndo.RedoCaption()) + QStringLiteral(" (Ctrl+Shift+Z)"));
-    preview_->setEnabled(!straight || !g_.BasePoints.empty());
+    preview_->setEnabled(method != 0 || !g_.BasePoints.empty());
     preview_->setChecked(tools_.previewed());
 }
 

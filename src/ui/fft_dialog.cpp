@@ -6,6 +6,7 @@
 #include "ui/fft_controls.h"
 #include "ui/form_parts.h"
 #include "ui/help_sheet.h"
+#include "ui/tool_panels.h"
 #include "ui/window_dialog.h"
 
 #include <QApplication>
@@ -240,32 +241,59 @@ void FftDialog::AddPhase(QBoxLayout& column)
         column.addWidget(phases_.back());
         column.addSpacing(4);
     }
-    auto* row = new QHBoxLayout;
-    row->addWidget(MakeButton("Command8", "Auto",
-                              [this] {
-                                  logic_.Command8();
-                                  PhaseChanged();
-                              }),
-                   1);
-    row->addWidget(MakeButton("Command7", "Semi Auto",
-                              [this] {
-                                  logic_.Command7();
-                                  PhaseChanged();
-                              }),
-                   1);
-    column.addLayout(row);
-    auto_phase_ = new QCheckBox("Auto Phase correction", this);
-    auto_phase_->setObjectName("Check2");
-    auto_phase_->setToolTip("Phases anew after each change of window, shift or zero fill");
-    connect(auto_phase_, &QCheckBox::toggled, this, [this](bool on) { logic_.SetAutoPhase(on); });
+    AddAutoPhase(column);
     auto* imaginary = new QCheckBox("Show imaginary part", this);
     imaginary->setObjectName("ShowImaginary");
     connect(imaginary, &QCheckBox::toggled, this, [this](bool on) {
         preview_->show_imaginary = on;
         preview_->Refresh();
     });
-    column.addWidget(auto_phase_);
     column.addWidget(imaginary);
+}
+
+/// The automatic phases by button, the quality of the robust one, and which of them follows each transform.
+void FftDialog::AddAutoPhase(QBoxLayout& column)
+{
+    struct Way {
+        const char *name, *caption, *tip;
+        void (FftForm::*run)();
+    };
+    constexpr Way kWays[] = {
+        {"AutoRobust", "Auto (robust)", "Tries several criteria and takes the best", &FftForm::AutoRobust},
+        {"Command8", "Auto", "A circle through the strongest line", &FftForm::Command8},
+        {"Command7", "Semi Auto", "The same at the marks PP and P2", &FftForm::Command7}};
+    auto* row = new QHBoxLayout;
+    row->setSpacing(4);
+    for (const Way& way : kWays) {
+        QPushButton* button = MakeButton(way.name, way.caption, [this, run = way.run] {
+            (logic_.*run)();
+            PhaseChanged();
+        });
+        button->setToolTip(way.tip);
+        row->addWidget(button, way.run == &FftForm::AutoRobust ? 4 : 3);
+    }
+    column.addLayout(row);
+    quality_ = new QLabel(this);
+    quality_->setObjectName("PhaseQuality");
+    quality_->setToolTip("How well the robust phase fits, 0 to 100 %");
+    quality_->setAlignment(Qt::AlignRight);
+    auto_phase_ = new QCheckBox("Auto Phase correction", this);
+    auto_phase_->setObjectName("Check2");
+    auto_phase_->setToolTip("Phases anew after each change of window, shift or zero fill");
+    connect(auto_phase_, &QCheckBox::toggled, this, [this](bool on) { logic_.SetAutoPhase(on); });
+    auto* line = new QHBoxLayout;
+    line->addWidget(auto_phase_, 1);
+    line->addWidget(quality_);
+    column.addLayout(line);
+    auto* robust = new QCheckBox("with the robust phase", this);
+    robust->setObjectName("RobustPhase");
+    robust->setToolTip("Which automatic phase follows a transform; kept for the next data");
+    robust->setChecked(logic_.robust());
+    connect(robust, &QCheckBox::toggled, this, [this](bool on) { logic_.SetRobust(on); });
+    auto* indented = new QHBoxLayout;
+    indented->addSpacing(kExplanationIndent);
+    indented->addWidget(robust);
+    column.addLayout(indented);
 }
 
 void FftDialog::AddStart(QBoxLayout& column)
@@ -355,6 +383,7 @@ void FftDialog::ShowState()
     shift_->edit()->Show();
     if (row_ != nullptr) row_->setCurrentIndex(logic_.block().CurrentRow);
     for (PhaseControl* phase : phases_) phase->Show();
+    quality_->setText(QualityText(logic_.quality()));
     const QSignalBlocker quiet(auto_phase_);
     auto_phase_->setChecked(logic_.auto_phase());
 }

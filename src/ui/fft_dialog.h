@@ -46,6 +46,7 @@ private:
     void AddShift(QBoxLayout& column);
     void AddRows(QBoxLayout& column);
     void AddPhase(QBoxLayout& column);
+    void AddAutoPhase(QBoxLayout& column);
     void AddStart(QBoxLayout& column);
     void AddUser(QBoxLayout& column);
     void AddFoot(QBoxLayout& column);
@@ -71,6 +72,7 @@ private:
     QComboBox* row_ = nullptr; ///< only for several rows
     std::vector<PhaseControl*> phases_;
     QCheckBox* auto_phase_ = nullptr;
+    QLabel* quality_ = nullptr;
     QCheckBox* vendor_start_ = nullptr;
     QProgressBar* progress_ = nullptr;
 };

@@ -25,6 +25,7 @@ FormAnswer NMR1D_Form103(const FormRequest& request, QWidget* parent);     ///< 
 FormAnswer NMR1D_ListView(const FormRequest& request, QWidget* parent);    ///< "Parameters"
 FormAnswer Form17(const FormRequest& request, QWidget* parent);            ///< "Edit Parameter File"
 FormAnswer Form111_History(const FormRequest& request, QWidget* parent);   ///< "History of Data"
+FormAnswer Instrument_Form(const FormRequest& request, QWidget* parent);   ///< table of 0 ppm frequencies
 FormAnswer Picture3(const FormRequest& request, QWidget* parent);          ///< distance of two cursors
 FormAnswer Operator_Form22(const FormRequest& request, QWidget* parent);   ///< "Add/Delete Operator Name"
 FormAnswer SavePicture(const FormRequest& request, QWidget* parent);       ///< a picture file of the plot

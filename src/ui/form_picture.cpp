@@ -18,14 +18,14 @@ namespace {
 
 using namespace forms;
 
-QLabel* AddRow(QGridLayout& grid, const QString& caption, QWidget* field, QWidget* behind = nullptr)
+/// @param columns that the field takes
+QLabel* AddRow(QGridLayout& grid, const QString& caption, QWidget* field, int columns = 2)
 {
     auto* label = new QLabel(caption, field->parentWidget());
     label->setBuddy(field);
     const int row = grid.rowCount();
     grid.addWidget(label, row, 0);
-    grid.addWidget(field, row, 1, 1, behind == nullptr ? 2 : 1);
-    if (behind != nullptr) grid.addWidget(behind, row, 2);
+    grid.addWidget(field, row, 1, 1, columns);
     return label;
 }
 
@@ -48,11 +48,12 @@ public:
         unit_->addItems({"mm", "pixels"});
         unit_->setCurrentIndex(choice.size.millimetres ? 0 : 1);
         AddRow(*grid, "Format", format_);
-        AddRow(*grid, "Horizon", width_, unit_);
-        AddRow(*grid, "Vertical", height_);
+        AddRow(*grid, "Horizon", width_, 1);
+        grid->addWidget(unit_, grid->rowCount() - 1, 2);
+        AddRow(*grid, "Vertical", height_, 1);
         ratio_ = new QCheckBox("X:Y Ratio is Fixed", this);
         grid->addWidget(ratio_, grid->rowCount(), 1, 1, 2);
-        dpi_label_ = AddRow(*grid, "Dots per inch", dpi_);
+        dpi_label_ = AddRow(*grid, "Dots per inch", dpi_, 1);
         column()->addLayout(grid);
         hint_ = AddText({});
         hint_->setObjectName("Hint");

@@ -27,13 +27,14 @@ void ToolPanel::Refresh()
     for (const auto& [action, button] : actions_) button->setChecked(tools_.action() == action);
 }
 
-void ToolPanel::BeginGroup()
+QWidget* ToolPanel::BeginGroup()
 {
     group_ = new QWidget(this);
     auto* row = new QHBoxLayout(group_);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(4);
     flow_->addWidget(group_);
+    return group_;
 }
 
 void ToolPanel::AddWidget(QWidget* widget)

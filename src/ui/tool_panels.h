@@ -39,7 +39,7 @@ public:
 
 protected:
     /// A group of its own; what follows is put into it.
-    void BeginGroup();
+    QWidget* BeginGroup();
     /// Pressed as long as the mouse does this.
     QToolButton* AddAction(ToolAction action, const QString& caption, const QString& tip);
     QPushButton* AddButton(const char* name, const QString& caption, const QString& tip, std::function<void()> step);
@@ -88,10 +88,11 @@ public:
 
 private:
     void AddPoints();
+    void AddShapes();
 
     QComboBox* method_ = nullptr;
-    ValueEdit* average_ = nullptr;
-    QList<QWidget*> points_; ///< what the smooth methods do without
+    ValueEdit *average_ = nullptr, *bend_ = nullptr, *degree_ = nullptr;
+    std::vector<QWidget*> groups_[3]; ///< what belongs to each method
     QPushButton *delete_all_ = nullptr, *undo_ = nullptr, *redo_ = nullptr, *preview_ = nullptr;
 };
 
@@ -99,6 +100,14 @@ class ReferenceToolbar : public ToolPanel {
 public:
     ReferenceToolbar(Tools& tools, Session& session);
     void Refresh() override;
+
+private:
+    void Take(double ppm);
+    void FillShifts();
+
+    QLabel* line_ = nullptr;
+    ValueEdit* shift_ = nullptr;
+    QComboBox* shifts_ = nullptr;
 };
 
 class PeakToolbar : public ToolPanel {

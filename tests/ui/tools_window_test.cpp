@@ -1,0 +1,351 @@
+// The tools of the main form through real keys and mouse events of the window.
+
+#include "analysis/phase.h"
+#include "session/color_regions.h"
+#include "window_rig.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QFrame>
+#include <QMessageBox>
+#include <QScrollBar>
+#include <QTableWidget>
+
+#include <gmock/gmock.h>
+
+namespace nmr {
+namespace {
+
+using namespace test;
+
+/// Lorentz lines at 2, 5 and 8 ppm, turned by a phase, on a level.
+struct ToolRig : WindowRig {
+    explicit ToolRig(double phase_deg = 0, int rows = 1) : WindowRig(rows)
+    {
+        DataSet& set = g.Slots[0];
+        const auto n = static_cast<std::size_t>(set.par.POINT);
+        const double c = std::cos(phase_deg / 57.29577951308232), s = std::sin(phase_deg / 57.29577951308232);
+        for (std::size_t row = 0; row < set.spec.DataRe.rows(); ++row)
+            for (std::size_t i = 0; i < n; ++i) {
+                double re = 0, im = 0;
+                for (const double at : {2.0, 5.0, 8.0}) {
+                    const double x = (set.spec.XAxis[i] - at) / 0.01;
+                    re += 1000 / (1 + x * x);
+                    im += -1000 * x / (1 + x * x);
+                }
+                set.spec.DataRe[row][i] = static_cast<float>(re * c - im * s + 20);
+                set.spec.DataIm[row][i] = static_cast<float>(re * s + im * c);
+            }
+        set.par.SLVNT = "CDCl3";
+        window->RefreshAll();
+    }
+    void Open(const QString& caption)
+    {
+        Entry(caption)->trigger();
+        Settle(*window);
+    }
+    double Y(double height) const { return window->plot().frame().Y(height); }
+    void Click(double ppm, double y = 60) { Drag(window->plot(), {X(ppm), y}, {X(ppm), y}); }
+    std::vector<float> Row() const
+    {
+        const auto row = g.Slots[0].spec.DataRe[0].first(static_cast<std::size_t>(g.Slots[0].par.POINT));
+        return {row.begin(), row.end()};
+    }
+    /// Runs a command whose question is answered; returns the question.
+    QString Asked(const std::function<void()>& command, QMessageBox::StandardButton answer)
+    {
+        QString text;
+        WhenModal([&](QDialog& box) {
+            text = static_cast<QMessageBox&>(box).text();
+            static_cast<QMessageBox&>(box).button(answer)->click();
+        });
+        command();
+        return text;
+    }
+    PlotWidget& plot() { return window->plot(); }
+    template <class Widget>
+    Widget& Get(const char* name)
+    {
+        return Find<Widget>(*window, name);
+    }
+};
+
+TEST(ToolWindow, EachEntryOpensItsBarAndEscLeavesIt)
+{
+    struct Case {
+        const char *entry, *bar;
+        Tool tool;
+    };
+    const Case cases[] = {{"Phase Correction", "PhaseToolbar", Tool::phase},
+                          {"Set Reference (Main Spectrum)", "ReferenceToolbar", Tool::reference},
+                          {"Base Line Correction", "BaselineToolbar", Tool::base_line},
+                          {"Peak Picking", "PeakToolbar", Tool::peaks},
+                          {"Integral", "IntegralToolbar", Tool::integrals},
+                          {"Set Color on the Selected Region", "ColorToolbar", Tool::regions}};
+    ToolRig rig;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.entry);
+        // "Integral" is also a switch of the display: the entry of the tool stands first.
+        rig.Open(c.entry);
+        EXPECT_EQ(rig.window->tools().open(), c.tool);
+        EXPECT_TRUE(rig.Entry(c.entry)->isChecked());
+        for (const Case& other : cases)
+            EXPECT_EQ(rig.Get<QFrame>(other.bar).isVisible(), other.tool == c.tool) << other.bar;
+        Key(rig.plot(), Qt::Key_Escape);
+        EXPECT_EQ(rig.window->tools().open(), Tool::none);
+        EXPECT_FALSE(rig.Get<QFrame>(c.bar).isVisible());
+        EXPECT_FALSE(rig.Entry(c.entry)->isChecked());
+    }
+    rig.Open("Phase Correction");
+    rig.window->resize(480, 600);
+    Settle(*rig.window);
+    EXPECT_LE(rig.window->width(), 520) << "a bar goes into lines instead of widening the window";
+    for (const QWidget* child : rig.Get<QFrame>("PhaseToolbar").findChildren<QWidget*>())
+        EXPECT_LE(child->mapTo(rig.window.get(), QPoint(child->width(), 0)).x(), rig.window->width());
+}
+
+TEST(ToolWindow, PhaseFollowsFieldsStepsKeysAndWheel)
+{
+    ToolRig rig(-40);
+    const std::vector<float> before = rig.Row();
+    rig.Open("Phase Correction");
+    const auto phase0 = [&] { return rig.window->tools().phase0(); };
+    const auto phase1 = [&] { return rig.window->tools().phase1(); };
+    rig.Get<QAbstractButton>("Label1+5").click();
+    EXPECT_EQ(phase0(), 5);
+    EXPECT_EQ(rig.Get<QLineEdit>("PhaseText1").text(), "5.0");
+    EXPECT_EQ(rig.Get<QScrollBar>("Phase0ScrollBar").value(), 50);
+    rig.Get<QScrollBar>("Phase1ScrollBar").setValue(-123);
+    EXPECT_NEAR(phase1(), -12.3, 1e-5);
+    Type(rig.Get<QLineEdit>("PhaseText2"), "0");
+    Type(rig.Get<QLineEdit>("PhaseText1"), "900");
+    EXPECT_EQ(phase0(), 180) << "put back to the limit";
+    Type(rig.Get<QLineEdit>("PhaseText1"), "10");
+    rig.plot().setFocus();
+    const struct {
+        int key;
+        Qt::KeyboardModifiers keys;
+        double zero, first;
+    } steps[] = {{Qt::Key_Right, Qt::ShiftModifier, 11, 0},
+                 {Qt::Key_Left, Qt::ShiftModifier | Qt::ControlModifier, 10.9, 0},
+                 {Qt::Key_Up, Qt::ShiftModifier, 10.9, 1},
+                 {Qt::Key_Down, Qt::ShiftModifier | Qt::ControlModifier, 10.9, 0.9},
+                 {Qt::Key_Right, Qt::NoModifier, 10.9, 0.9}}; // the shown range moves as ever
+    for (const auto& step : steps) {
+        QKeyEvent press(QEvent::KeyPress, step.key, step.keys);
+        QCoreApplication::sendEvent(&rig.plot(), &press);
+        EXPECT_NEAR(phase0(), step.zero, 1e-5);
+        EXPECT_NEAR(phase1(), step.first, 1e-5);
+    }
+    Wheel(rig.plot(), {200, 100}, 240, Qt::ShiftModifier);
+    EXPECT_NEAR(phase0(), 12.9, 1e-5);
+    Wheel(rig.plot(), {200, 100}, 240);
+    EXPECT_GT(rig.plot().magnification(), 1.5) << "the wheel alone is the height's";
+    rig.Get<QAbstractButton>("PhaseRobust").click();
+    EXPECT_NEAR(phase0(), 40, 2);
+    EXPECT_THAT(rig.Get<QLabel>("PhaseQuality").text().toStdString(), testing::MatchesRegex("Quality [0-9]+ %"));
+    rig.Get<QAbstractButton>("PhaseCommand4").click();
+    EXPECT_NEAR(phase0(), 40, 5);
+    EXPECT_EQ(rig.Get<QLabel>("PhaseQuality").text(), "") << "of another phase";
+    Key(rig.plot(), Qt::Key_Return);
+    EXPECT_EQ(rig.window->tools().open(), Tool::none);
+    EXPECT_NE(rig.Row(), before);
+    rig.Entry("UnDo(Phase Correction)")->trigger();
+    EXPECT_EQ(rig.Row(), before) << "one step for all of it";
+    EXPECT_TRUE(rig.g.Undo.empty());
+}
+
+TEST(ToolWindow, PhaseMarksAreDraggedAndEscTakesADragBack)
+{
+    ToolRig rig;
+    rig.Open("Phase Correction");
+    Type(rig.Get<QLineEdit>("PhaseText2"), "300");
+    const std::vector<float> turned = rig.Row();
+    const std::int32_t pivot = rig.g.PivotPoint, at8 = PpmToPoint(rig.g.Slots[0], 8);
+    const double pivot_ppm = PointToPpm(rig.g.Slots[0], pivot);
+    Drag(rig.plot(), {rig.X(pivot_ppm) + 3, 100}, {rig.X(8), 100});
+    EXPECT_NEAR(rig.g.PivotPoint, at8, 12);
+    for (std::size_t i = 0; i < turned.size(); ++i) ASSERT_NEAR(rig.Row()[i], turned[i], 0.05) << "the look stays";
+    const std::int32_t moved = rig.g.PivotPoint;
+    const float phase0 = rig.g.Phase0Deg;
+    Mouse(rig.plot(), QEvent::MouseButtonPress, {rig.X(8), 100});
+    Mouse(rig.plot(), QEvent::MouseMove, {rig.X(3), 100});
+    EXPECT_NE(rig.g.PivotPoint, moved);
+    Key(rig.plot(), Qt::Key_Escape);
+    EXPECT_EQ(rig.g.PivotPoint, moved);
+    EXPECT_EQ(rig.g.Phase0Deg, phase0);
+    Mouse(rig.plot(), QEvent::MouseButtonRelease, {rig.X(3), 100});
+    EXPECT_EQ(rig.window->tools().open(), Tool::phase) << "only the drag was given up";
+    // The other mark, by its button; then it is taken hold of whatever button is down.
+    rig.Get<QAbstractButton>("Action2").click();
+    rig.Click(2);
+    EXPECT_NEAR(rig.g.P2Point, PpmToPoint(rig.g.Slots[0], 2), 12);
+    rig.Get<QAbstractButton>("Action1").click();
+    Drag(rig.plot(), {rig.X(2), 100}, {rig.X(3), 100});
+    EXPECT_NEAR(rig.g.P2Point, PpmToPoint(rig.g.Slots[0], 3), 12);
+    EXPECT_EQ(rig.g.PivotPoint, moved);
+    // Shift leaves the drag to the zoom.
+    QMouseEvent press(QEvent::MouseButtonPress, {rig.X(6), 100}, rig.plot().mapToGlobal(QPointF(rig.X(6), 100)),
+                      Qt::LeftButton, Qt::LeftButton, Qt::ShiftModifier);
+    const double to = rig.X(4);
+    QCoreApplication::sendEvent(&rig.plot(), &press);
+    Mouse(rig.plot(), QEvent::MouseMove, {to, 100});
+    Mouse(rig.plot(), QEvent::MouseButtonRelease, {to, 100});
+    EXPECT_NEAR(rig.Width(), 2, 0.05);
+    EXPECT_EQ(rig.g.PivotPoint, moved);
+}
+
+TEST(ToolWindow, OtherCommandsAskFirstAndTheDisplayDoesNot)
+{
+    ToolRig rig;
+    const std::vector<float> before = rig.Row();
+    const auto invert = [&] { rig.Entry("Inversion of Spectrum")->trigger(); };
+    constexpr char kQuestion[] = "Will you Fix Phase Correction?";
+    rig.Open("Phase Correction");
+    Type(rig.Get<QLineEdit>("PhaseText1"), "90");
+    const std::vector<float> turned = rig.Row();
+    rig.Entry("Grid")->trigger();
+    rig.Entry("Show All Data")->trigger();
+    EXPECT_EQ(rig.window->tools().open(), Tool::phase);
+    EXPECT_EQ(rig.Asked(invert, QMessageBox::Cancel), kQuestion);
+    EXPECT_EQ(rig.Row(), turned);
+    EXPECT_EQ(rig.Asked([&] { rig.window->ReadPath("/nowhere"); }, QMessageBox::Cancel), kQuestion);
+    EXPECT_EQ(rig.Asked([&] { rig.window->close(); }, QMessageBox::Cancel), kQuestion);
+    EXPECT_TRUE(rig.window->isVisible());
+    EXPECT_EQ(rig.Asked([&] { rig.Entry("Peak Picking")->trigger(); }, QMessageBox::Cancel), kQuestion);
+    EXPECT_FALSE(rig.Entry("Peak Picking")->isChecked());
+    EXPECT_EQ(rig.window->tools().open(), Tool::phase);
+    EXPECT_EQ(rig.Asked([&] { rig.Entry("Peak Picking")->trigger(); }, QMessageBox::No), kQuestion);
+    EXPECT_EQ(rig.Row(), before);
+    EXPECT_EQ(rig.window->tools().open(), Tool::peaks);
+    invert(); // peaks stand without a question
+    EXPECT_EQ(rig.window->tools().open(), Tool::none);
+    EXPECT_NE(rig.Row(), before);
+}
+
+TEST(ToolWindow, BaseLinePointsAreClickedDraggedAndTakenBack)
+{
+    ToolRig rig;
+    const std::vector<float> before = rig.Row();
+    rig.Open("Base Line Correction");
+    for (const double ppm : {0.0, 3.5, 11.0}) rig.Click(ppm);
+    ASSERT_EQ(rig.g.BasePoints.size(), 3U);
+    EXPECT_EQ(rig.window->tools().Marks().points.size(), 3U);
+    rig.Entry("UnDo(Add Point)")->trigger();
+    EXPECT_EQ(rig.g.BasePoints.size(), 2U);
+    rig.Entry("ReDo(Add Point)")->trigger();
+    EXPECT_EQ(rig.g.BasePoints.size(), 3U);
+    rig.Get<QAbstractButton>("Action6").click();
+    const float level = rig.g.BasePoints[1].Value;
+    Drag(rig.plot(), {rig.X(3.5), rig.Y(20)}, {rig.X(3.5), rig.Y(120)});
+    EXPECT_NEAR(rig.g.BasePoints[1].Value, level + 100, 3);
+    rig.Get<QAbstractButton>("BasePointsUndo").click();
+    EXPECT_EQ(rig.g.BasePoints[1].Value, level) << "a drag is one step";
+    auto& preview = rig.Get<QAbstractButton>("BaseCorCommand1");
+    preview.click();
+    EXPECT_NEAR(rig.Row()[100], before[100] - 20, 1);
+    preview.click();
+    EXPECT_EQ(rig.Row(), before);
+    preview.click();
+    rig.Click(6.5); // the button is still "Move", and no point is there
+    EXPECT_TRUE(preview.isChecked());
+    rig.Get<QAbstractButton>("Action5").click();
+    rig.Click(6.5);
+    EXPECT_FALSE(preview.isChecked()) << "what was shown was of other points";
+    EXPECT_EQ(rig.Row(), before);
+    auto& method = rig.Get<QComboBox>("BaseLineMethod");
+    for (const int index : {1, 2}) {
+        method.setCurrentIndex(index);
+        emit method.activated(index);
+        EXPECT_TRUE(rig.Get<QLineEdit>(index == 1 ? "BaseLineBend" : "BaseLineDegree").isVisible());
+        EXPECT_FALSE(rig.Get<QLineEdit>("BaselineText1").isVisible());
+        preview.click();
+        EXPECT_NEAR(rig.Row()[100], before[100] - 20, 3);
+        preview.click();
+        EXPECT_EQ(rig.Row(), before);
+    }
+    method.setCurrentIndex(0);
+    emit method.activated(0);
+    rig.Get<QAbstractButton>("BaseCorCommand2").click();
+    EXPECT_EQ(rig.g.Slots[0].par.BaseLineDone, 1);
+    EXPECT_EQ(rig.Asked([&] { rig.Open("Phase Correction"); }, QMessageBox::No).left(30),
+              "Since BaseLine Correction has ");
+    rig.Entry("UnDo(Base Line Correction)")->trigger();
+    EXPECT_EQ(rig.Row(), before);
+}
+
+TEST(ToolWindow, ReferenceTakesTheLineUnderTheClick)
+{
+    ToolRig rig;
+    rig.Open("Set Reference (Main Spectrum)");
+    auto& shift = rig.Get<QLineEdit>("ReferenceShift");
+    EXPECT_FALSE(shift.isEnabled());
+    Drag(rig.plot(), {rig.X(8) + 2, 100}, {rig.X(8) + 2, 100}); // beside it: the top is meant
+    EXPECT_NEAR(rig.window->tools().reference_line(), 8, 0.001);
+    auto& shifts = rig.Get<QComboBox>("ReferenceShifts");
+    EXPECT_EQ(shifts.itemText(0), "CDCl3   CHCl3   7.26");
+    emit shifts.activated(0);
+    const DataSet& set = rig.g.Slots[0];
+    const auto top =
+        static_cast<std::size_t>(std::ranges::max_element(set.spec.DataRe[0].last(3000)) - set.spec.DataRe[0].begin());
+    EXPECT_NEAR(set.spec.XAxis[top], 7.26, 0.002);
+    Type(shift, "7.5");
+    EXPECT_NEAR(set.spec.XAxis[top], 7.5, 0.002);
+    Key(shift, Qt::Key_Return); // nothing typed: Enter is the tool's
+    EXPECT_EQ(rig.window->tools().open(), Tool::none);
+    EXPECT_NEAR(set.spec.XAxis[top], 7.5, 0.002);
+    rig.Entry("UnDo(Set Reference)")->trigger();
+    EXPECT_NEAR(set.spec.XAxis[top], 8, 0.002);
+}
+
+TEST(ToolWindow, TheInstrumentTableIsSearchedAndArranged)
+{
+    ToolRig rig;
+    rig.g.Slots[0].par.InstrumentID = "gamma";
+    rig.g.Slots[0].par.ObsCenter = 400.002;
+    rig.g.Instruments = {{"alpha", "p1", "1H", 400, 399.99, "d"},
+                         {"beta", "p2", "13C", 100, 99.9, "d"},
+                         {"beta", "p3", "1H", 500, 499.9, "d"}};
+    const auto arrange = [&](bool accept) {
+        WhenModal([&, accept](QDialog& form) {
+            auto& table = Find<QTableWidget>(form, "");
+            Type(Find<QLineEdit>(form, "Search"), "BETA");
+            EXPECT_TRUE(table.isRowHidden(0));
+            EXPECT_FALSE(table.isRowHidden(1) || table.isRowHidden(2));
+            table.selectRow(1);
+            Find<QAbstractButton>(form, "Delete").click();
+            for (int i = 0; i < 2; ++i) Find<QAbstractButton>(form, "Add").click();
+            EXPECT_EQ(table.rowCount(), 3) << "the present data stand in it once";
+            accept ? form.accept() : form.reject();
+        });
+        rig.Entry("Arrange Instrumental Data for Reference Setting")->trigger();
+    };
+    arrange(false);
+    EXPECT_EQ(rig.g.Instruments.size(), 3U);
+    EXPECT_FALSE(rig.g.InstrumentsChanged);
+    arrange(true);
+    ASSERT_EQ(rig.g.Instruments.size(), 3U);
+    EXPECT_EQ(rig.g.Instruments[1].probe, "p3");
+    EXPECT_EQ(rig.g.Instruments[2].instrument, "gamma");
+    EXPECT_EQ(rig.g.Instruments[2].ppm0, 400);
+    EXPECT_TRUE(rig.g.InstrumentsChanged);
+}
+
+TEST(ToolWindow, RowsKeepTheirOwnPhases)
+{
+    ToolRig rig(0, 2);
+    rig.Open("Phase Correction");
+    Type(rig.Get<QLineEdit>("PhaseText1"), "30");
+    rig.window->StepRow(1);
+    EXPECT_EQ(rig.window->tools().phase0(), 0);
+    EXPECT_EQ(rig.Get<QLineEdit>("PhaseText1").text(), "0.0");
+    Type(rig.Get<QLineEdit>("PhaseText1"), "60");
+    rig.window->StepRow(-1);
+    EXPECT_EQ(rig.Get<QLineEdit>("PhaseText1").text(), "30.0");
+    const auto& re = rig.g.Slots[0].spec.DataRe;
+    const auto top = static_cast<std::size_t>(PpmToPoint(rig.g.Slots[0], 5));
+    EXPECT_NEAR(re[1][top] / re[0][top], 0.5 / std::cos(30 / 57.29577951308232), 0.02);
+}
+
+} // namespace
+} // namespace nmr
