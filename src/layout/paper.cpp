@@ -31,7 +31,7 @@ RectD PaperSizeOf(int code, Orientation orientation)
     return {0, 0, row.width_mm, row.height_mm};
 }
 
-std::string PaperText(int code, Orientation orientation, PaperUnit unit)
+std::string PaperCaption(int code, Orientation orientation, PaperUnit unit)
 {
     const RectD size = PaperSizeOf(code, orientation);
     const double factor = unit == PaperUnit::cm ? 0.1 : 1;

@@ -23,6 +23,6 @@ enum class Orientation { portrait = 1, landscape = 2 }; ///< as PAPER ORIENT has
 RectD PaperSizeOf(int code, Orientation orientation);
 enum class PaperUnit { mm, cm };
 /// "A4: 210x297 mm Portrait".
-std::string PaperText(int code, Orientation orientation, PaperUnit unit = PaperUnit::mm);
+std::string PaperCaption(int code, Orientation orientation, PaperUnit unit = PaperUnit::mm);
 
 } // namespace nmr

@@ -173,7 +173,7 @@ FormAnswer PrintPlot(const FormRequest& request, QWidget* parent)
         const int shown = std::max(0, paper->currentIndex());
         const auto orientation = lies->currentIndex() == 1 ? Orientation::landscape : Orientation::portrait;
         paper->clear();
-        for (const PaperRow& row : Papers()) paper->addItem(Qs(PaperText(row.code, orientation)));
+        for (const PaperRow& row : Papers()) paper->addItem(Qs(PaperCaption(row.code, orientation)));
         paper->setCurrentIndex(shown);
     };
     list_papers();

@@ -189,9 +189,9 @@ TEST(PrintPicture, APrinterOfAFileIsAlwaysThere)
 
 TEST(Papers, AreNamedByTheirCode)
 {
-    EXPECT_EQ(PaperText(2, Orientation::landscape), "A4(small): 297x210 mm Landscape");
-    EXPECT_EQ(PaperText(5, Orientation::portrait, PaperUnit::cm), "B5: 18.2x25.7 cm Portrait");
-    EXPECT_EQ(PaperText(9, Orientation::portrait), "A4: 210x297 mm Portrait") << "what is not known is A4";
+    EXPECT_EQ(PaperCaption(2, Orientation::landscape), "A4(small): 297x210 mm Landscape");
+    EXPECT_EQ(PaperCaption(5, Orientation::portrait, PaperUnit::cm), "B5: 18.2x25.7 cm Portrait");
+    EXPECT_EQ(PaperCaption(9, Orientation::portrait), "A4: 210x297 mm Portrait") << "what is not known is A4";
 }
 
 TEST(PictureChoice, TellsTheSizeOfItsFile)
