@@ -38,6 +38,8 @@ constexpr HelpRow kKeys[] = {
     {"Ctrl + D", "two cursors and their distance; Shift while dragging: no jump to the tops"},
     {"Ctrl + 1, Ctrl + 2, Ctrl + 3", "phase correction, reference, base line correction"},
     {"Ctrl + 4, Ctrl + 5", "peak picking, integrals"},
+    {"Shift + Left, Right or wheel", "phase: zero order by 1 degree, with Ctrl by 0.1"},
+    {"Shift + Up, Down, or Alt + wheel", "phase: first order, likewise"},
     {"Enter", "fix what the open tool has done"},
     {"Esc", "leave the open tool and put back what it has not fixed"},
     {"Ctrl + Q", "exit"},
