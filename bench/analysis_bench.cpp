@@ -7,6 +7,7 @@
 #include "analysis/robust_phase.h"
 #include "analysis/smooth_base_line.h"
 #include "bench.h"
+#include "layout/integral_marks.h"
 #include "phase_table/made_spectra.h"
 
 #include <algorithm>
@@ -65,22 +66,25 @@ void LongRows(std::vector<BenchRow>& rows)
     rows.push_back({"Bernstein, 1048576 points", BestMs(3, [&] { Bernstein_Base_Line(row); }), "ms", 0, {}});
 }
 
-/// A frame of a drag: one region is summed anew, and every region's curve is asked for at each pixel.
+/// A frame of a drag: one region is summed anew, and the curves of all are worked out as they are drawn, two places
+/// a pixel; their strokes are the plot's.
 void DragRow(std::vector<BenchRow>& rows)
 {
-    constexpr int kRegions = 200, kPixels = 1500;
+    constexpr int kRegions = 200, kPlaces = 2 * 1500;
     const auto g = BlockOf(MakeSpectrum(0, 7, kMaxPoints));
     if (!g) return;
     DataSet& set = g->Slots[0];
     for (int i = 0; i < kRegions; ++i) Add_Integral(*g, -1.9 + 0.07 * i, -1.9 + 0.07 * i + 0.06);
-    const IntegralCurves curves(*g);
+    const auto curves = std::make_shared<IntegralCurves>(CurvesOf(*g));
+    const auto row = set.spec.DataRe[0].first(kMaxPoints);
     double sum = 0, way = 0.01;
     const double frame = BestMs(kRuns, [&] {
         Move_Integral(*g, 100, way);
         way = -way;
-        for (const IntegralEntry& e : set.Integrals)
-            for (int x = 0; x < kPixels / kRegions; ++x)
-                sum += curves.At(e, e.StartPoint - x * (e.StartPoint - e.EndPoint) * kRegions / kPixels);
+        const IntegralMarks marks = MakeIntegralMarks(set, row, g->settings, {}, curves);
+        for (const IntegralMark& mark : marks.marks)
+            for (std::int32_t p = mark.start; p >= mark.end; p -= kMaxPoints / kPlaces)
+                sum += curves->At(mark.entry, p);
     });
     rows.push_back({"drag among 200 integrals, 1048576 points, one frame", sum == 0 ? 0 : frame, "ms", 4, {}});
 }

@@ -92,23 +92,6 @@ double PeakMegabytes(const std::function<void()>& prepare, const std::function<v
     return grown;
 }
 
-/// Processor time of the best of several calls: one thread is asked about, whatever else the machine does.
-double BestCpuMs(int times, const std::function<void()>& body)
-{
-    const auto now = [] {
-        timespec time{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return 1e3 * static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_nsec);
-    };
-    double best = std::numeric_limits<double>::infinity();
-    for (int i = 0; i < times; ++i) {
-        const double start = now();
-        body();
-        best = std::min(best, now() - start);
-    }
-    return best;
-}
-
 std::vector<BenchRow> Jcamp()
 {
     const fs::path path = Scratch("large.dx");

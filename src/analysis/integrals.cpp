@@ -25,16 +25,6 @@ void SetPoints(const DataSet& set, IntegralEntry& entry, std::int32_t a, std::in
     entry.End = static_cast<float>(PointToPpm(set, entry.EndPoint) - set.spec.XAxis[0]);
 }
 
-/// Base line of a region at point p: B0 at its start, the ramp by the length of the whole row.
-struct Ramp {
-    double a, b;
-    Ramp(const IntegralEntry& entry, std::int32_t points) :
-        a(static_cast<double>(entry.B0) + static_cast<double>(entry.B1) * entry.StartPoint / points),
-        b(static_cast<double>(entry.B1) / points)
-    {
-    }
-};
-
 void Recalculate(GlobalBlock& g, std::int32_t index)
 {
     Calc_Integral(g, index, 0.0F);
@@ -66,7 +56,7 @@ float Calc_Integral(GlobalBlock& g, std::int32_t index, float result)
     const auto full = static_cast<double>(set.par.DispLeft);
     if (full == 0.0) return entry->Value = 0.0F;
     const auto row = set.spec.DataRe[ShownRowIndex(g, set)];
-    const Ramp ramp(*entry, set.par.POINT);
+    const IntegralRamp ramp(*entry, set.par.POINT);
     double sum = static_cast<double>(result);
     // A file may hold regions of a longer row.
     const std::int32_t end = std::max(entry->EndPoint, 0);
@@ -77,6 +67,7 @@ float Calc_Integral(GlobalBlock& g, std::int32_t index, float result)
 
 void Calc_All_Integrals(GlobalBlock& g)
 {
+    if (g.Slots[0].Integrals.size() > kMaxIntegrals) return;
     for (std::size_t i = 0; i < g.Slots[0].Integrals.size(); ++i) Recalculate(g, static_cast<std::int32_t>(i));
 }
 
@@ -199,33 +190,12 @@ std::int32_t Find_Integral(const DataSet& set, double ppm)
     return best;
 }
 
-IntegralCurves::IntegralCurves(const GlobalBlock& g)
+IntegralCurves CurvesOf(const GlobalBlock& g)
 {
     const DataSet& set = g.Slots[0];
     const std::size_t n = HeldPoints(set);
-    before_.assign(n + 1, 0.0);
-    if (n == 0 || set.par.DispLeft == 0.0F) return;
-    const auto row = set.spec.DataRe[ShownRowIndex(g, set)];
-    const double unit = 1.0 / static_cast<double>(set.par.DispLeft);
-    double sum = 0;
-    for (std::size_t i = 0; i < n; ++i) {
-        sum += static_cast<double>(row[i]);
-        before_[i + 1] = sum * unit;
-    }
-}
-
-double IntegralCurves::At(const IntegralEntry& entry, std::int32_t p) const
-{
-    const auto n = static_cast<std::int32_t>(before_.size()) - 1;
-    const std::int32_t start = std::min(entry.StartPoint, n - 1), end = std::max(entry.EndPoint, 0);
-    if (n < 1 || start < end) return 0.0;
-    p = std::clamp(p, end, start);
-    const double points = static_cast<double>(start - p) + 1.0;
-    const Ramp ramp(entry, n);
-    // The sum of q from p to start.
-    const double indices = points * (static_cast<double>(start) + p) / 2.0;
-    const double sum = before_[static_cast<std::size_t>(start) + 1] - before_[static_cast<std::size_t>(p)];
-    return sum - indices * ramp.b + points * ramp.a;
+    if (n == 0) return {};
+    return {set.spec.DataRe[ShownRowIndex(g, set)].first(n), static_cast<double>(set.par.DispLeft)};
 }
 
 } // namespace nmr

@@ -3,10 +3,10 @@
 // the edits of the mouse. No function here keeps an undo step; commands do that before they call.
 
 #include "core/global_block.h"
+#include "core/integral_curve.h"
 
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 namespace nmr {
 
@@ -16,7 +16,8 @@ inline constexpr std::size_t kMaxIntegrals = 200;
 /// added at point p; `result` is the value it starts from. Stores the float in Value and returns it. 0 is stored
 /// when the set has no DispLeft; an index outside the list gives `result`.
 float Calc_Integral(GlobalBlock& g, std::int32_t index, float result);
-/// All of them; after a change of the points, of the row, or an undo.
+/// All of them; after a change of the points, of the row, or an undo. Of a file's list that is longer than lists
+/// may be, none: their sums would take long.
 void Calc_All_Integrals(GlobalBlock& g);
 
 /// Adds the region between two positions, in either order and on an axis of either direction; the list stays in
@@ -41,17 +42,7 @@ bool Set_B0_B1(GlobalBlock& g, std::int32_t index, float b0, float b1);
 /// The region at a position, -1 for none; of overlapping ones the narrowest.
 std::int32_t Find_Integral(const DataSet& set, double ppm);
 
-/// Running sums of the shown row for drawing: any point of any region's curve at full data in constant time.
-/// Built once for a row; a drag only asks it again.
-class IntegralCurves {
-public:
-    explicit IntegralCurves(const GlobalBlock& g);
-    /// The sum from the start of the region to point p (held inside it), in the units of Value.
-    double At(const IntegralEntry& entry, std::int32_t p) const;
-    double Total(const IntegralEntry& entry) const { return At(entry, entry.EndPoint); }
-
-private:
-    std::vector<double> before_; ///< before_[p]: sum of the points below p, in units of DispLeft
-};
+/// Of the shown row.
+IntegralCurves CurvesOf(const GlobalBlock& g);
 
 } // namespace nmr

@@ -36,6 +36,9 @@ constexpr std::array<std::pair<std::string_view, std::optional<double> PeakChoic
 constexpr std::array<std::pair<std::string_view, bool PeakChoice::*>, 2> kSwitches{
     {{"negative", &PeakChoice::negative}, {"interpolate", &PeakChoice::interpolate}}};
 
+/// In place of a value that was not given.
+constexpr char kPlainPeaks[] = "negative=off";
+
 bool SetPeakWord(PeakChoice& choice, std::string_view key, const std::string& value)
 {
     for (const auto& [name, member] : kLevels)
@@ -104,27 +107,31 @@ Status Integrate(GlobalBlock& g, const AnalysisOptions& options)
     return {};
 }
 
-Json PeakJson(const DataSet& set, std::size_t row, const PeakEntry& peak, bool interpolate)
+Json PeakJson(const PeakLine& line, bool interpolate)
 {
-    Json out = {{"ppm", PeakPpm(set, peak)},
-                {"hz", PeakHz(set, peak)},
-                {"height", PeakAmplitude(set, row, peak)},
-                {"height_percent", PeakHeightPercent(set, row, peak)},
-                {"point", PeakIndex(set, peak)}};
-    if (!interpolate) return out;
-    const PeakTop top = InterpolatedTop(set, row, peak);
-    out["top"] = {{"ppm", top.ppm}, {"hz", top.hz}, {"height", top.amplitude}};
+    Json out = {{"ppm", line.ppm},
+                {"hz", line.hz},
+                {"height", line.amplitude},
+                {"height_percent", line.height_percent},
+                {"point", line.point}};
+    if (interpolate) out["top"] = {{"ppm", line.top.ppm}, {"hz", line.top.hz}, {"height", line.top.amplitude}};
     return out;
 }
 
-Json IntegralJson(const DataSet& set, std::size_t index)
+Json IntegralJson(const IntegralLine& line)
 {
-    const IntegralEntry& entry = set.Integrals[index];
-    const auto relative = ListedIntegral(set, index);
-    return {{"from_ppm", IntegralStartPpm(set, entry)},
-            {"to_ppm", IntegralEndPpm(set, entry)},
-            {"value", entry.Value},
-            {"relative", relative ? Json(*relative) : Json(nullptr)}};
+    return {{"from_ppm", line.start_ppm},
+            {"to_ppm", line.end_ppm},
+            {"value", static_cast<float>(line.sum)},
+            {"relative", line.value ? Json(*line.value) : Json(nullptr)}};
+}
+
+/// "noise=0.1": a word of small letters before the sign.
+bool HasKey(std::string_view text)
+{
+    const auto equals = text.find('=');
+    return equals != std::string_view::npos && equals > 0 &&
+           std::ranges::all_of(text.substr(0, equals), [](char c) { return c >= 'a' && c <= 'z'; });
 }
 
 template <class Parser, class Take>
@@ -194,8 +201,7 @@ void AddAnalysisOptions(CLI::App& app, AnalysisOptions& options)
         ->check(CLI::IsMember({"auto", "whittaker", "bernstein", "off"}));
     AddText(
         app, "--peaks", ParsePeaks, [&](const PeakChoice& choice) { options.peaks = choice; },
-        "picks peaks; [noise=..,detect=..,base=..] as fractions of the highest point, negative=on, interpolate=on")
-        ->expected(0, 1);
+        "picks peaks; [noise=..,detect=..,base=..] as fractions of the highest point, negative=on, interpolate=on");
     AddText(
         app, "--integrate", ParseRegions, [&](const auto& regions) { options.regions_ppm = regions; },
         "A:B[,A:B...] in ppm");
@@ -203,6 +209,16 @@ void AddAnalysisOptions(CLI::App& app, AnalysisOptions& options)
         app, "--ref-integral", ParseReferenceIntegral,
         [&](const auto& pair) { std::tie(options.reference, options.reference_value) = pair; },
         "N=V: region N counts V; 1=1 without it");
+}
+
+std::vector<std::string> SettlePeaks(std::vector<std::string> arguments)
+{
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] != "--peaks") continue;
+        const bool own = i + 1 < arguments.size() && HasKey(arguments[i + 1]);
+        if (!own) arguments.insert(arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1, kPlainPeaks);
+    }
+    return arguments;
 }
 
 Status Analyse(GlobalBlock& g, const AnalysisOptions& options)
@@ -219,12 +235,12 @@ void ReportAnalysis(const GlobalBlock& g, const AnalysisOptions& options, Json& 
     const std::size_t row = ShownRowIndex(g, set);
     if (options.peaks) {
         Json& peaks = report["peaks"] = Json::array();
-        for (const PeakEntry& peak : set.Peaks) peaks.push_back(PeakJson(set, row, peak, options.peaks->interpolate));
+        for (const PeakLine& line : PeakLines(set, row)) peaks.push_back(PeakJson(line, options.peaks->interpolate));
     }
     if (options.regions_ppm.empty()) return;
     Json& integrals = report["integrals"] = Json::array();
     for (const std::size_t index : ListOrder(set, options))
-        if (index < set.Integrals.size()) integrals.push_back(IntegralJson(set, index));
+        if (index < set.Integrals.size()) integrals.push_back(IntegralJson(IntegralLineOf(set, index)));
 }
 
 bool IsListExtension(std::string_view lower_case_extension)

@@ -39,6 +39,9 @@ Result<std::vector<std::pair<double, double>>> ParseRegions(const std::string& t
 Result<std::pair<std::int32_t, double>> ParseReferenceIntegral(const std::string& text);
 
 void AddAnalysisOptions(CLI::App& app, AnalysisOptions& options);
+/// Arguments in which --peaks always has a value, an empty one where none was given: what follows it is its own
+/// only when it has the form KEY=..., since a data file may stand behind it as well.
+std::vector<std::string> SettlePeaks(std::vector<std::string> arguments);
 
 /// Works on the shown row of slot 0, in the order base line, peaks, integrals. What could not be done goes to
 /// the warnings of the set. bad_value for a region outside the axis or a reference that does not exist.

@@ -3,11 +3,13 @@
 #include "cli/convert.h"
 #include "cli/process.h"
 #include "cli/report.h"
+#include "core/numbers.h"
 #include "session/startup.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -52,6 +54,25 @@ void AddRowAndBlock(CLI::App& app, std::int32_t& row, std::optional<int>& block)
         ->check(CLI::Range(1, 9999));
 }
 
+void AddPictureOptions(CLI::App& app, PictureSize& size)
+{
+    app.add_option_function<std::string>(
+           "--size",
+           [&size](const std::string& text) {
+               const auto wanted = ParsePictureSize(text);
+               if (!wanted) throw CLI::ValidationError(wanted.error().text);
+               size = {wanted->width, wanted->height, wanted->millimetres, size.dpi};
+           },
+           "of pictures: WxH in pixels (1200x700) or WxHmm (160x90mm)")
+        ->type_name("TEXT");
+    app.add_option("--dpi", size.dpi, "dots per inch of pictures: 96 unless told, 300 for a size in mm")
+        ->check([](const std::string& text) {
+            const auto number = ParseNumber(text);
+            return number && *number > 0 ? std::string()
+                                         : "--dpi takes dots per inch, such as 300, not \"" + text + '"';
+        });
+}
+
 void AddProcess(CLI::App& app, ProcessOptions& options)
 {
     app.add_option("path", options.path, "data file or folder")->required();
@@ -68,9 +89,10 @@ void AddProcess(CLI::App& app, ProcessOptions& options)
     AddRowAndBlock(app, options.row, options.block);
     AddParsed(app, "--range", ParseRange, options.range_ppm, "LEFT:RIGHT in ppm, for pictures and .csv");
     app.add_option("--out", options.outputs,
-                   "write FILE: .tvo1, .npy, .csv, .red, .int, .Ilist, .png, .svg or .pdf; may be given again")
+                   "write FILE: .tvo1, .npy, .csv, .red, .int, .Ilist, " + PictureExtensions() + "; may be given again")
         ->take_all()
         ->allow_extra_args(false);
+    AddPictureOptions(app, options.size);
     app.add_flag("--json", options.json, "one JSON object on standard output");
     AddParsed(app, "--table", ParseTable, options.table, kTableHelp);
     AddAnalysisOptions(app, options.analysis);
@@ -117,7 +139,9 @@ int Run(int argc, char** argv)
     CLI::App* convert = app.add_subcommand("convert", "saves the spectrum of a file in another form");
     AddConvert(*convert, conversion);
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> arguments = SettlePeaks({argv + std::min(argc, 1), argv + argc});
+        std::ranges::reverse(arguments); // the parser takes them from the end
+        app.parse(std::move(arguments));
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? 0 : static_cast<int>(Exit::usage);
     }

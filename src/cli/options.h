@@ -4,6 +4,7 @@
 #include "cli/analysis.h"
 #include "core/result.h"
 #include "fid/window.h"
+#include "layout/picture_job.h"
 
 #include <cstdint>
 #include <map>
@@ -63,7 +64,7 @@ struct ProcessOptions {
     bool json = false;
     TableValues table;
     AnalysisOptions analysis;
-    double width = 1200, height = 700; ///< pixels of a picture
+    PictureSize size; ///< of pictures
 };
 
 Result<ZeroFill> ParseZeroFill(const std::string& text);

@@ -1,11 +1,13 @@
 #include "cli/picture.h"
 
+#include "core/file_layer.h"
 #include "layout/picture_job.h"
+#include "layout/spectrum_scene.h"
 
-#include <array>
 #include <dlfcn.h>
 #include <filesystem>
 #include <system_error>
+#include <tuple>
 
 namespace nmr {
 namespace {
@@ -34,27 +36,33 @@ Result<PictureFunction> LoadModule()
 
 } // namespace
 
-bool IsPictureExtension(std::string_view lower_case_extension)
+bool IsPicture(std::string_view path)
 {
-    return lower_case_extension == ".png" || lower_case_extension == ".svg" || lower_case_extension == ".pdf";
+    return PictureFormatOf(path).has_value();
+}
+
+Status CheckPicture(const ProcessOptions& options, std::string_view path)
+{
+    return CheckPictureSize(options.size, *PictureFormatOf(path));
 }
 
 Status WritePicture(const GlobalBlock& g, const ProcessOptions& options, const std::string& path)
 {
-    static const Result<PictureFunction> write = LoadModule();
-    if (!write) return write.error();
+    static const Result<PictureFunction> make = LoadModule();
+    if (!make) return make.error();
     SceneOptions scene_options;
     scene_options.row = options.row - 1;
+    scene_options.paper = true;
     if (options.range_ppm) std::tie(scene_options.left_ppm, scene_options.right_ppm) = *options.range_ppm;
     const SpectrumScene scene = MakeScene(g.Slots[0], g.settings, scene_options);
     PictureJob job;
-    job.scene = &scene;
-    job.path = path;
-    job.width = options.width;
-    job.height = options.height;
-    std::array<char, 512> message{};
-    if ((*write)(&job, message.data(), message.size()) == 0) return {};
-    return PictureError(message.data());
+    job.draw = [&scene](Canvas& canvas, const RectD& rect) { DrawSpectrumScene(canvas, rect, scene); };
+    job.format = *PictureFormatOf(path);
+    job.size = options.size;
+    job.title = scene.title;
+    std::string answer;
+    if ((*make)(&job, &answer) != 0) return PictureError(answer);
+    return WriteWholeFile(path, answer);
 }
 
 } // namespace nmr

@@ -10,7 +10,9 @@
 
 namespace nmr {
 
-bool IsPictureExtension(std::string_view lower_case_extension);
+bool IsPicture(std::string_view path);
+/// Whether a picture of the wished size can be made; known before any data are read.
+Status CheckPicture(const ProcessOptions& options, std::string_view path);
 Status WritePicture(const GlobalBlock& g, const ProcessOptions& options, const std::string& path);
 
 } // namespace nmr

@@ -124,7 +124,7 @@ bool KnownOutput(const std::string& path)
 {
     const std::string extension = ToLower(std::filesystem::path(path).extension().string());
     return extension == ".npy" || extension == ".csv" || IsListExtension(extension) || IsNativeExtension(extension) ||
-           IsPictureExtension(extension);
+           IsPicture(path);
 }
 
 // The transform as the options want it, in place of the form.
@@ -192,9 +192,16 @@ Exit RunHistory(const std::string& path, bool json)
 Exit RunProcess(const ProcessOptions& options)
 {
     for (const std::string& out : options.outputs) {
-        if (KnownOutput(out)) continue;
-        Complain(out, "the extension must be .tvo1, .tvo, .tv1, .npy, .csv, .red, .int, .Ilist, .png, .svg or .pdf");
-        return Exit::usage;
+        if (!KnownOutput(out)) {
+            Complain(out,
+                     "the extension must be .tvo1, .tvo, .tv1, .npy, .csv, .red, .int, .Ilist, " + PictureExtensions());
+            return Exit::usage;
+        }
+        if (!IsPicture(out)) continue;
+        if (const Status size = CheckPicture(options, out); !size) {
+            Complain(out, size.error().text);
+            return Exit::usage;
+        }
     }
     Run run;
     run.asker.SetTableValues(options.table);

@@ -63,21 +63,29 @@ double PeakHeightPercent(const DataSet& set, std::size_t row, const PeakEntry& p
     return 100.0 * PeakAmplitude(set, row, peak) / static_cast<double>(set.par.DispLeft);
 }
 
-PeakTop InterpolatedTop(const DataSet& set, std::size_t row, const PeakEntry& peak)
+PeakTop TopBetween(const DataSet& set, std::span<const float> row, std::int32_t point)
 {
-    const std::int32_t i = PeakIndex(set, peak);
-    PeakTop top{PeakPpm(set, peak), PeakHz(set, peak), PeakAmplitude(set, row, peak)};
-    if (i < 1 || i >= LastIndex(set) || row >= set.spec.DataRe.rows()) return top;
-    const double before = Sample(set, row, i - 1), here = Sample(set, row, i), after = Sample(set, row, i + 1);
-    const double bend = before - 2.0 * here + after;
+    const auto at = [&](std::int32_t p) { return static_cast<double>(row[static_cast<std::size_t>(p)]); };
+    const auto last = std::min(LastIndex(set), static_cast<std::int32_t>(row.size()) - 1);
+    if (point < 0 || point > last) return {};
+    const double here = at(point);
+    PeakTop top{PointToPpm(set, point), PpmToHz(set, PointToPpm(set, point)), here};
+    if (point < 1 || point >= last) return top;
+    const double before = at(point - 1), after = at(point + 1), bend = before - 2.0 * here + after;
     const bool extremum = (here >= before && here >= after) || (here <= before && here <= after);
     if (!extremum || bend == 0.0) return top;
     const double offset = 0.5 * (before - after) / bend; // points, within half a point of the sample
-    const double step_ppm = (PointToPpm(set, i + 1) - PointToPpm(set, i - 1)) / 2.0;
-    top.ppm = PointToPpm(set, i) + offset * step_ppm;
+    const double step_ppm = (PointToPpm(set, point + 1) - PointToPpm(set, point - 1)) / 2.0;
+    top.ppm += offset * step_ppm;
     top.hz = PpmToHz(set, top.ppm);
     top.amplitude = here - 0.25 * (before - after) * offset;
     return top;
+}
+
+PeakTop InterpolatedTop(const DataSet& set, std::size_t row, const PeakEntry& peak)
+{
+    if (row >= set.spec.DataRe.rows()) return {PeakPpm(set, peak), PeakHz(set, peak), PeakAmplitude(set, row, peak)};
+    return TopBetween(set, set.spec.DataRe[row], PeakIndex(set, peak));
 }
 
 double IntegralStartPpm(const DataSet& set, const IntegralEntry& entry)
@@ -98,6 +106,45 @@ std::optional<double> ListedIntegral(const DataSet& set, std::size_t index)
     const double listed =
         static_cast<double>(set.Integrals[index].Value) / unit * static_cast<double>(set.IntegralScale);
     return unit != 0.0 && std::isfinite(listed) ? std::optional(listed) : std::nullopt;
+}
+
+PeakLine PeakLineOf(const DataSet& set, std::size_t row, std::size_t index)
+{
+    const PeakEntry& peak = set.Peaks[index];
+    return {static_cast<std::int32_t>(index) + 1,
+            PeakIndex(set, peak),
+            PeakPpm(set, peak),
+            PeakHz(set, peak),
+            PeakAmplitude(set, row, peak),
+            PeakHeightPercent(set, row, peak),
+            InterpolatedTop(set, row, peak)};
+}
+
+std::vector<PeakLine> PeakLines(const DataSet& set, std::size_t row)
+{
+    std::vector<PeakLine> lines;
+    for (std::size_t i = 0; i < set.Peaks.size(); ++i) lines.push_back(PeakLineOf(set, row, i));
+    return lines;
+}
+
+IntegralLine IntegralLineOf(const DataSet& set, std::size_t index)
+{
+    const IntegralEntry& entry = set.Integrals[index];
+    return {static_cast<std::int32_t>(index) + 1,
+            ListedIntegral(set, index),
+            static_cast<double>(entry.Value),
+            IntegralStartPpm(set, entry),
+            IntegralEndPpm(set, entry),
+            ShortestDouble(entry.B0),
+            ShortestDouble(entry.B1),
+            static_cast<std::int32_t>(index) == set.IntegralRef};
+}
+
+std::vector<IntegralLine> IntegralLines(const DataSet& set)
+{
+    std::vector<IntegralLine> lines;
+    for (std::size_t i = 0; i < set.Integrals.size(); ++i) lines.push_back(IntegralLineOf(set, i));
+    return lines;
 }
 
 } // namespace nmr

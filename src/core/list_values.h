@@ -7,6 +7,8 @@
 #include "core/data_set.h"
 
 #include <optional>
+#include <span>
+#include <vector>
 
 namespace nmr {
 
@@ -20,11 +22,13 @@ double PeakAmplitude(const DataSet& set, std::size_t row, const PeakEntry& peak)
 /// 100 * amplitude / DispLeft, the unit of all levels; 0 where DispLeft is.
 double PeakHeightPercent(const DataSet& set, std::size_t row, const PeakEntry& peak);
 
-/// Top of the parabola through a peak's sample and its two neighbours. At an end of the row, or where the
+/// Top of the parabola through a point of a row and its two neighbours. At an end of the row, or where the
 /// sample is no local extremum, the sample itself.
 struct PeakTop {
     double ppm = 0, hz = 0, amplitude = 0;
 };
+PeakTop TopBetween(const DataSet& set, std::span<const float> row, std::int32_t point);
+/// The same at a peak of the list.
 PeakTop InterpolatedTop(const DataSet& set, std::size_t row, const PeakEntry& peak);
 
 /// Ends of a region, ppm.
@@ -34,5 +38,27 @@ double IntegralEndPpm(const DataSet& set, const IntegralEntry& entry);
 /// The value that lists show: Value / Value of the reference entry * IntegralScale. Nothing for an index
 /// outside the list, without a reference, or where the reference's value is 0.
 std::optional<double> ListedIntegral(const DataSet& set, std::size_t index);
+
+/// A line of the peak list. Its number is that of the plot's labels too: lists are kept from the small shift up.
+struct PeakLine {
+    std::int32_t number = 0; ///< from 1
+    std::int32_t point = 0;
+    double ppm = 0, hz = 0, amplitude = 0, height_percent = 0;
+    PeakTop top; ///< between the samples
+};
+PeakLine PeakLineOf(const DataSet& set, std::size_t row, std::size_t index);
+std::vector<PeakLine> PeakLines(const DataSet& set, std::size_t row);
+
+/// A line of the integral list.
+struct IntegralLine {
+    std::int32_t number = 0;     ///< from 1
+    std::optional<double> value; ///< relative to the reference
+    double sum = 0;              ///< of the points, in units of DispLeft
+    double start_ppm = 0, end_ppm = 0;
+    double b0 = 0, b1 = 0;
+    bool reference = false;
+};
+IntegralLine IntegralLineOf(const DataSet& set, std::size_t index);
+std::vector<IntegralLine> IntegralLines(const DataSet& set);
 
 } // namespace nmr

@@ -4,6 +4,7 @@
 #include "formats/list_files.h"
 
 #include "core/file_layer.h"
+#include "core/integral_curve.h"
 #include "core/list_values.h"
 #include "core/numbers.h"
 #include "core/text.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 
 namespace nmr {
@@ -57,15 +59,12 @@ std::vector<std::string> PeakHeads(ListUnit unit)
     return {"No", "Position(ppm)", fmt::format("Frequency({})", FrequencyRow(unit).name), "Amplitude", "Height(%)"};
 }
 
-std::vector<std::string> PeakFields(const GlobalBlock& g, std::size_t index, ListUnit unit)
+std::vector<std::string> PeakFields(const PeakLine& line, ListUnit unit)
 {
-    const DataSet& set = g.Slots[0];
-    const PeakEntry& peak = set.Peaks[index];
     const UnitRow& row = FrequencyRow(unit);
-    return {FormatNumber(kNumber, static_cast<double>(index + 1)), FormatNumber(kPosition, PeakPpm(set, peak)),
-            FormatNumber(row.frequency, PeakHz(set, peak) * row.from_hz),
-            FormatNumber(kAmplitude, PeakAmplitude(set, ShownRow(g), peak)),
-            FormatNumber(kHeight, PeakHeightPercent(set, ShownRow(g), peak))};
+    return {FormatNumber(kNumber, line.number), FormatNumber(kPosition, line.ppm),
+            FormatNumber(row.frequency, line.hz * row.from_hz), FormatNumber(kAmplitude, line.amplitude),
+            FormatNumber(kHeight, line.height_percent)};
 }
 
 /// A comment of several lines would look like entries.
@@ -103,15 +102,11 @@ std::string IntegralText(const GlobalBlock& g, ListUnit unit)
     text += Joined({"No", "Integral", fmt::format("Start({})", row.name), fmt::format("End({})", row.name), "B0/Ymax",
                     "B1/Ymax"}) +
             "\r\n";
-    for (std::size_t i = 0; i < set.Integrals.size(); ++i) {
-        const IntegralEntry& entry = set.Integrals[i];
-        const auto value = ListedIntegral(set, i);
-        text += Joined({FormatNumber("##0", static_cast<double>(i + 1)),
-                        value ? FormatNumber(" #####0.0", *value) : std::string(), end(IntegralStartPpm(set, entry)),
-                        end(IntegralEndPpm(set, entry)), FormatNumber(kBaseWord, ShortestDouble(entry.B0)),
-                        FormatNumber(kBaseWord, ShortestDouble(entry.B1))}) +
+    for (const IntegralLine& line : IntegralLines(set))
+        text += Joined({FormatNumber("##0", line.number),
+                        line.value ? FormatNumber(" #####0.0", *line.value) : std::string(), end(line.start_ppm),
+                        end(line.end_ppm), FormatNumber(kBaseWord, line.b0), FormatNumber(kBaseWord, line.b1)}) +
                 "\r\n";
-    }
     return text;
 }
 
@@ -172,23 +167,6 @@ std::string BadLine(std::size_t number)
     return fmt::format("Entry {} of the list is no line of numbers.", number);
 }
 
-/// "1H" as "<sup>1</sup>H", "CDCl3" as "CDCl<sub>3</sub>".
-std::string WithDigitsIn(std::string_view text, std::string_view open, std::string_view close)
-{
-    std::string out;
-    bool inside = false;
-    for (const char c : text) {
-        const bool digit = c >= '0' && c <= '9';
-        if (digit != inside) out += digit ? open : close;
-        inside = digit;
-        if (c == '<' || c == '>' || c == '&')
-            out += c == '&' ? "&amp;" : c == '<' ? "&lt;" : "&gt;";
-        else
-            out += c;
-    }
-    return inside ? out + std::string(close) : out;
-}
-
 } // namespace
 
 ListUnit ShownListUnit(const GlobalBlock& g)
@@ -200,7 +178,7 @@ Status WriteDataRed(const std::string& path, const GlobalBlock& g, ListUnit unit
 {
     const DataSet& set = g.Slots[0];
     std::string text = Head(set) + fmt::format("Data No.= {}\r\n", set.Peaks.size()) + Joined(PeakHeads(unit)) + "\r\n";
-    for (std::size_t i = 0; i < set.Peaks.size(); ++i) text += Joined(PeakFields(g, i, unit)) + "\r\n";
+    for (const PeakLine& line : PeakLines(set, ShownRow(g))) text += Joined(PeakFields(line, unit)) + "\r\n";
     return Write(path, text, "WriteDataRed/1DDRW");
 }
 
@@ -209,8 +187,9 @@ Status WriteDataRedAls(const std::string& path, const GlobalBlock& g)
     const DataSet& set = g.Slots[0];
     const auto& par = set.par;
     const auto seven = [](double value) { return FormatNumber("######0.0000000", value); };
+    const std::vector<PeakLine> lines = PeakLines(set, ShownRow(g));
     double highest = 0;
-    for (const PeakEntry& peak : set.Peaks) highest = std::max(highest, PeakAmplitude(set, ShownRow(g), peak));
+    for (const PeakLine& line : lines) highest = std::max(highest, line.amplitude);
     const double hz = set.spec.XAxis.size() < 2 ? 0.0 : PpmToHz(set, PointToPpm(set, 1) - PointToPpm(set, 0));
     const double ppm = par.OBFRQ0PPM == 0.0 ? 0.0 : hz / par.OBFRQ0PPM;
     std::string text = "NO.           PPM      INT(%)      FREQ(Hz)  POSITION  \r\n";
@@ -222,12 +201,9 @@ Status WriteDataRedAls(const std::string& path, const GlobalBlock& g)
     text += "ABOBS " + seven(par.ObsCenter * 1e3) + " kHz\r\n";
     text += "NGAIN 1\r\n";
     text += "COMNT  " + OneLine(par.COMNT) + "\r\n";
-    for (std::size_t i = 0; i < set.Peaks.size(); ++i) {
-        const PeakEntry& peak = set.Peaks[i];
-        text += fmt::format("{:>3}{:>15}{:>10}\r\n", FormatNumber("##0", static_cast<double>(i + 1)),
-                            FormatNumber("########0.00000", PeakPpm(set, peak)),
-                            FormatNumber("###0.00000", PeakHeightPercent(set, ShownRow(g), peak)));
-    }
+    for (const PeakLine& line : lines)
+        text += fmt::format("{:>3}{:>15}{:>10}\r\n", FormatNumber("##0", line.number),
+                            FormatNumber("########0.00000", line.ppm), FormatNumber("###0.00000", line.height_percent));
     return Write(path, text, "WriteDataRedAls/1DDRW");
 }
 
@@ -239,6 +215,31 @@ Status WriteDataIntList(const std::string& path, const GlobalBlock& g, ListUnit 
 Status WriteDataInt(const std::string& path, const GlobalBlock& g, ListUnit unit)
 {
     return Write(path, IntegralText(g, unit), "WriteDataInt/1DDRW");
+}
+
+Status WriteDataIntCurve(const std::string& path, const GlobalBlock& g, ListUnit unit)
+{
+    const DataSet& set = g.Slots[0];
+    const std::size_t shown = ShownRow(g);
+    const UnitRow& row = RowOf(unit);
+    const auto points = static_cast<std::size_t>(std::max(set.par.POINT, 0));
+    const std::size_t n = shown < set.spec.DataRe.rows() ? std::min(points, set.spec.DataRe.columns()) : 0;
+    const IntegralCurves curves =
+        n == 0 ? IntegralCurves()
+               : IntegralCurves(set.spec.DataRe[shown].first(n), static_cast<double>(set.par.DispLeft));
+    std::string text = Head(set) + Joined({"No", fmt::format("Position({})", row.name), "Sum", "Integral"}) + "\r\n";
+    for (std::size_t i = 0; i < set.Integrals.size(); ++i) {
+        const IntegralEntry& entry = set.Integrals[i];
+        const auto value = ListedIntegral(set, i);
+        const double total = curves.Total(entry), share = value && total != 0 ? *value / total : 0;
+        const auto first = std::min(entry.StartPoint, static_cast<std::int32_t>(n) - 1);
+        for (std::int32_t p = first; p >= std::max(entry.EndPoint, 0); --p) {
+            const double ppm = PointToPpm(set, p), sum = curves.At(entry, p);
+            const double at = row.from_hz == 0.0 ? ppm : PpmToHz(set, ppm) * row.from_hz;
+            fmt::format_to(std::back_inserter(text), "{}, {:.6f}, {:.6g}, {:.6g}\r\n", i + 1, at, sum, sum * share);
+        }
+    }
+    return Write(path, text, "WriteDataInt/1DDRW");
 }
 
 Result<std::vector<ListedPeak>> ReadDataRed(const std::string& path)
@@ -276,35 +277,6 @@ Result<IntegralListFile> ReadDataInt(const std::string& path)
         file.regions.push_back({!fields[1].empty(), (*n)[0], (*n)[1], (*n)[2], (*n)[3], (*n)[4]});
     }
     return file;
-}
-
-std::string PeakTable(const GlobalBlock& g, ListUnit unit)
-{
-    std::string text = Joined(PeakHeads(unit), "\t") + "\n";
-    for (std::size_t i = 0; i < g.Slots[0].Peaks.size(); ++i) text += Joined(PeakFields(g, i, unit), "\t") + "\n";
-    return text;
-}
-
-PaperText PeaksForPaper(const DataSet& set)
-{
-    std::vector<double> shifts;
-    for (const PeakEntry& peak : set.Peaks) shifts.push_back(PeakPpm(set, peak));
-    std::ranges::sort(shifts, std::greater{});
-    std::vector<std::string> texts;
-    const std::string_view pattern = set.par.OBNUC == "1H" ? "###0.00" : "###0.0";
-    for (const double shift : shifts) {
-        std::string text = FormatNumber(pattern, shift);
-        if (text.find_first_not_of("-0.") == std::string::npos) text.erase(0, text.starts_with('-') ? 1 : 0);
-        texts.push_back(std::move(text));
-    }
-    const std::string frequency = FormatNumber("#####0", set.par.ObsCenter) + " MHz";
-    const std::string solvent(Trim(set.par.SLVNT));
-    const std::string list = Joined(texts) + (texts.empty() ? "" : ".");
-    const auto build = [&](const std::string& nucleus, const std::string& in) {
-        return nucleus + " NMR (" + frequency + (in.empty() ? "" : ", " + in) + ") δ " + list;
-    };
-    return {build(set.par.OBNUC, solvent),
-            build(WithDigitsIn(set.par.OBNUC, "<sup>", "</sup>"), WithDigitsIn(solvent, "<sub>", "</sub>"))};
 }
 
 } // namespace nmr

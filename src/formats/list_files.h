@@ -1,5 +1,5 @@
 #pragma once
-// Peaks and integrals as text: the list files, their reading, and the line that a paper prints.
+// The list files of peaks and integrals, and their reading.
 
 #include "core/global_block.h"
 
@@ -23,6 +23,9 @@ Status WriteDataRedAls(const std::string& path, const GlobalBlock& g);
 Status WriteDataIntList(const std::string& path, const GlobalBlock& g, ListUnit unit);
 /// The same without its title line, ".int".
 Status WriteDataInt(const std::string& path, const GlobalBlock& g, ListUnit unit);
+/// The curves of the integrals, running sums at full data: a line for each point of each region, with its position,
+/// the sum of the points up to it in units of DispLeft, and that in the units of the listed values.
+Status WriteDataIntCurve(const std::string& path, const GlobalBlock& g, ListUnit unit);
 
 /// A line of a .red file. Amplitude and height are those of the file.
 struct ListedPeak {
@@ -41,16 +44,5 @@ struct IntegralListFile {
     std::vector<ListedRegion> regions;
 };
 Result<IntegralListFile> ReadDataInt(const std::string& path);
-
-/// "Copy": one line a peak, fields separated by tabs, under a head line.
-std::string PeakTable(const GlobalBlock& g, ListUnit unit);
-
-/// Peaks as a paper prints them, shifts in descending order:
-/// "1H NMR (300 MHz, CDCl3) δ 8.03, 7.55, 2.29." Two decimals for protons, one for other nuclei.
-struct PaperText {
-    std::string plain;
-    std::string html; ///< the same with raised mass numbers and lowered indices
-};
-PaperText PeaksForPaper(const DataSet& set);
 
 } // namespace nmr

@@ -1,9 +1,10 @@
 #include "layout/canvas.h"
 
-#include <vector>
+#include "layout/shapes.h"
+
+#include <algorithm>
 
 namespace nmr {
-
 Rgba FromSetting(std::int32_t color)
 {
     const auto byte = [color](int shift) { return static_cast<std::uint8_t>((color >> shift) & 0xFF); };
@@ -13,6 +14,36 @@ Rgba FromSetting(std::int32_t color)
 std::int32_t ToSetting(Rgba color)
 {
     return color.red | (color.green << 8) | (color.blue << 16);
+}
+
+std::vector<double> DashesOf(const Pen& pen)
+{
+    // In pen widths; a hair line's dashes are those of a line one unit wide.
+    constexpr double kDash = 4, kDot = 1, kGap = 2;
+    std::vector<double> dashes;
+    switch (pen.style) {
+    case PenStyle::dash:
+        dashes = {kDash, kGap};
+        break;
+    case PenStyle::dot:
+        dashes = {kDot, kGap};
+        break;
+    case PenStyle::dash_dot:
+        dashes = {kDash, kGap, kDot, kGap};
+        break;
+    case PenStyle::dash_dot_dot:
+        dashes = {kDash, kGap, kDot, kGap, kDot, kGap};
+        break;
+    default:
+        break;
+    }
+    for (double& length : dashes) length *= std::max(1.0, pen.width);
+    return dashes;
+}
+
+void Canvas::Arc(const RectD& rect, double start_deg, double sweep_deg)
+{
+    Polyline(ArcPoints(rect, start_deg, sweep_deg));
 }
 
 // For canvases without anything better: one line a stripe, down its middle.

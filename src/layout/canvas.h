@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace nmr {
 
@@ -17,12 +18,19 @@ struct Rgba {
 Rgba FromSetting(std::int32_t color);
 std::int32_t ToSetting(Rgba color);
 
-enum class PenStyle { none, solid, dash, dot, dash_dot };
+/// Canvas units of usual lengths where a canvas stands for paper: its unit is 1/96 inch.
+inline constexpr double kUnitsPerInch = 96, kMillimetresPerInch = 25.4;
+inline constexpr double kUnitsPerMillimetre = kUnitsPerInch / kMillimetresPerInch;
+inline constexpr double kUnitsPerPoint = kUnitsPerInch / 72;
+
+enum class PenStyle { none, solid, dash, dot, dash_dot, dash_dot_dot };
 struct Pen {
     Rgba color;
-    double width = 1.0;
+    double width = 1.0; ///< canvas units; below one device pixel, 0 included, one pixel on a raster
     PenStyle style = PenStyle::solid;
 };
+/// Lengths of a style's dashes and of the gaps behind them, in turns, in canvas units; empty for a solid line.
+std::vector<double> DashesOf(const Pen& pen);
 
 struct PointD {
     double x = 0, y = 0;
@@ -47,6 +55,16 @@ struct TextExtent {
 };
 enum class TextAlign { left, centre, right };
 
+/// A picture of pixels, row by row from the upper left corner; `pixels` holds width times height of them.
+struct Raster {
+    int width = 0, height = 0;
+    std::span<const Rgba> pixels;
+    bool valid() const
+    {
+        return width > 0 && height > 0 && pixels.size() / static_cast<std::size_t>(width) >= std::size_t(height);
+    }
+};
+
 /// What a curve covers of one narrow column: from top down to bottom; nothing when top is not above bottom.
 struct Stripe {
     float top = 0, bottom = -1;
@@ -68,11 +86,16 @@ public:
     virtual bool PrefersStripes() const { return false; }
     virtual void Rectangle(const RectD& rect) = 0;
     virtual void Ellipse(const RectD& rect) = 0;
+    /// A part of the line of an ellipse; angles counter-clockwise from its right end.
+    virtual void Arc(const RectD& rect, double start_deg, double sweep_deg);
+    /// Pixels spread over a rectangle; one that is not valid draws nothing.
+    virtual void Picture(const RectD& rect, const Raster& raster) = 0;
     /// Text in the pen's colour; `at` lies on the base line, at the side that `align` names.
     virtual void Text(PointD at, std::string_view utf8, TextAlign align = TextAlign::left, double angle_deg = 0) = 0;
     virtual TextExtent Measure(std::string_view utf8) = 0;
     virtual void PushClip(const RectD& rect) = 0;
     virtual void PopClip() = 0;
+    /// A named part of the drawing, which formats that know of groups keep; groups and clips nest.
     virtual void BeginGroup(std::string_view name) = 0;
     virtual void EndGroup() = 0;
     /// Device pixels (or finest steps) in one unit: how fine a curve is worth drawing.

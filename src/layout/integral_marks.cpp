@@ -1,5 +1,6 @@
 #include "layout/integral_marks.h"
 
+#include "core/list_values.h"
 #include "layout/peak_marks.h"
 
 #include <fmt/format.h>
@@ -17,21 +18,11 @@ constexpr double kBracket = 0.5;   // height of the bracket over a value, in let
 constexpr double kPitch = 1.1;     // of values side by side, likewise
 constexpr int kMostDigits = 9;
 
-/// A value without its text, inside the row.
-bool Usable(const IntegralMark& mark, std::size_t points)
+std::string ValueText(const DataSet& set, std::size_t index, const Settings& settings)
 {
-    return mark.start >= 0 && mark.end >= 0 && mark.start != mark.end &&
-           static_cast<std::size_t>(std::max(mark.start, mark.end)) < points;
-}
-
-void WriteValues(IntegralMarks& integrals, const DataSet& set, const Settings& settings)
-{
-    if (set.IntegralRef < 0 || static_cast<std::size_t>(set.IntegralRef) >= integrals.marks.size()) return;
-    const double reference = integrals.marks[static_cast<std::size_t>(set.IntegralRef)].total;
-    if (reference == 0) return;
+    const auto value = ListedIntegral(set, index);
     const int digits = std::clamp(settings.default_integ_digit, 0, kMostDigits);
-    for (IntegralMark& mark : integrals.marks)
-        mark.text = fmt::format("{:.{}f}", mark.total / reference * static_cast<double>(set.IntegralScale), digits);
+    return value ? fmt::format("{:.{}f}", *value, digits) : std::string();
 }
 
 /// Points of the axis as places of the canvas.
@@ -41,21 +32,30 @@ struct Places {
     double X(double point) const { return frame.X(first_ppm + step_ppm * point); }
 };
 
-void DrawIntegral(Canvas& canvas, const Places& places, const IntegralMark& mark, const std::vector<double>& sums,
-                  double scale, bool base)
+/// The sum at a point of a curve that rises from the left of the display, whichever way the axis runs.
+double Rise(const IntegralMark& mark, const IntegralCurves& curves, bool starts_right, std::int32_t p)
+{
+    if (!starts_right) return curves.At(mark.entry, p);
+    return p == mark.start ? mark.total : mark.total - curves.At(mark.entry, p + 1);
+}
+
+/// Drawn from every point that can be told apart, at full data.
+void DrawIntegral(Canvas& canvas, const Places& places, const IntegralMark& mark, const IntegralCurves& curves,
+                  const IntegralPlaces& heights)
 {
     const RectD& rect = places.frame.rect;
-    const double foot = rect.bottom() - kFoot * rect.height;
-    const int step = mark.end > mark.start ? 1 : -1;
+    const double unit = std::abs(places.X(1) - places.X(0));
+    const bool starts_right = places.X(1) > places.X(0);
+    const auto stride = static_cast<std::int32_t>(std::clamp(kLeastStep / std::max(unit, 1e-9), 1.0, 1e6));
     std::vector<PointD> line;
-    for (std::size_t i = 0; i < sums.size(); ++i) {
-        const double x = places.X(mark.start + step * static_cast<double>(i));
-        const bool ends = i == 0 || i + 1 == sums.size();
-        if (!ends && std::abs(x - line.back().x) < kLeastStep) continue;
-        line.push_back({x, foot - sums[i] * scale});
+    for (std::int32_t p = mark.start;; p = std::max(p - stride, mark.end)) {
+        const double x = places.X(p);
+        const bool seen = x > rect.x - unit && x < rect.right() + unit;
+        if (seen || p == mark.start || p == mark.end)
+            line.push_back({x, heights.Y(Rise(mark, curves, starts_right, p))});
+        if (p == mark.end) break;
     }
     canvas.Polyline(line);
-    if (base) canvas.Lines(std::vector<Segment>{{{line.front().x, foot}, {line.back().x, foot}}});
 }
 
 /// Brackets under the axis, and the values below them.
@@ -99,46 +99,35 @@ void DrawValues(Canvas& canvas, const Places& places, const IntegralMarks& integ
 
 } // namespace
 
-std::vector<double> RunningSums(std::span<const float> row, const IntegralMark& mark, double unit)
-{
-    const int step = mark.end > mark.start ? 1 : -1;
-    const auto n = static_cast<double>(row.size());
-    const double share = 1 / unit;
-    std::vector<double> sums;
-    sums.reserve(static_cast<std::size_t>(std::abs(mark.start - mark.end)) + 1);
-    double sum = 0;
-    for (std::int32_t p = mark.start;; p += step) {
-        sum += static_cast<double>(row[static_cast<std::size_t>(p)]) * share + mark.b0 + mark.b1 * (mark.start - p) / n;
-        sums.push_back(sum);
-        if (p == mark.end) return sums;
-    }
-}
-
-IntegralMarks MakeIntegralMarks(const DataSet& set, std::span<const float> row, const Settings& settings, Rgba text)
+IntegralMarks MakeIntegralMarks(const DataSet& set, std::span<const float> row, const Settings& settings, Rgba text,
+                                std::shared_ptr<const IntegralCurves> curves)
 {
     IntegralMarks integrals;
-    if (settings.integral_disp == 0 || set.par.DispLeft == 0 || row.empty()) return integrals;
-    integrals.unit = static_cast<double>(set.par.DispLeft);
+    if (settings.integral_disp == 0 || set.par.DispLeft == 0 || row.empty() || set.Integrals.empty()) return integrals;
+    if (!curves || curves->size() != row.size())
+        curves = std::make_shared<IntegralCurves>(row, static_cast<double>(set.par.DispLeft));
+    integrals.curves = std::move(curves);
     const auto last = static_cast<std::int32_t>(row.size()) - 1;
-    for (const IntegralEntry& entry : set.Integrals) {
+    for (std::size_t i = 0; i < set.Integrals.size(); ++i) {
         // A file may hold regions of a longer row.
-        IntegralMark mark{std::min(entry.StartPoint, last),
-                          std::max(entry.EndPoint, 0),
-                          static_cast<double>(entry.B0),
-                          static_cast<double>(entry.B1),
-                          0,
-                          {}};
-        if (!Usable(mark, row.size())) mark.start = mark.end = 0; // keeps its number in the list
-        mark.total = RunningSums(row, mark, integrals.unit).back();
-        integrals.marks.push_back(std::move(mark));
+        const IntegralEntry& entry = set.Integrals[i];
+        const std::int32_t start = std::min(entry.StartPoint, last), end = std::max(entry.EndPoint, 0);
+        if (start <= end) continue;
+        integrals.marks.push_back({entry, i, start, end, integrals.curves->Total(entry), ValueText(set, i, settings)});
     }
-    WriteValues(integrals, set, settings);
-    std::erase_if(integrals.marks, [](const IntegralMark& mark) { return mark.start == mark.end; });
     integrals.show_base = settings.integ_base_disp != 0;
     integrals.text = text;
     integrals.curve.width = std::clamp(settings.disp_integ_width, 1.0, 20.0);
     integrals.font = {"Liberation Sans", 12};
     return integrals;
+}
+
+IntegralPlaces::IntegralPlaces(const PlotFrame& frame, const IntegralMarks& marks) :
+    foot(frame.rect.bottom() - kFoot * frame.rect.height)
+{
+    double largest = 0;
+    for (const IntegralMark& mark : marks.marks) largest = std::max(largest, std::abs(mark.total));
+    if (largest > 0) scale = kRise * frame.rect.height / largest;
 }
 
 double IntegralRowHeight(Canvas& canvas, const IntegralMarks& marks)
@@ -151,18 +140,20 @@ double IntegralRowHeight(Canvas& canvas, const IntegralMarks& marks)
     return widest + 3 * kBracket * canvas.Measure("X").height();
 }
 
-void DrawIntegralMarks(Canvas& canvas, const PlotFrame& frame, const IntegralMarks& marks, std::span<const float> row,
-                       double first_ppm, double step_ppm, double row_y)
+void DrawIntegralMarks(Canvas& canvas, const PlotFrame& frame, const IntegralMarks& marks, double first_ppm,
+                       double step_ppm, double row_y)
 {
     const Places places{frame, first_ppm, step_ppm};
-    double largest = 0;
-    for (const IntegralMark& mark : marks.marks) largest = std::max(largest, std::abs(mark.total));
-    if (largest == 0) return;
-    const double scale = kRise * frame.rect.height / largest;
+    const IntegralPlaces heights(frame, marks);
+    if (heights.scale == 0) return;
     canvas.PushClip(frame.rect);
     canvas.SetPen(marks.curve);
-    for (const IntegralMark& mark : marks.marks)
-        DrawIntegral(canvas, places, mark, RunningSums(row, mark, marks.unit), scale, marks.show_base);
+    for (const IntegralMark& mark : marks.marks) {
+        const double left = places.X(mark.start), right = places.X(mark.end);
+        if (std::max(left, right) < frame.rect.x || std::min(left, right) > frame.rect.right()) continue;
+        DrawIntegral(canvas, places, mark, *marks.curves, heights);
+        if (marks.show_base) canvas.Lines(std::vector<Segment>{{{left, heights.foot}, {right, heights.foot}}});
+    }
     canvas.PopClip();
     DrawValues(canvas, places, marks, row_y);
 }

@@ -13,15 +13,8 @@ namespace {
 constexpr double kLeader = 1.4;    // height of the slanted part of a line, in letter heights
 constexpr double kGap = 0.3;       // between label and line, and above a top, likewise
 constexpr double kRowPitch = 1.05; // of labels beside each other, likewise
+constexpr double kCross = 0.15;    // half of the cross on a top between the samples, likewise
 constexpr int kMostDigits = 9;
-
-/// Index of the sample that a peak stands on. Point may be one too high; Position says more when it agrees.
-std::size_t IndexOf(const DataSet& set, const PeakEntry& peak)
-{
-    const std::int32_t stored = std::clamp(peak.Point, 0, set.par.POINT - 1);
-    const std::int32_t nearest = PpmToPoint(set, PeakPpm(set, peak));
-    return static_cast<std::size_t>(std::abs(nearest - stored) <= 1 ? nearest : stored);
-}
 
 std::string TextOf(const DataSet& set, const PeakEntry& peak, std::size_t number, const Settings& settings)
 {
@@ -56,6 +49,13 @@ void DrawTops(Canvas& canvas, const PlotFrame& frame, const PeakMarks& marks, do
         if (x < frame.rect.x || x > frame.rect.right() || y < frame.rect.y || y > frame.rect.bottom()) continue;
         const double from = y - std::copysign(kGap * letter * 0.5, label.top);
         lines.push_back({{x, from}, {x, from - std::copysign(std::max(marks.top_height, 0.3) * letter, label.top)}});
+    }
+    for (const PeakLabel& label : marks.labels) {
+        if (!label.between) continue;
+        const double x = frame.X(label.between->ppm), y = frame.Y(label.between->amplitude), arm = kCross * letter;
+        if (x < frame.rect.x || x > frame.rect.right() || y < frame.rect.y || y > frame.rect.bottom()) continue;
+        lines.push_back({{x - arm, y - arm}, {x + arm, y + arm}});
+        lines.push_back({{x - arm, y + arm}, {x + arm, y - arm}});
     }
     canvas.SetPen(marks.top);
     canvas.Lines(lines);
@@ -94,16 +94,14 @@ PeakMarks MakePeakMarks(const DataSet& set, std::span<const float> row, const Se
 {
     PeakMarks marks;
     if (settings.peak_pick_disp == 0 || row.empty()) return marks;
-    std::vector<const PeakEntry*> peaks;
-    for (const PeakEntry& peak : set.Peaks) peaks.push_back(&peak);
-    // Numbers count from the left of the display.
-    std::ranges::stable_sort(
-        peaks, [&](const PeakEntry* a, const PeakEntry* b) { return PeakPpm(set, *a) > PeakPpm(set, *b); });
-    for (std::size_t i = 0; i < peaks.size(); ++i) {
-        const std::size_t index = std::min(IndexOf(set, *peaks[i]), row.size() - 1);
-        marks.labels.push_back(
-            {PeakPpm(set, *peaks[i]), static_cast<double>(row[index]), TextOf(set, *peaks[i], i + 1, settings)});
+    for (std::size_t i = 0; i < set.Peaks.size(); ++i) {
+        const PeakEntry& peak = set.Peaks[i];
+        const auto index = std::min(static_cast<std::size_t>(PeakIndex(set, peak)), row.size() - 1);
+        PeakLabel label{PeakPpm(set, peak), static_cast<double>(row[index]), TextOf(set, peak, i + 1, settings), {}};
+        if (settings.interpolate_tops == 1) label.between = TopBetween(set, row, static_cast<std::int32_t>(index));
+        marks.labels.push_back(std::move(label));
     }
+    std::ranges::stable_sort(marks.labels, std::ranges::greater{}, &PeakLabel::ppm);
     marks.at_bottom = set.PeakFlags != 0;
     marks.show_tops = settings.peak_top_disp != 0;
     marks.top_height = settings.peak_top_height;

@@ -2,10 +2,11 @@
 // Picked peaks in a plot: their positions above or below the spectrum, with lines to the tops, and marks on
 // the tops themselves.
 
-#include "core/data_set.h"
+#include "core/list_values.h"
 #include "core/settings.h"
 #include "layout/plot.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@ namespace nmr {
 struct PeakLabel {
     double ppm = 0, top = 0; ///< of the sample, in the units of the row
     std::string text;
+    std::optional<PeakTop> between; ///< the top between the samples, where it is to be marked
 };
 
 struct PeakMarks {

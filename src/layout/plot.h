@@ -55,7 +55,7 @@ struct AxisStyle {
     double hz_per_ppm = 1;   ///< OBFRQ0PPM
     bool individual = false; ///< AXIS TIC MODE not 0: the steps below instead of AutoTic
     double step_ppm = 1, step_hz = 100;
-    int divisions = 10; ///< minor ticks between numbers in individual mode
+    int divisions = 10;        ///< minor ticks between numbers in individual mode
     std::string title = "ppm"; ///< a text of layout/code_text.h
     Pen pen;
     Rgba text;

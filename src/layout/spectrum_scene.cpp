@@ -27,6 +27,19 @@ double PenWidth(double setting)
     return std::clamp(setting, 1.0, 20.0);
 }
 
+/// Lines as they are on paper, where settings count in tenths of a mm.
+void ThinForPaper(SpectrumScene& scene, const Settings& settings)
+{
+    constexpr double kUnit = 0.1 * kUnitsPerMillimetre;
+    scene.axis.pen.width = PenWidth(settings.draw_width_axis) * kUnit;
+    scene.grid.pen.width = PenWidth(settings.grid_width) * kUnit;
+    scene.peaks.line.width = scene.peaks.top.width = PenWidth(settings.draw_width_peak) * kUnit;
+    scene.integrals.curve.width = PenWidth(settings.draw_width_integ) * kUnit;
+    for (SceneCurve& curve : scene.curves) curve.pen.width = PenWidth(settings.draw_width_spec) * kUnit;
+    scene.background = FromSetting(settings.col_bg_print);
+    if (settings.col_bg_print_trans != 0) scene.background.alpha = 0;
+}
+
 FontSpecD AxisFont(const Settings& settings)
 {
     const double size = settings.disp_axfont_size;
@@ -131,14 +144,15 @@ void DrawInParts(Canvas& canvas, const PlotFrame& frame, const SceneCurve& curve
         DrawPart(canvas, PartOf(frame, from, frame.right_ppm, canvas.Resolution()), curve, curve.pen.color);
 }
 
-void AddMarks(SpectrumScene& scene, const DataSet& set, const Settings& settings, std::span<const float> row, bool dark)
+void AddMarks(SpectrumScene& scene, const DataSet& set, const Settings& settings, std::span<const float> row,
+              const SceneOptions& options)
 {
-    const auto color = [dark](std::int32_t setting) {
+    const auto color = [dark = options.dark](std::int32_t setting) {
         return dark ? ForDarkGround(FromSetting(setting)) : FromSetting(setting);
     };
     scene.peaks = MakePeakMarks(set, row, settings, color(settings.peak_num_col));
     scene.peaks.top = {color(settings.peak_top_col), std::clamp(settings.disp_peaktopwidt, 1.0, 20.0), PenStyle::solid};
-    scene.integrals = MakeIntegralMarks(set, row, settings, color(settings.col_integ_value));
+    scene.integrals = MakeIntegralMarks(set, row, settings, color(settings.col_integ_value), options.integrals);
     scene.integrals.curve.color = color(settings.integral_col);
 }
 
@@ -162,7 +176,7 @@ void DrawMarks(Canvas& canvas, const PlotFrame& frame, const SpectrumScene& scen
     const double under_axis = frame.rect.bottom() + XAxisHeight(canvas, scene.axis);
     const SceneCurve& curve = scene.curves.front();
     if (!scene.integrals.empty())
-        DrawIntegralMarks(canvas, frame, scene.integrals, curve.row, curve.first_ppm, curve.step_ppm, under_axis);
+        DrawIntegralMarks(canvas, frame, scene.integrals, curve.first_ppm, curve.step_ppm, under_axis);
     if (!scene.peaks.empty())
         DrawPeakMarks(canvas, frame, scene.peaks, scene.peaks.at_bottom ? under_axis + rows.integrals : frame.rect.y);
 }
@@ -276,6 +290,7 @@ SpectrumScene MakeScene(const DataSet& set, const Settings& settings, const Scen
     scene.text = colors.text;
     scene.left_ppm = options.left_ppm;
     scene.right_ppm = options.right_ppm;
+    if (options.paper) ThinForPaper(scene, settings); // also where there is nothing but the ground
     if (!CanShow(set, options.row)) return scene;
     if (options.title) scene.title = TitleOf(set);
     SceneCurve curve = MakeCurve(set, options, std::move(pyramid));
@@ -290,8 +305,9 @@ SpectrumScene MakeScene(const DataSet& set, const Settings& settings, const Scen
     scene.high = range.high;
     scene.grid.y_full = range.full;
     scene.regions = RegionsOf(set, settings, options.dark);
-    if (options.marks) AddMarks(scene, set, settings, curve.row, options.dark);
+    if (options.marks) AddMarks(scene, set, settings, curve.row, options);
     scene.curves.push_back(std::move(curve));
+    if (options.paper) ThinForPaper(scene, settings);
     return scene;
 }
 
@@ -321,10 +337,12 @@ PlotFrame SceneFrame(Canvas& canvas, const RectD& rect, const SpectrumScene& sce
 
 void DrawSpectrumScene(Canvas& canvas, const RectD& rect, const SpectrumScene& scene)
 {
-    canvas.SetPen({scene.background, 0, PenStyle::none});
-    canvas.SetBrush(scene.background);
-    canvas.Rectangle(rect);
-    canvas.SetBrush({0, 0, 0, 0});
+    if (scene.background.alpha > 0) {
+        canvas.SetPen({scene.background, 0, PenStyle::none});
+        canvas.SetBrush(scene.background);
+        canvas.Rectangle(rect);
+        canvas.SetBrush({0, 0, 0, 0});
+    }
     const PlotFrame frame = SceneFrame(canvas, rect, scene);
     if (scene.show_grid && !scene.curves.empty()) DrawGrid(canvas, frame, scene.axis, scene.grid);
     canvas.BeginGroup("spectra");

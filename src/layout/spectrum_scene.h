@@ -49,7 +49,7 @@ struct SpectrumScene {
     GridStyle grid;
     std::string title; ///< in the upper left corner; empty for none
     FontSpecD title_font{"Liberation Sans", 11};
-    Rgba background{255, 255, 255}, text;
+    Rgba background{255, 255, 255}, text; ///< a background of alpha 0 leaves the paper as it is
 };
 
 /// Intensities at the bottom and the top of a plot that shows a row at a magnification: at 1 the highest
@@ -70,10 +70,14 @@ struct SceneOptions {
     double left_ppm = 0, right_ppm = 0; ///< both 0: the whole axis
     double magnification = 1;
     bool dark = false;
+    /// For a page or a picture file: line widths in tenths of a mm and the paper's ground by the settings of print,
+    /// on a canvas of 1/96 inch. Else for the display, in its pixels.
+    bool paper = false;
     bool title = true;
     bool marks = true; ///< peaks and integrals, as the settings show them
     /// Drawn in place of the row's real part; must outlive the scene. Empty: the real part.
     std::span<const float> instead{};
+    std::shared_ptr<const IntegralCurves> integrals{}; ///< of the drawn row, where they were made before
 };
 /// The magnitude of a row, which has no phase: sqrt(re^2 + im^2) of each of its points.
 std::vector<float> AbsoluteRow(const DataSet& set, std::int32_t row);

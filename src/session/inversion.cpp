@@ -1,5 +1,7 @@
 #include "session/inversion.h"
 
+#include "analysis/integrals.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -95,6 +97,7 @@ Status Invert_Spectrum(GlobalBlock& g)
     MirrorPeaks(set, sum);
     MirrorIntegrals(set, sum);
     MirrorRegions(set, about);
+    Calc_All_Integrals(g); // a ramp begins at the other end
     set.par.DataChanged = 1;
     set.par.DataFromFile = 0;
     static_cast<void>(g.Undo.Commit(g, std::move(step))); // without a step the inversion stands all the same

@@ -3,6 +3,8 @@
 #include "session/ascii_commands.h"
 #include "session/display_commands.h"
 #include "session/instrument_table.h"
+#include "session/list_commands.h"
+#include "session/picture_commands.h"
 #include "session/save_flow.h"
 #include "session/text_save.h"
 #include "session/tool_commands.h"
@@ -24,6 +26,18 @@ constexpr MenuRow kRows[] = {
     {"m10_5", "m10", "JCAMP(Ext.) type(*.dx)", "", false, false, m10_5_Click},
     {"m10_6", "m10", "JCAMP(Red) type(*.dx)", "", false, false, m10_6_Click},
     {"m10_7", "m10", "ASCII type(*.txt, *.dat, *.asc)", "", false, false, m10_7_Click},
+    {"m18X", "NMR_m1", "Save Multi Spectra as", ""},
+    {"m18Z", "m18X", "Ver.4 type(*.tvo1)", ""},
+    {"m185", "m18Z", "", "", false, false, nullptr, SaveMultiVer4},
+    {"m18N", "m18X", "JCAMP(Ext.) type(*.dx)", ""},
+    {"m187", "m18N", "", "", false, false, nullptr, SaveMultiJcamp},
+    {"m18L", "m18X", "JCAMP(red.) type(*.dx)", ""},
+    {"m188", "m18L", "", "", false, false, nullptr, SaveMultiJcampPages},
+    {"m131", "NMR_m1", "Save Integral Curve (ASCII Type)", "", kSeparator, false, m131_Click},
+    {"m17", "NMR_m1", "Save Peak List on File", "", false, false, m17_Click},
+    {"m173", "NMR_m1", "Save Integral List on File", "", false, false, m173_Click},
+    {kSavePictureControl, "NMR_m1", "Save Picture", "Ctrl+Shift+P", false, false, SavePicture_Click},
+    {kPrintControl, "NMR_m1", "Print", "Ctrl+P", false, false, PrintPicture_Click},
     {kRecentControl, "NMR_m1", "", "", kSeparator},
     {"m102", "NMR_m1", "Delete History", "", false, false, m102_Click},
     {kExitControl, "NMR_m1", "Exit", "Ctrl+Q", kSeparator},
@@ -31,12 +45,16 @@ constexpr MenuRow kRows[] = {
     {"m2", "", "Edit", ""},
     {"m20", "m2", "UnDo", "Ctrl+Z", false, false, m20_Click},
     {kRedoControl, "m2", "ReDo", "Ctrl+Shift+Z", false, false, ReDo_Click},
+    {kCopyControl, "m2", "Copy", "Ctrl+C", kSeparator, false, CopyPicture_Click},
     {"m22", "m2", "Phase Correction", "Ctrl+1", kSeparator, kCheckable, m22_Click},
     {"m21", "m2", "Set Reference (Main Spectrum)", "Ctrl+2", false, kCheckable, m21_Click},
     {"m23", "m2", "Base Line Correction", "Ctrl+3", false, kCheckable, m23_Click},
     {"m24", "m2", "Peak Picking", "Ctrl+4", false, kCheckable, m24_Click},
     {"m25", "m2", "Integral", "Ctrl+5", false, kCheckable, m25_Click},
     {"m242", "m2", "Set Color on the Selected Region", "", false, kCheckable, m242_Click},
+    {kPeakListWindow, "m2", "Peak List", "Ctrl+L", kSeparator, kCheckable, PeakList_Click},
+    {kIntegralListWindow, "m2", "Integral List", "Ctrl+Shift+L", false, kCheckable, IntegralCommand3_Click},
+    {"CopyPeaks", "m2", "Copy Peaks as Text", "Ctrl+Shift+C", false, false, CopyPeaks_Click},
     {"m29", "m2", "Other Setting", "", kSeparator},
     {"m291", "m29", "Inversion of Spectrum", "", false, false, m291_Click},
     {"m292", "m29", "Edit Parameters", "", false, false, m292_Click},

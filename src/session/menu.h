@@ -18,6 +18,9 @@ struct MenuRow {
     bool separator_before = false;
     bool checkable = false;
     void (*handler)(Session&) = nullptr; ///< nullptr: a menu, or one that the window itself carries out
+    /// In place of a handler: one entry for each item NumberedItem(control, n) of the state, n the number of a
+    /// spectrum, which is slot n - 1.
+    void (*numbered)(Session&, std::int16_t slot) = nullptr;
 };
 /// Rows in the order of the bar, a menu before its entries. Only entries whose function exists stand
 /// here. Two are the window's own: kExitControl closes it (the closing runs m19_Click), and
@@ -27,6 +30,8 @@ std::span<const MenuRow> MenuRows();
 inline constexpr char kExitControl[] = "m19";
 inline constexpr char kRecentControl[] = "RecentFile";
 inline constexpr char kRedoControl[] = "m20_ReDo";
+// Entries for the plot alone, without a page around it.
+inline constexpr char kSavePictureControl[] = "m14_Picture", kPrintControl[] = "m14_Print", kCopyControl[] = "m2_Copy";
 
 // Commands.
 void NMR1D_m11_Command(Session& s);   ///< Read

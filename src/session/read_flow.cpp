@@ -254,8 +254,7 @@ void FinishSpectrum(GlobalBlock& g)
     set.par.YOffset = set.par.DataMin;
     if (set.par.OBFRQ0PPMRead == 0) set.par.OBFRQ0PPMRead = set.par.OBFRQ0PPM;
     CopyDataToSource(set);
-    // A file holds the regions, not their sums. More regions than there can be would take long.
-    if (set.Integrals.size() <= kMaxIntegrals) Calc_All_Integrals(g);
+    Calc_All_Integrals(g); // a file holds the regions, not their sums
     g.NoSpectrumYet = false;
 }
 

@@ -49,6 +49,14 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 18> kNames{{
                                                                                 {"thf", "THF-d8"},
                                                                                 {"tetrahydrofuran", "THF-d8"}}};
 
+/// Of the solvent that a text speaks of; empty for one that is not known.
+std::string_view KnownSolvent(std::string_view text)
+{
+    for (const auto& [part, name] : kNames)
+        if (ContainsNoCase(text, part)) return name;
+    return {};
+}
+
 } // namespace
 
 std::span<const ReferenceShift> ReferenceShifts()
@@ -58,15 +66,20 @@ std::span<const ReferenceShift> ReferenceShifts()
 
 std::vector<ReferenceShift> ReferenceShiftsFor(std::string_view nucleus, std::string_view solvent)
 {
-    std::string_view own;
-    for (const auto& [part, name] : kNames)
-        if (own.empty() && ContainsNoCase(solvent, part)) own = name;
+    const std::string_view own = KnownSolvent(solvent);
     std::vector<ReferenceShift> rows;
     std::ranges::copy_if(kShifts, std::back_inserter(rows),
                          [&](const ReferenceShift& r) { return r.nucleus == nucleus; });
     std::stable_partition(rows.begin(), rows.end(),
                           [&](const ReferenceShift& r) { return !own.empty() && r.compound.ends_with(own); });
     return rows;
+}
+
+std::string UsualSolventName(std::string_view solvent)
+{
+    const std::string_view text = Trim(solvent), known = KnownSolvent(text);
+    const bool mixture = text.find_first_of("+/:, ") != std::string_view::npos;
+    return std::string(known.empty() || mixture ? text : known);
 }
 
 } // namespace nmr

@@ -2,6 +2,7 @@
 // Shifts that spectra are referenced to: residual signals of deuterated solvents, and standards.
 
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -21,5 +22,9 @@ std::span<const ReferenceShift> ReferenceShifts();
 
 /// Those of a nucleus; of the data's own solvent ("CDCl3", "Chloroform-d", "DMSO") first.
 std::vector<ReferenceShift> ReferenceShiftsFor(std::string_view nucleus, std::string_view solvent);
+
+/// What papers call a solvent that a file names in its own way: "CDCl3" for "CHLOROFORM-D". A name that is not
+/// known, or a mixture, stays as it is.
+std::string UsualSolventName(std::string_view solvent);
 
 } // namespace nmr

@@ -209,6 +209,11 @@ void m10_4_Click(Session& s)
     static_cast<void>(Save_Ver4_As(s)); // the user has been told
 }
 
+void SaveMultiVer4(Session& s, std::int16_t slot)
+{
+    static_cast<void>(Save_Ver4_As(s, slot)); // the user has been told
+}
+
 bool Settle_Unsaved(Session& s, const std::string& title, const std::string& text)
 {
     if (s.g.Slots[0].par.DataChanged != 1) return true;

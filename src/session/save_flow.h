@@ -35,7 +35,8 @@ Status Save_Ver4(Session& s, const std::string& path, std::int16_t slot = 0);
 /// The same by way of the save dialog. @return cancelled too, when the user gave up
 Status Save_Ver4_As(Session& s, std::int16_t slot = 0);
 
-void m10_4_Click(Session& s); ///< Save as Ver.4
+void m10_4_Click(Session& s);                      ///< Save as Ver.4
+void SaveMultiVer4(Session& s, std::int16_t slot); ///< m185: one of the multi spectra
 
 /// Asks what becomes of unsaved work (Form110: "Save", "Do not Save", "Cancel") and saves it when told
 /// to. True when the data may go: they are saved, given up, or were not changed.

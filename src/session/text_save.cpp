@@ -18,9 +18,8 @@ namespace fs = std::filesystem;
 constexpr char kWhere[] = "SaveText/1DF1";
 constexpr int kRemoveBackup = 1; // value of MAKE FILE BACKUP
 
-std::string ProposedName(const GlobalBlock& g, const std::string& folder, const std::string& extension)
+std::string ProposedName(const ParamBlock& par, const std::string& folder, const std::string& extension)
 {
-    const ParamBlock& par = g.Slots[0].par;
     const std::string stem = fs::path(par.FileName).stem().string();
     const std::string name = stem + extension;
     const fs::path file = fs::path(folder) / name;
@@ -41,15 +40,16 @@ Status Tell(Asker& asker, Error error)
     return error;
 }
 
-void RememberSave(Session& s, const std::string& file)
+void RememberSave(Session& s, const std::string& file, std::int16_t slot)
 {
     GlobalBlock& g = s.g;
     RememberFolder(g, FolderGroup::save, file);
     g.SettingsChanged = true;
-    g.Slots[0].par.FileName = file;
-    g.Slots[0].par.DataChanged = 0;
+    ParamBlock& par = g.Slots.at(static_cast<std::size_t>(slot)).par;
+    par.FileName = file;
+    par.DataChanged = 0;
     AddRecentFile(g, file);
-    ShowFileTitle(s, file);
+    if (slot == 0) ShowFileTitle(s, file);
     WriteLog(g, s.asker, kLogSave, file);
     if (s.display_changed) s.display_changed();
 }
@@ -62,17 +62,18 @@ TextFileKind JcampFile(const char* title)
 /// Text of the row that is shown.
 using JcampWriter = Result<std::string> (*)(const DataSet& set, std::size_t row);
 
-void SaveJcamp(Session& s, const char* title, JcampWriter writer)
+void SaveJcamp(Session& s, const char* title, JcampWriter writer, std::int16_t slot = 0)
 {
-    const std::optional<std::string> path = AskForTextFile(s, JcampFile(title));
+    const std::optional<std::string> path = AskForTextFile(s, JcampFile(title), slot);
     if (!path) return;
-    const auto row = static_cast<std::size_t>(std::max<std::int16_t>(s.g.CurrentRow, 0));
-    static_cast<void>(Save_Text(s, *path, writer(s.g.Slots[0], row))); // the user has been told
+    const std::int16_t row = slot == 0 ? std::max<std::int16_t>(s.g.CurrentRow, 0) : std::int16_t{0};
+    const DataSet& set = s.g.Slots.at(static_cast<std::size_t>(slot));
+    static_cast<void>(Save_Text(s, *path, writer(set, static_cast<std::size_t>(row)), slot)); // the user has been told
 }
 
 } // namespace
 
-std::optional<std::string> AskForTextFile(Session& s, const TextFileKind& kind)
+std::optional<std::string> AskForTextFile(Session& s, const TextFileKind& kind, std::int16_t slot)
 {
     const GlobalBlock& g = s.g;
     FileDialog dialog;
@@ -82,13 +83,13 @@ std::optional<std::string> AskForTextFile(Session& s, const TextFileKind& kind)
     dialog.filters.push_back({"All File", "*.*"});
     dialog.folder = DialogFolder(g, FolderGroup::save);
     dialog.extension = kind.extension;
-    dialog.name = ProposedName(g, dialog.folder, kind.extension);
+    dialog.name = ProposedName(g.Slots.at(static_cast<std::size_t>(slot)).par, dialog.folder, kind.extension);
     const std::optional<FileChoice> choice = s.asker.File(dialog);
     if (!choice || choice->path.empty()) return std::nullopt;
     return choice->path;
 }
 
-Status Save_Text(Session& s, const std::string& path, const Result<std::string>& text)
+Status Save_Text(Session& s, const std::string& path, const Result<std::string>& text, std::int16_t slot)
 {
     if (!text) return Tell(s.asker, text.error());
     const std::string file = AbsolutePath(path);
@@ -98,7 +99,7 @@ Status Save_Text(Session& s, const std::string& path, const Result<std::string>&
     const ByteSpan bytes = std::as_bytes(std::span(*text));
     if (Status saved = Safe_Save(file, bytes, remove ? OldVersion::remove : OldVersion::keep); !saved)
         return Tell(s.asker, saved.error());
-    RememberSave(s, file);
+    RememberSave(s, file, slot);
     return {};
 }
 
@@ -110,6 +111,16 @@ void m10_5_Click(Session& s)
 void m10_6_Click(Session& s)
 {
     SaveJcamp(s, "Save Data(JCAMP Reduced)", JcampPagesText);
+}
+
+void SaveMultiJcamp(Session& s, std::int16_t slot)
+{
+    SaveJcamp(s, "Save Data(JCAMP)", JcampText, slot);
+}
+
+void SaveMultiJcampPages(Session& s, std::int16_t slot)
+{
+    SaveJcamp(s, "Save Data(JCAMP Reduced)", JcampPagesText, slot);
 }
 
 } // namespace nmr

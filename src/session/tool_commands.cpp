@@ -1,5 +1,7 @@
 #include "session/tool_commands.h"
 
+#include "analysis/integrals.h"
+#include "session/list_commands.h"
 #include "session/read_flow.h"
 #include "session/tools.h"
 
@@ -10,8 +12,9 @@ namespace {
 
 // The display, and what is about the program.
 constexpr std::string_view kHarmlessMenus[] = {"m3", "m36", "m37", "m40"};
-constexpr std::string_view kHarmless[] = {"m121", "m47", "m102", "m20", kRedoControl, "m21",
-                                          "m22",  "m23", "m24",  "m25", "m242"};
+constexpr std::string_view kHarmless[] = {
+    "m121", "m47", "m102", "m20",           kRedoControl,        "m21",      "m22", "m23", "m24", "m25", "m242",
+    "m131", "m17", "m173", kPeakListWindow, kIntegralListWindow, "CopyPeaks"};
 
 void Enter(Session& s, Tool tool)
 {
@@ -22,6 +25,7 @@ void Enter(Session& s, Tool tool)
 void Show(const Session& s, const std::string& file_before)
 {
     const std::string& file = s.g.Slots[0].par.FileName;
+    Calc_All_Integrals(s.g); // the points may be others now
     if (file != file_before) ShowFileTitle(s, file);
     if (s.display_changed) s.display_changed();
 }

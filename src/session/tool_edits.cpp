@@ -45,6 +45,17 @@ struct Lists {
     }
 };
 
+/// The largest index first, so that those before keep theirs; whether any was erased.
+template <class Erase>
+bool EraseEach(std::vector<std::size_t> indices, Erase erase)
+{
+    std::ranges::sort(indices, std::ranges::greater{});
+    indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
+    bool any = false;
+    for (const std::size_t index : indices) any = erase(index) || any;
+    return any;
+}
+
 } // namespace
 
 template <class Edit>
@@ -110,8 +121,10 @@ void Tools::Click(const PlotPoint& at)
         if (EditLists(UndoKind::delete_integral, [&] { return Delete_Integral(g_, dragged_); })) SelectIntegral(-1);
         return;
     case ToolAction::reference_integral:
-        EditLists(UndoKind::set_integral_reference,
-                  [&] { return dragged_ != set().IntegralRef && Set_Integral_Reference(set(), dragged_); });
+        MakeReference(dragged_);
+        return;
+    case ToolAction::add_integral: // a click between two drags
+        SelectIntegral(Find_Integral(set(), at.ppm));
         return;
     case ToolAction::add_region: // a click between two drags
     case ToolAction::delete_region:
@@ -443,6 +456,18 @@ void Tools::DeleteAllPeaks()
     });
 }
 
+void Tools::DeletePeaks(std::vector<std::size_t> indices)
+{
+    EditLists(UndoKind::delete_peak, [&] {
+        return EraseEach(indices, [&](std::size_t index) {
+            auto& peaks = set().Peaks;
+            if (index >= peaks.size()) return false;
+            peaks.erase(peaks.begin() + static_cast<std::ptrdiff_t>(index));
+            return true;
+        });
+    });
+}
+
 bool Tools::SetLevel(ToolAction level, double fraction)
 {
     bool taken = false;
@@ -476,6 +501,18 @@ void Tools::DeleteAllIntegrals()
         return any;
     });
     SelectIntegral(-1);
+}
+
+void Tools::DeleteIntegrals(std::vector<std::size_t> indices)
+{
+    const auto erase = [&](std::size_t index) { return Delete_Integral(g_, static_cast<std::int32_t>(index)); };
+    if (EditLists(UndoKind::delete_integral, [&] { return EraseEach(indices, erase); })) SelectIntegral(-1);
+}
+
+void Tools::MakeReference(std::int32_t index)
+{
+    EditLists(UndoKind::set_integral_reference,
+              [&] { return index != set().IntegralRef && Set_Integral_Reference(set(), index); });
 }
 
 bool Tools::SetIntegralScale(double value)

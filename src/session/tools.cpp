@@ -222,7 +222,7 @@ void Tools::SetRow(std::int16_t row)
         g_.Phase1Deg = shown < g_.RowPhase1.size() ? g_.RowPhase1[shown] : 0.0F;
         quality_.reset();
     }
-    if (open() == Tool::integrals) Calc_All_Integrals(g_);
+    Calc_All_Integrals(g_);
     Changed();
 }
 

@@ -146,18 +146,22 @@ public:
     void PickShown(); ///< button 0: the whole shown range
     void PickBetween(double a_ppm, double b_ppm);
     void DeleteAllPeaks(); ///< PeakCommand3
+    /// Those of a list's rows, as one step; the tool need not be open. Indices beyond the list are left out.
+    void DeletePeaks(std::vector<std::size_t> indices);
     bool SetLevel(ToolAction level, double fraction);
     double LevelOf(ToolAction level) const; ///< fraction of DispLeft, as the field shows it
 
     // Integrals.
     std::int32_t selected() const { return selected_; } ///< SelectedIntegral
     void SelectIntegral(std::int32_t index);
-    void DeleteAllIntegrals();           ///< IntegralCommand2
-    bool SetIntegralScale(double value); ///< IntegralText1; false for 0 and below
-    bool SetB0(double value);            ///< IntegralText2
-    bool SetB1(double value);            ///< IntegralText3
-    bool PressB0B1();                    ///< a fine button goes down: one undo step; false when it does nothing
-    void StepB0(int steps);              ///< while it is held
+    void DeleteAllIntegrals();                              ///< IntegralCommand2
+    void DeleteIntegrals(std::vector<std::size_t> indices); ///< likewise
+    void MakeReference(std::int32_t index);                 ///< of a list's row
+    bool SetIntegralScale(double value);                    ///< IntegralText1; false for 0 and below
+    bool SetB0(double value);                               ///< IntegralText2
+    bool SetB1(double value);                               ///< IntegralText3
+    bool PressB0B1();       ///< a fine button goes down: one undo step; false when it does nothing
+    void StepB0(int steps); ///< while it is held
     void StepB1(int steps);
     static constexpr double kB0Step = 1e-5, kB1Step = 1e-3; ///< of a fine button
 

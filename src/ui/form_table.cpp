@@ -3,6 +3,7 @@
 #include "formats/csv_choice.h"
 #include "session/display_commands.h"
 #include "session/forms.h"
+#include "session/list_commands.h"
 #include "ui/form_dialogs.h"
 
 #include <algorithm>
@@ -12,17 +13,31 @@ namespace nmr {
 std::span<const FormTableRow> FormTable()
 {
     static constexpr FormTableRow kRows[] = {
-        {forms::kUserSelection, NMR1D_Form01},     {forms::kArrayData, NMR1D_Form20},
-        {forms::kPhaseRow, NMR1D_Form21},          {forms::kDeleteMulti, NMR1D_Form23},
-        {forms::kDisplayScope, NMR1D_Form31},      {forms::kGrid, NMR1D_Form33},
-        {forms::kDefaultAreas, NMR1D_Form34},      {forms::kProcessableFiles, NMR1D_Form93},
-        {forms::kFileTypes, NMR1D_Form101},        {forms::kFourierState, NMR1D_Form102},
-        {forms::kParameterEditor, NMR1D_Form103},  {forms::kParameterList, NMR1D_ListView},
-        {forms::kParameterFile, Form17},           {kCsvForm, NMR1D_Form103_CSV},
-        {forms::kAsciiData, NMR1D_Form104},        {forms::kQuestion, Form110},
-        {forms::kHistoryForm, Form111_History},    {forms::kNumberType, Form120},
-        {forms::kOperatorForm, Operator_Form22},   {kDistanceWindow, Picture3},
+        {forms::kUserSelection, NMR1D_Form01},
+        {forms::kArrayData, NMR1D_Form20},
+        {forms::kPhaseRow, NMR1D_Form21},
+        {forms::kDeleteMulti, NMR1D_Form23},
+        {forms::kDisplayScope, NMR1D_Form31},
+        {forms::kGrid, NMR1D_Form33},
+        {forms::kDefaultAreas, NMR1D_Form34},
+        {forms::kProcessableFiles, NMR1D_Form93},
+        {forms::kFileTypes, NMR1D_Form101},
+        {forms::kFourierState, NMR1D_Form102},
+        {forms::kParameterEditor, NMR1D_Form103},
+        {forms::kParameterList, NMR1D_ListView},
+        {forms::kParameterFile, Form17},
+        {kCsvForm, NMR1D_Form103_CSV},
+        {forms::kAsciiData, NMR1D_Form104},
+        {forms::kQuestion, Form110},
+        {forms::kHistoryForm, Form111_History},
+        {forms::kNumberType, Form120},
+        {forms::kOperatorForm, Operator_Form22},
+        {kDistanceWindow, Picture3},
+        {kPeakListWindow, ToggleList},
+        {kIntegralListWindow, ToggleList},
         {forms::kInstrumentForm, Instrument_Form},
+        {forms::kSavePicture, SavePicture},
+        {forms::kPrint, PrintPlot},
     };
     return kRows;
 }

@@ -40,6 +40,8 @@ constexpr HelpRow kKeys[] = {
     {"Ctrl + 4, Ctrl + 5", "peak picking, integrals"},
     {"Shift + Left, Right or wheel", "phase: zero order by 1 degree, with Ctrl by 0.1"},
     {"Shift + Up, Down, or Alt + wheel", "phase: first order, likewise"},
+    {"Ctrl + L, Ctrl + Shift + L", "peak list, integral list"},
+    {"Ctrl + Shift + C", "copy the peaks as a paper prints them"},
     {"Enter", "fix what the open tool has done"},
     {"Esc", "leave the open tool and put back what it has not fixed"},
     {"Ctrl + Q", "exit"},

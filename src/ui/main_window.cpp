@@ -57,6 +57,7 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) :
     BuildMenu();
     BuildToolBar();
     BuildTools();
+    BuildLists();
     BuildStatusLine();
     plot_->installEventFilter(this);
     plot_->cursor_moved = [this](const auto& position) { ShowPosition(position); };
@@ -67,6 +68,7 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) :
     };
     plot_->read_asked = [this] { Later(this, [this] { Run([this] { NMR1D_m11_Command(session_); }); }); };
     session_.tools = &tools_;
+    session_.pictures = &pictures_;
     session_.tool_moved = [this](ToolChange change) { ToolMoved(change); };
     session_.display_changed = [this] { RefreshAll(); };
     session_.set_title = [this](const std::string& title) { setWindowTitle(ToQString(title).trimmed()); };
@@ -82,7 +84,9 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) :
 NMR1D_Form1::~NMR1D_Form1()
 {
     session_.tools = nullptr;
+    session_.pictures = nullptr;
     session_.tool_moved = {};
+    session_.copy_text = {};
 }
 
 /// One command at a time: the forms of a command keep the queue running, and with it drops and timers.
@@ -116,6 +120,7 @@ void NMR1D_Form1::RefreshAll()
     RefreshToolBar();
     RefreshDataLine();
     RefreshPanels();
+    for (ListDock* list : lists_) list->Refresh();
     notes_->SetNotes(plot_->HasSpectrum() ? g_.Slots[0].Warnings : std::vector<std::string>());
 }
 
@@ -131,9 +136,7 @@ void NMR1D_Form1::StepRow(int by)
 {
     const int row = std::clamp(g_.CurrentRow + by, 0, std::max(0, g_.Slots[0].RowCount - 1));
     if (row == g_.CurrentRow || !plot_->HasSpectrum() || !DataCombo->isEnabled()) return;
-    if (tools_.open() != Tool::none) return tools_.SetRow(static_cast<std::int16_t>(row));
-    g_.CurrentRow = static_cast<std::int16_t>(row);
-    RefreshAll();
+    tools_.SetRow(static_cast<std::int16_t>(row));
 }
 
 void NMR1D_Form1::ToggleGrid()
@@ -300,6 +303,19 @@ void NMR1D_Form1::BuildTools()
     distance_ = new DistancePanel(g_, *plot_);
     plot_->AddTool(*distance_);
     plot_->AddTool(tool_marks_);
+}
+
+/// The lists stand beside the spectrum, one behind the other.
+void NMR1D_Form1::BuildLists()
+{
+    lists_ = {new ListDock(ListDock::Kind::peaks, session_, tools_, *plot_, this),
+              new ListDock(ListDock::Kind::integrals, session_, tools_, *plot_, this)};
+    for (ListDock* list : lists_) {
+        addDockWidget(Qt::RightDockWidgetArea, list);
+        list->hide();
+    }
+    tabifyDockWidget(lists_[0], lists_[1]);
+    session_.copy_text = CopyToClipboard;
 }
 
 void NMR1D_Form1::BuildPanels(QVBoxLayout& column)

@@ -6,7 +6,9 @@
 #include "ui/asker_qt.h"
 #include "ui/distance_panel.h"
 #include "ui/form_fields.h"
+#include "ui/list_dock.h"
 #include "ui/notes_list.h"
+#include "ui/picture_devices.h"
 #include "ui/plot_widget.h"
 #include "ui/theme.h"
 #include "ui/tool_overlay.h"
@@ -71,6 +73,7 @@ private:
     void AddUnit();
     void AddRowSelector();
     void BuildTools();
+    void BuildLists();
     void BuildPanels(QVBoxLayout& column);
     void RefreshPanels();
     void ToolMoved(ToolChange change);
@@ -80,6 +83,7 @@ private:
     void Run(const std::function<void()>& command);
     void RefreshMenu();
     void RefreshRecentFiles(const MenuState& state);
+    void RefreshNumbered(const MenuState& state);
     void RefreshRowSelector(const MenuState& state);
     void RefreshToolBar();
     void RefreshDataLine();
@@ -89,9 +93,18 @@ private:
 
     Session& session_;
     GlobalBlock& g_;
+    QtPictureDevices pictures_;
     Tools tools_;
     ToolOverlay tool_marks_;
     std::vector<ToolPanel*> panels_;
+    std::vector<ListDock*> lists_;
+    /// Entries of numbered lists: the entry that stands for the list, and what was made of it.
+    struct NumberedEntries {
+        QMenu* menu;
+        const MenuRow* row;
+        QList<QAction*> entries;
+    };
+    std::vector<NumberedEntries> numbered_;
     WheelNotches wheel_notches_;
     PlotWidget* plot_ = nullptr;
     OverviewStrip* overview_ = nullptr;

@@ -60,6 +60,7 @@ QAction* NMR1D_Form1::AddEntry(QMenu& menu, const MenuRow& row)
         return sub->menuAction();
     }
     QAction* action = menu.addAction(ToQString(row.caption));
+    if (row.numbered != nullptr) numbered_.push_back({&menu, &row, {}});
     action->setCheckable(row.checkable);
     if (!row.shortcut.empty()) action->setShortcut(QKeySequence(ToQString(row.shortcut)));
     if (row.control == kExitControl) connect(action, &QAction::triggered, this, &QWidget::close);
@@ -106,13 +107,43 @@ void NMR1D_Form1::RefreshMenu()
     for (const auto& [control, action] : actions_) {
         const auto item = state.find(control);
         if (item == state.end() || action == recent_place_) continue;
+        if (action->text().isEmpty()) { // stands for a numbered list
+            action->setVisible(false);
+            continue;
+        }
         action->setEnabled(item->second.enabled);
         action->setVisible(item->second.visible);
         if (action->isCheckable()) action->setChecked(item->second.checked);
         if (!item->second.caption.empty()) action->setText(ToQString(item->second.caption));
     }
+    for (const ListDock* list : lists_) actions_[list->objectName().toStdString()]->setChecked(!list->isHidden());
+    RefreshNumbered(state);
     RefreshRecentFiles(state);
     RefreshRowSelector(state);
+}
+
+void NMR1D_Form1::RefreshNumbered(const MenuState& state)
+{
+    for (auto& [menu, row, entries] : numbered_) {
+        qDeleteAll(entries);
+        entries.clear();
+        for (int number = 1; number < kSlotCount; ++number) {
+            const auto item = state.find(NumberedItem(row->control, number));
+            if (item == state.end()) continue;
+            QAction* action = menu->addAction(ToQString(item->second.caption));
+            const auto slot = static_cast<std::int16_t>(number - 1);
+            // The action goes when the list is rebuilt, so the command waits until it has done its work.
+            connect(
+                action, &QAction::triggered, this,
+                [this, save = row->numbered, slot] {
+                    Run([&] {
+                        if (Close_Tool(session_)) save(session_, slot);
+                    });
+                },
+                Qt::QueuedConnection);
+            entries << action;
+        }
+    }
 }
 
 void NMR1D_Form1::RefreshRecentFiles(const MenuState& state)

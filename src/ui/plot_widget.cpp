@@ -64,6 +64,7 @@ void PlotWidget::TakePoints()
     absolute_ = g_.AbsoluteMode != 0 ? AbsoluteRow(g_.Slots[0], g_.CurrentRow) : std::vector<float>();
     if (!pyramid_) pyramid_ = std::make_shared<MinMaxPyramid>();
     pyramid_->Build(ShownRow());
+    integrals_.reset();
     built_for_ = RealRow().data();
 }
 
@@ -107,6 +108,10 @@ SpectrumScene PlotWidget::Scene() const
     options.magnification = view().magnification();
     options.dark = dark();
     options.instead = absolute_;
+    // Made for the first paint that needs them; a drag of a region asks the same ones again.
+    if (!integrals_ && !g_.Slots[0].Integrals.empty())
+        integrals_ = std::make_shared<IntegralCurves>(ShownRow(), static_cast<double>(g_.Slots[0].par.DispLeft));
+    options.integrals = integrals_;
     return MakeScene(g_.Slots[0], g_.settings, options, pyramid_);
 }
 

@@ -68,6 +68,7 @@ private:
     PlotTool* held_ = nullptr;    ///< has the mouse
     std::vector<float> absolute_; ///< magnitude of the shown row; empty outside of absolute mode
     std::shared_ptr<MinMaxPyramid> pyramid_;
+    mutable std::shared_ptr<const IntegralCurves> integrals_;
     const float* built_for_ = nullptr; ///< the row that the pyramid was built over
     SpectrumScene scene_;
     std::optional<QPointF> cursor_;

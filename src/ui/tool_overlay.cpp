@@ -1,5 +1,6 @@
 #include "ui/tool_overlay.h"
 
+#include "core/list_values.h"
 #include "ui/canvas/qt_canvas.h"
 
 #include <QGuiApplication>
@@ -127,6 +128,7 @@ void ToolOverlay::Draw(QtCanvas& canvas, const PlotFrame& frame)
     const RectD& r = frame.rect;
     painter.setClipRect(QRectF(r.x, r.y, r.width, r.height), Qt::IntersectClip);
     DrawRange(canvas, frame);
+    DrawSelection(canvas, frame);
     DrawBaseLine(canvas, frame);
     DrawLevels(canvas, frame);
     DrawPoints(canvas, frame);
@@ -141,6 +143,23 @@ void ToolOverlay::DrawRange(QtCanvas& canvas, const PlotFrame& frame) const
     band.setAlpha(50);
     const auto [left, right] = std::minmax({frame.X(marks_.range_ppm->first), frame.X(marks_.range_ppm->second)});
     canvas.painter().fillRect(QRectF(left, frame.rect.y, right - left, frame.rect.height), band);
+}
+
+/// The selected region, with the ends that can be dragged.
+void ToolOverlay::DrawSelection(QtCanvas& canvas, const PlotFrame& frame) const
+{
+    const DataSet& set = g_.Slots[0];
+    const auto index = static_cast<std::size_t>(std::max(tools_.selected(), 0));
+    if (tools_.open() != Tool::integrals || tools_.selected() < 0 || index >= set.Integrals.size()) return;
+    const IntegralEntry& entry = set.Integrals[index];
+    const auto [left, right] =
+        std::minmax({frame.X(IntegralStartPpm(set, entry)), frame.X(IntegralEndPpm(set, entry))});
+    const double pixel = std::max(1 / canvas.Resolution(), 1.0);
+    QColor band = kBase;
+    band.setAlpha(36);
+    canvas.painter().fillRect(QRectF(left, frame.rect.y, right - left, frame.rect.height), band);
+    for (const double x : {left, right})
+        canvas.painter().fillRect(QRectF(Snap(canvas, x), frame.rect.y, pixel, frame.rect.height), kBase);
 }
 
 /// One value a column is enough: the curve has no lines.

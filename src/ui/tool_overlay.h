@@ -26,6 +26,7 @@ private:
     void DrawLevels(QtCanvas& canvas, const PlotFrame& frame) const;
     void DrawPoints(QtCanvas& canvas, const PlotFrame& frame) const;
     void DrawRange(QtCanvas& canvas, const PlotFrame& frame) const;
+    void DrawSelection(QtCanvas& canvas, const PlotFrame& frame) const;
 
     Tools& tools_;
     const GlobalBlock& g_;

@@ -11,6 +11,7 @@
 #include <vector>
 
 class QAbstractButton;
+class QCheckBox;
 class QComboBox;
 class QLabel;
 class QPushButton;
@@ -119,7 +120,12 @@ public:
     void Refresh() override;
 
 private:
+    void AddLevels();
+    QCheckBox* AddSwitch(const char* name, const QString& caption, const QString& tip, std::int32_t Settings::*on);
+
     QPushButton* delete_all_ = nullptr;
+    std::vector<ValueEdit*> levels_;
+    QCheckBox *negative_ = nullptr, *interpolate_ = nullptr;
 };
 
 class IntegralToolbar : public ToolPanel {
@@ -128,7 +134,13 @@ public:
     void Refresh() override;
 
 private:
+    void AddBases();
+
+    QToolButton *add_ = nullptr, *divide_ = nullptr;
     QPushButton* delete_all_ = nullptr;
+    ValueEdit* scale_ = nullptr;
+    std::vector<ValueEdit*> base_fields_;
+    std::vector<QToolButton*> fine_buttons_;
 };
 
 /// Coloured regions: a drag colours what it passes over, a click into a region takes it away.

@@ -130,7 +130,7 @@ TEST(Integrals, CurvesAreTheRunningSums)
     DataSet& set = g->Slots[0];
     Add_Integral(*g, 4, 6);
     Set_B0_B1(*g, 0, 0.01F, -2.0F);
-    const IntegralCurves curves(*g);
+    const IntegralCurves curves = CurvesOf(*g);
     for (const int p : {600, 555, 500, 401, 400}) {
         IntegralEntry part = set.Integrals[0];
         part.EndPoint = p;
@@ -153,7 +153,7 @@ TEST(Integrals, BadRegionsGiveNoFault)
     Calc_All_Integrals(*g);
     EXPECT_TRUE(std::isfinite(set.Integrals[0].Value));
     EXPECT_EQ(set.Integrals[1].Value, 0);
-    EXPECT_EQ(IntegralCurves(*g).Total(set.Integrals[1]), 0);
+    EXPECT_EQ(CurvesOf(*g).Total(set.Integrals[1]), 0);
     set.par.DispLeft = 0;
     Calc_All_Integrals(*g);
     EXPECT_EQ(set.Integrals[0].Value, 0);

@@ -72,6 +72,22 @@ TEST_F(CliAnalysis, RefusesWhatItCanNotDo)
         EXPECT_EQ(Cli("process " + Quoted(Sample()) + " " + c.options).exit, c.exit) << c.options;
 }
 
+TEST_F(CliAnalysis, PeaksTakesAValueOnlyWithAKey)
+{
+    std::filesystem::copy(Sample(), Path("a=b"), std::filesystem::copy_options::recursive);
+    const Json plain = Cli("process " + Quoted(Sample()) + " --json --peaks").json()["peaks"];
+    ASSERT_FALSE(plain.empty());
+    for (const std::string& file : {Sample(), Path("a=b")})
+        for (const char* value : {"", "detect=0.9", "negative=off,detect=0.9"}) {
+            const Outcome run = Cli("process --json --peaks " + std::string(value) + " " + Quoted(file));
+            ASSERT_EQ(run.exit, 0) << file << " " << value;
+            if (*value == 0)
+                EXPECT_EQ(run.json()["peaks"], plain);
+            else
+                EXPECT_LT(run.json()["peaks"].size(), plain.size());
+        }
+}
+
 struct VendorPeak {
     double ppm, height;
 };

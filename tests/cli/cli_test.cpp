@@ -112,6 +112,61 @@ TEST_F(CliSample, OptionsOfTheTransformDoWhatTheySay)
     }
 }
 
+TEST_F(CliSample, PicturesHaveTheirSizeAndHangOnNoScreen)
+{
+    if (!std::filesystem::exists(kBin + "nmr1d-picture.so")) GTEST_SKIP() << "built without the window";
+    const auto side = [](const std::string& png, std::size_t at) {
+        return int(static_cast<unsigned char>(png[at])) * 256 + static_cast<unsigned char>(png[at + 1]);
+    };
+    struct Case {
+        const char* options;
+        int width, height;
+    };
+    for (const Case& c : {Case{"", 1200, 700},
+                          {"--size 640x480", 640, 480},
+                          {"--dpi 192 --size 640x480", 640, 480},
+                          {"--size 254x127mm --dpi 100", 1000, 500},
+                          {"--size 25.4x12.7mm", 300, 150}}) {
+        SCOPED_TRACE(c.options);
+        ASSERT_EQ(Cli("process " + Sample() + " --out " + Path("s.png") + " " + c.options).exit, 0);
+        const std::string png = ReadText(Path("s.png"));
+        EXPECT_EQ(side(png, 18), c.width);
+        EXPECT_EQ(side(png, 22), c.height);
+    }
+    for (const char* name : {"i.png", "i.svg", "i.pdf", "i.emf", "i.bmp"}) {
+        SCOPED_TRACE(name);
+        const std::string command = kBin + "nmr1d-cli process " + Sample() + " --size 120x80mm --out " + Path(name);
+        std::string first;
+        for (const char* scale : {"1", "1.25", "2"}) {
+            ASSERT_EQ(RunCommand("QT_SCALE_FACTOR=" + std::string(scale) + " " + command).exit, 0);
+            const std::string file = ReadText(Path(name));
+            if (first.empty()) first = file;
+            EXPECT_TRUE(file == first) << scale;
+        }
+    }
+}
+
+TEST_F(CliSample, ABadSizeOfAPictureIsToldBeforeAnyWork)
+{
+    struct Case {
+        const char* options;
+        const char* words;
+    };
+    for (const Case& c : {Case{"--size 12", "WIDTHxHEIGHT"},
+                          {"--size 0x10", "20 to 20000 pixels"},
+                          {"--size 1x1mm", "5 to 2000 mm"},
+                          {"--dpi none", "such as 300"},
+                          {"--dpi 9999", "10 to 4800"},
+                          {"--size 1000x1000mm --dpi 1200", "20 to 20000 pixels, not 47244"}}) {
+        SCOPED_TRACE(c.options);
+        const auto run = RunCommand("{ " + kBin + "nmr1d-cli process " + Sample() + " --out " + Path("no.png") + " " +
+                                    c.options + " 2>&1; }");
+        EXPECT_EQ(run.exit, 2);
+        EXPECT_NE(run.out.find(c.words), std::string::npos) << run.out;
+        EXPECT_FALSE(std::filesystem::exists(Path("no.png")));
+    }
+}
+
 TEST_F(CliSample, ABroaderWindowMakesBroaderAndLowerLines)
 {
     const auto narrow = Cli("process " + Sample() + " --json --window exponential:lb=0.1").json();
@@ -123,13 +178,15 @@ TEST_F(CliSample, WritesEachKindOfFileAndTheRangeOfTheCsv)
 {
     std::string options = " --out " + Path("a.csv");
     const bool pictures = std::filesystem::exists(kBin + "nmr1d-picture.so"); // not in a build without the window
-    for (const char* name : {"a.png", "a.svg", "a.pdf"})
+    for (const char* name : {"a.png", "a.svg", "a.pdf", "a.emf", "a.bmp"})
         if (pictures) options += " --out " + Path(name);
     ASSERT_EQ(Cli("process " + Sample() + " --range 5:4" + options).exit, 0);
     if (pictures) {
         EXPECT_EQ(ReadText(Path("a.png")).substr(1, 3), "PNG");
         EXPECT_EQ(ReadText(Path("a.pdf")).substr(0, 4), "%PDF");
         EXPECT_NE(ReadText(Path("a.svg")).find("<svg"), std::string::npos);
+        EXPECT_EQ(ReadText(Path("a.emf")).substr(40, 4), " EMF");
+        EXPECT_EQ(ReadText(Path("a.bmp")).substr(0, 2), "BM");
     }
     std::istringstream csv(ReadText(Path("a.csv")));
     std::string line;

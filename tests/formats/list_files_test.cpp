@@ -18,7 +18,6 @@ std::unique_ptr<GlobalBlock> Sample()
     DataSet& set = g->Slots[0];
     set.par.FileName = "C:\\data\\a.tvo1";
     set.par.COMNT = "two\r\nlines";
-    set.par.SLVNT = "CDCl3";
     set.Peaks = {{.Point = 250, .Position = 2.5 * 400}, {.Point = 751, .Position = 7.5 * 400}};
     set.Integrals = {{.Start = 3, .StartPoint = 300, .End = 2, .EndPoint = 200, .Value = 1, .Label = {}},
                      {.Start = 8,
@@ -95,6 +94,24 @@ TEST(ListFiles, TheFixedReportHasItsRecordsAndColumns)
                                          "  1        1.50000 100.00000\r\n  2        6.50000  25.00000\r\n");
 }
 
+TEST(ListFiles, RunningSumsEndAtTheListedValues)
+{
+    const TempFolder folder;
+    const auto g = Sample();
+    DataSet& set = g->Slots[0];
+    set.Integrals = {{.Start = 3, .StartPoint = 252, .End = 2, .EndPoint = 249, .Value = 1, .Label = {}}};
+    ASSERT_TRUE(WriteDataIntCurve(folder / "curve.csv", *g, ListUnit::ppm));
+    EXPECT_EQ(ReadText(folder / "curve.csv"),
+              "File: C:\\data\\a.tvo1\r\nComment:  two  lines\r\nNo, Position(ppm), Sum, Integral\r\n"
+              "1, 1.520000, 0, 0\r\n1, 1.510000, 0, 0\r\n1, 1.500000, 1, 3\r\n1, 1.490000, 1, 3\r\n");
+    set.Integrals.push_back({.StartPoint = 9000, .EndPoint = -9, .Value = 1, .Label = {}}); // of another row
+    ASSERT_TRUE(WriteDataIntCurve(folder / "curve.csv", *g, ListUnit::hz));
+    set.spec = {};
+    ASSERT_TRUE(WriteDataIntCurve(folder / "curve.csv", *g, ListUnit::hz));
+    EXPECT_TRUE(ReadText(folder / "curve.csv").ends_with("Integral\r\n"));
+    EXPECT_FALSE(WriteDataIntCurve(folder / "no/such", *g, ListUnit::hz));
+}
+
 TEST(ListFiles, ReadBackWhatTheyWrote)
 {
     const TempFolder folder;
@@ -135,24 +152,6 @@ TEST(ListFiles, ReadBackWhatTheyWrote)
         EXPECT_FALSE(ReadDataInt(folder / "bad"));
     }
     EXPECT_FALSE(ReadDataRed(folder / "none"));
-}
-
-TEST(ListFiles, PeaksForAPaperAndForATable)
-{
-    const auto g = Sample();
-    DataSet& set = g->Slots[0];
-    set.Peaks.insert(set.Peaks.begin(), {.Point = 100, .Position = 0.9996 * 400});
-    EXPECT_EQ(PeaksForPaper(set).plain, "1H NMR (400 MHz, CDCl3) δ 6.50, 1.50, 0.00.");
-    EXPECT_EQ(PeaksForPaper(set).html, "<sup>1</sup>H NMR (400 MHz, CDCl<sub>3</sub>) δ 6.50, 1.50, 0.00.");
-    set.par.OBNUC = "13C";
-    set.par.ObsCenter = 100.6;
-    set.par.SLVNT = "";
-    EXPECT_EQ(PeaksForPaper(set).plain, "13C NMR (101 MHz) δ 6.5, 1.5, 0.0.");
-    set.Peaks.clear();
-    EXPECT_EQ(PeaksForPaper(set).plain, "13C NMR (101 MHz) δ ");
-    EXPECT_EQ(PeakTable(*Sample(), ListUnit::hz),
-              "No\tPosition(ppm)\tFrequency(Hz)\tAmplitude\tHeight(%)\n1\t1.5\t600.0\t20.0\t100.0\n"
-              "2\t6.5\t2600.0\t5.0\t25.0\n");
 }
 
 } // namespace

@@ -61,6 +61,11 @@ public:
     {
         Log(fmt::format("ellipse {:.2f},{:.2f} {:.2f}x{:.2f}", r.x, r.y, r.width, r.height));
     }
+    void Picture(const RectD& r, const Raster& raster) override
+    {
+        Log(fmt::format("picture {:.2f},{:.2f} {:.2f}x{:.2f} of {}x{}", r.x, r.y, r.width, r.height, raster.width,
+                        raster.height));
+    }
     void Text(PointD at, std::string_view utf8, TextAlign align, double angle_deg) override
     {
         const TextExtent e = Measure(utf8);

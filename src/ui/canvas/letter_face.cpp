@@ -147,6 +147,8 @@ LetterFace::LetterFace(const QString& family, bool bold, bool italic) : large_(f
     large_.setItalic(italic);
     large_.setKerning(false);
     large_.setHintingPreference(QFont::PreferNoHinting);
+    // Grey edges, whatever the screen's own are: a picture must not hang on the screen.
+    large_.setStyleStrategy(QFont::StyleStrategy(QFont::PreferAntialias | QFont::NoSubpixelAntialias));
     // The least spacing there is keeps letters from being joined to one.
     large_.setLetterSpacing(QFont::AbsoluteSpacing, 1.0 / 64);
     large_.setPixelSize(kMeasuredPixels);

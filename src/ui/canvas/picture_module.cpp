@@ -4,10 +4,8 @@
 
 #include <QGuiApplication>
 
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
-#include <memory>
+#include <utility>
 
 namespace {
 
@@ -32,14 +30,10 @@ void EnsureApplication()
 
 } // namespace
 
-extern "C" int nmr1d_write_picture(const nmr::PictureJob* job, char* message, std::size_t size)
+extern "C" int nmr1d_make_picture(const nmr::PictureJob* job, std::string* answer)
 {
     EnsureApplication();
-    const QByteArray reason = nmr::WritePictureFile(*job).toUtf8();
-    if (size > 0) {
-        const auto length = std::min(size - 1, static_cast<std::size_t>(reason.size()));
-        std::memcpy(message, reason.constData(), length);
-        message[length] = 0;
-    }
-    return reason.isEmpty() ? 0 : 1;
+    auto picture = nmr::MakePicture(*job);
+    *answer = picture ? std::move(*picture) : picture.error().text;
+    return picture ? 0 : 1;
 }

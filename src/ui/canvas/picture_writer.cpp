@@ -1,112 +1,163 @@
 #include "ui/canvas/picture_writer.h"
 
+#include "layout/emf_canvas.h"
+#include "layout/svg_canvas.h"
 #include "ui/canvas/qt_canvas.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include <QBuffer>
+#include <QHashSeed>
 #include <QImage>
 #include <QPdfWriter>
-#include <QSvgGenerator>
 
 #include <cmath>
 
 namespace nmr {
 namespace {
 
-constexpr double kUnitsPerInch = 96, kMillimetresPerInch = 25.4;
-constexpr double kMostPixels = 20000; ///< a side of a PNG
-constexpr double kPointsPerUnit = 72 / kUnitsPerInch;
+constexpr int kPdfDpi = 1200;
 
-/// The size in canvas units of 1/96 inch.
-QSizeF SizeOf(const PictureJob& job)
+Error CanNot(std::string reason)
 {
-    const double factor = job.millimetres ? kUnitsPerInch / kMillimetresPerInch : 1;
-    return {job.width * factor, job.height * factor};
+    return {ErrorCode::internal, "Picture", std::move(reason)};
 }
 
-QString CannotWrite(const PictureJob& job, const QString& reason)
+/// Measures letters for canvases that write by themselves, as paper has them.
+class Metrics {
+public:
+    Metrics() : image_(Blank()), painter_(&image_), canvas_(painter_) {}
+    Canvas& canvas() { return canvas_; }
+
+private:
+    static QImage Blank()
+    {
+        QImage image(1, 1, QImage::Format_RGB32);
+        const int dots = static_cast<int>(std::lround(kUnitsPerInch * 1000 / kMillimetresPerInch));
+        image.setDotsPerMeterX(dots);
+        image.setDotsPerMeterY(dots);
+        return image;
+    }
+    QImage image_;
+    QPainter painter_;
+    QtCanvas canvas_;
+};
+
+Result<std::string> ImageFile(const QImage& image, const char* format)
 {
-    return QStringLiteral("%1: %2").arg(ToQString(job.path), reason);
+    QBuffer file;
+    if (!image.save(&file, format)) return CanNot("the picture can't be made");
+    return file.data().toStdString();
 }
 
-QString WritePng(const PictureJob& job, const QSizeF& size)
+std::string PngOf(const Raster& raster)
 {
-    const double scale = job.dpi / kUnitsPerInch;
-    const double width = std::round(size.width() * scale), height = std::round(size.height() * scale);
-    if (!(width >= 1 && height >= 1 && width <= kMostPixels && height <= kMostPixels))
-        return CannotWrite(job, QStringLiteral("a picture of %1 x %2 pixels can't be made").arg(width).arg(height));
-    QImage image(static_cast<int>(width), static_cast<int>(height), QImage::Format_RGB32);
-    if (image.isNull()) return CannotWrite(job, QStringLiteral("not enough memory for the picture"));
-    image.setDotsPerMeterX(static_cast<int>(std::lround(kUnitsPerInch * 1000 / kMillimetresPerInch)));
-    image.setDotsPerMeterY(image.dotsPerMeterX());
+    const auto file = ImageFile(ToQImage(raster), "PNG");
+    return file ? *file : std::string();
+}
+
+Result<std::string> MakeImage(const PictureJob& job, const char* format)
+{
+    const RectD pixels = PixelsOf(job.size);
+    const double dpi = DpiOf(job.size), scale = dpi / kUnitsPerInch;
+    QImage image(static_cast<int>(pixels.width), static_cast<int>(pixels.height), QImage::Format_RGB32);
+    if (image.isNull()) return CanNot("there is not enough memory for the picture");
+    image.fill(Qt::white);
+    const auto dots = [](double per_inch) {
+        return static_cast<int>(std::lround(per_inch * 1000 / kMillimetresPerInch));
+    };
+    // While it is drawn on, the image has the canvas's units; the file tells how large it is.
+    image.setDotsPerMeterX(dots(kUnitsPerInch));
+    image.setDotsPerMeterY(dots(kUnitsPerInch));
     image.setDevicePixelRatio(scale);
     {
         QPainter painter(&image);
         QtCanvas canvas(painter);
-        DrawSpectrumScene(canvas, {0, 0, width / scale, height / scale}, *job.scene);
+        job.draw(canvas, {0, 0, pixels.width / scale, pixels.height / scale});
     }
-    image.setDotsPerMeterX(static_cast<int>(std::lround(job.dpi * 1000 / kMillimetresPerInch)));
-    image.setDotsPerMeterY(image.dotsPerMeterX());
-    QFile file(ToQString(job.path));
-    if (!file.open(QIODevice::WriteOnly)) return CannotWrite(job, file.errorString());
-    if (!image.save(&file, "PNG") || !file.flush())
-        return CannotWrite(job, QStringLiteral("the picture can't be written"));
-    return {};
+    image.setDevicePixelRatio(1);
+    image.setDotsPerMeterX(dots(dpi));
+    image.setDotsPerMeterY(dots(dpi));
+    return ImageFile(image, format);
 }
 
-QString WriteSvg(const PictureJob& job, const QSizeF& size)
+Result<std::string> MakeSvg(const PictureJob& job)
 {
-    QFile file(ToQString(job.path));
-    if (!file.open(QIODevice::WriteOnly)) return CannotWrite(job, file.errorString());
-    QSvgGenerator generator;
-    generator.setOutputDevice(&file);
-    generator.setResolution(static_cast<int>(kUnitsPerInch));
-    generator.setSize(QSize(static_cast<int>(std::ceil(size.width())), static_cast<int>(std::ceil(size.height()))));
-    generator.setViewBox(QRectF(QPointF(0, 0), size));
-    generator.setTitle(ToQString(job.scene->title));
-    QPainter painter;
-    if (!painter.begin(&generator)) return CannotWrite(job, QStringLiteral("the picture can't be written"));
-    QtCanvas canvas(painter, QtCanvas::Target::vector);
-    DrawSpectrumScene(canvas, {0, 0, size.width(), size.height()}, *job.scene);
-    painter.end();
-    return file.flush() ? QString() : CannotWrite(job, file.errorString());
+    Metrics metrics;
+    SvgCanvas canvas(metrics.canvas(), PngOf);
+    const RectD rect = UnitsOf(job.size);
+    job.draw(canvas, rect);
+    return canvas.Finish(rect.width, rect.height, job.title);
 }
 
-QString WritePdf(const PictureJob& job, const QSizeF& size)
+Result<std::string> MakeEmf(const PictureJob& job)
 {
-    QFile file(ToQString(job.path));
-    if (!file.open(QIODevice::WriteOnly)) return CannotWrite(job, file.errorString());
-    QPdfWriter writer(&file);
-    writer.setResolution(static_cast<int>(kUnitsPerInch));
-    writer.setPageSize(QPageSize(size * kPointsPerUnit, QPageSize::Point, {}, QPageSize::ExactMatch));
-    writer.setPageMargins(QMarginsF(0, 0, 0, 0));
-    writer.setTitle(ToQString(job.scene->title));
-    writer.setCreator(QStringLiteral("nmr1d"));
-    QPainter painter;
-    if (!painter.begin(&writer)) return CannotWrite(job, QStringLiteral("the picture can't be written"));
-    QtCanvas canvas(painter, QtCanvas::Target::vector);
-    DrawSpectrumScene(canvas, {0, 0, size.width(), size.height()}, *job.scene);
-    painter.end();
-    return file.flush() ? QString() : CannotWrite(job, file.errorString());
+    Metrics metrics;
+    const RectD rect = UnitsOf(job.size);
+    EmfCanvas canvas(metrics.canvas(), rect.width, rect.height);
+    job.draw(canvas, rect);
+    return canvas.Finish(job.title);
+}
+
+/// Blanks out the date, so that the same drawing gives the same file; lengths and offsets stay.
+void DropDate(std::string& pdf)
+{
+    constexpr std::string_view kDate = "/CreationDate (";
+    const auto begin = pdf.rfind(kDate);
+    if (begin == std::string::npos) return;
+    const auto end = pdf.find(')', begin);
+    if (end != std::string::npos) pdf.replace(begin, end + 1 - begin, end + 1 - begin, ' ');
+}
+
+/// While it lives, the toolkit's tables keep one order from run to run: that of the fonts in a PDF hangs on it.
+struct SteadyOrder {
+    SteadyOrder() { QHashSeed::setDeterministicGlobalSeed(); }
+    ~SteadyOrder() { QHashSeed::resetRandomGlobalSeed(); }
+    SteadyOrder(const SteadyOrder&) = delete;
+    SteadyOrder& operator=(const SteadyOrder&) = delete;
+};
+
+Result<std::string> MakePdf(const PictureJob& job)
+{
+    const SteadyOrder order;
+    const RectD rect = UnitsOf(job.size);
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
+    {
+        QPdfWriter writer(&file);
+        writer.setResolution(kPdfDpi);
+        const QSizeF points(rect.width / kUnitsPerPoint, rect.height / kUnitsPerPoint);
+        writer.setPageSize(QPageSize(points, QPageSize::Point, {}, QPageSize::ExactMatch));
+        writer.setPageMargins(QMarginsF(0, 0, 0, 0));
+        writer.setTitle(ToQString(job.title));
+        writer.setCreator(QStringLiteral("nmr1d"));
+        QPainter painter;
+        if (!painter.begin(&writer)) return CanNot("the picture can't be made");
+        painter.scale(kPdfDpi / kUnitsPerInch, kPdfDpi / kUnitsPerInch);
+        QtCanvas canvas(painter, QtCanvas::Target::vector);
+        job.draw(canvas, rect);
+    }
+    std::string pdf = file.data().toStdString();
+    DropDate(pdf);
+    return pdf;
 }
 
 } // namespace
 
-QString WritePictureFile(const PictureJob& job)
+Result<std::string> MakePicture(const PictureJob& job)
 {
-    const QSizeF size = SizeOf(job);
-    const bool fits = size.width() >= 1 && size.height() >= 1 && size.width() <= 1e5 && size.height() <= 1e5;
-    if (job.scene == nullptr || !fits || !(job.dpi >= 1 && job.dpi <= 10000))
-        return CannotWrite(job, QStringLiteral("bad size of the picture"));
-    struct Format {
-        const char* extension;
-        QString (*write)(const PictureJob&, const QSizeF&);
-    };
-    constexpr Format kFormats[] = {{"png", WritePng}, {"svg", WriteSvg}, {"pdf", WritePdf}};
-    const QString extension = QFileInfo(ToQString(job.path)).suffix().toLower();
-    for (const Format& format : kFormats)
-        if (extension == QLatin1String(format.extension)) return format.write(job, size);
-    return CannotWrite(job, QStringLiteral("no picture format of this extension"));
+    if (const Status size = CheckPictureSize(job.size, job.format); !size) return size.error();
+    switch (job.format) {
+    case PictureFormat::pdf:
+        return MakePdf(job);
+    case PictureFormat::svg:
+        return MakeSvg(job);
+    case PictureFormat::emf:
+        return MakeEmf(job);
+    case PictureFormat::png:
+        return MakeImage(job, "PNG");
+    case PictureFormat::bmp:
+        return MakeImage(job, "BMP");
+    }
+    return CanNot("there is no such format");
 }
 
 } // namespace nmr

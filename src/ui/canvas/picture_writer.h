@@ -1,13 +1,15 @@
 #pragma once
-// Scenes into picture files.
+// Drawings as picture files. What comes out hangs on the drawing alone: neither on the screen and its scale nor
+// on the time.
 
 #include "layout/picture_job.h"
 
-#include <QString>
+#include <string>
 
 namespace nmr {
 
-/// Writes the picture; returns an empty text, or the reason why it could not. Needs a QGuiApplication.
-QString WritePictureFile(const PictureJob& job);
+/// The bytes of the file. Needs a QGuiApplication.
+/// @return bad_value for a size that is not possible, with the reason; internal when the toolkit fails
+Result<std::string> MakePicture(const PictureJob& job);
 
 } // namespace nmr

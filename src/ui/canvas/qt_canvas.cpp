@@ -13,12 +13,6 @@
 namespace nmr {
 namespace {
 
-Qt::PenStyle ToQt(PenStyle style)
-{
-    constexpr Qt::PenStyle kStyles[] = {Qt::NoPen, Qt::SolidLine, Qt::DashLine, Qt::DotLine, Qt::DashDotLine};
-    return kStyles[static_cast<std::size_t>(style)];
-}
-
 QRectF ToQt(const RectD& rect)
 {
     return {rect.x, rect.y, rect.width, rect.height};
@@ -60,6 +54,21 @@ QString ToQString(std::string_view utf8)
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
+QImage ToQImage(const Raster& raster)
+{
+    if (!raster.valid()) return {};
+    QImage image(raster.width, raster.height, QImage::Format_ARGB32);
+    std::size_t next = 0;
+    for (int y = 0; y < raster.height; ++y) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < raster.width; ++x, ++next) {
+            const Rgba& color = raster.pixels[next];
+            line[x] = qRgba(color.red, color.green, color.blue, color.alpha);
+        }
+    }
+    return image;
+}
+
 QtCanvas::QtCanvas(QPainter& painter, Target target, double vector_resolution) :
     painter_(painter), straight_(target == Target::raster && painter.deviceTransform().type() <= QTransform::TxScale &&
                                  painter.deviceTransform().m11() > 0 && painter.deviceTransform().m22() > 0),
@@ -67,6 +76,7 @@ QtCanvas::QtCanvas(QPainter& painter, Target target, double vector_resolution) :
 {
     painter_.setRenderHint(QPainter::Antialiasing);
     painter_.setRenderHint(QPainter::TextAntialiasing);
+    painter_.setRenderHint(QPainter::LosslessImageRendering);
     SetPen({});
     SetBrush({0, 0, 0, 0});
     SetFont({});
@@ -75,9 +85,15 @@ QtCanvas::QtCanvas(QPainter& painter, Target target, double vector_resolution) :
 void QtCanvas::SetPen(const Pen& pen)
 {
     pen_ = pen;
-    QPen qt_pen(ToQColor(pen.color), std::max(pen.width, 0.0), ToQt(pen.style), Qt::FlatCap, Qt::MiterJoin);
+    const double finest = straight_ || !(pen.width > 0) ? 1 / resolution_ : 0;
+    const double width = std::max(pen.width, finest);
+    const auto style = pen.style == PenStyle::none ? Qt::NoPen : Qt::SolidLine;
+    QPen qt_pen(ToQColor(pen.color), width, style, Qt::FlatCap, Qt::MiterJoin);
     qt_pen.setMiterLimit(2);
-    if (straight_ && pen.width * resolution_ < 1) qt_pen.setWidthF(1 / resolution_);
+    if (auto dashes = DashesOf(pen); !dashes.empty()) {
+        for (double& length : dashes) length /= width; // a QPen counts in pen widths
+        qt_pen.setDashPattern(QList<qreal>(dashes.begin(), dashes.end()));
+    }
     painter_.setPen(qt_pen);
 }
 
@@ -189,7 +205,7 @@ void QtCanvas::Stripes(double x, double stripe_width, std::span<const Stripe> st
 
 void QtCanvas::Rectangle(const RectD& rect)
 {
-    if (!straight_ || pen_.style == PenStyle::dash || pen_.style == PenStyle::dot || pen_.style == PenStyle::dash_dot) {
+    if (!straight_ || (pen_.style != PenStyle::solid && pen_.style != PenStyle::none)) {
         painter_.drawRect(ToQt(rect));
         return;
     }
@@ -205,6 +221,11 @@ void QtCanvas::Rectangle(const RectD& rect)
 void QtCanvas::Ellipse(const RectD& rect)
 {
     painter_.drawEllipse(ToQt(rect));
+}
+
+void QtCanvas::Picture(const RectD& rect, const Raster& raster)
+{
+    if (raster.valid()) painter_.drawImage(ToQt(rect), ToQImage(raster));
 }
 
 void QtCanvas::Text(PointD at, std::string_view utf8, TextAlign align, double angle_deg)

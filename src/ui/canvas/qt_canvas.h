@@ -1,8 +1,9 @@
 #pragma once
 // The Canvas over a QPainter: window, printer, picture files.
 
-#include "layout/canvas.h"
+#include "layout/vector_canvas.h"
 
+#include <QImage>
 #include <QPainter>
 
 #include <vector>
@@ -13,6 +14,8 @@ class LetterFace;
 
 QColor ToQColor(Rgba color);
 QString ToQString(std::string_view utf8);
+/// A copy of the pixels; a null image for a raster that is not valid.
+QImage ToQImage(const Raster& raster);
 
 /// Draws on a painter that is active as long as the canvas lives. Rasters get axis-parallel lines on
 /// whole device pixels, so that they are crisp at any scale, and curves as stripes; paper and SVG get
@@ -21,7 +24,8 @@ class QtCanvas : public Canvas {
 public:
     enum class Target { raster, vector };
     /// @param vector_resolution finest steps in one unit worth drawing on a vector target
-    explicit QtCanvas(QPainter& painter, Target target = Target::raster, double vector_resolution = 4);
+    explicit QtCanvas(QPainter& painter, Target target = Target::raster,
+                      double vector_resolution = kPaperDpi / kUnitsPerInch);
 
     void SetPen(const Pen& pen) override;
     void SetBrush(Rgba fill) override;
@@ -33,6 +37,7 @@ public:
     bool PrefersStripes() const override { return straight_; }
     void Rectangle(const RectD& rect) override;
     void Ellipse(const RectD& rect) override;
+    void Picture(const RectD& rect, const Raster& raster) override;
     void Text(PointD at, std::string_view utf8, TextAlign align = TextAlign::left, double angle_deg = 0) override;
     TextExtent Measure(std::string_view utf8) override;
     void PushClip(const RectD& rect) override;

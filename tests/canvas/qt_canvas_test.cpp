@@ -1,5 +1,4 @@
-#include "form_rig.h"
-#include "layout/picture_job.h"
+#include "app.h"
 #include "support/files.h"
 #include "ui/canvas/picture_writer.h"
 #include "ui/canvas/qt_canvas.h"
@@ -90,71 +89,47 @@ TEST(FillStripes, PixelsTakeTheShareThatIsCovered)
     }
 }
 
-struct SceneRig {
-    SceneRig()
-    {
-        for (std::size_t i = 0; i < row.size(); ++i)
-            row[i] = 1 / (1 + std::pow((static_cast<float>(i) - 2000) / 5, 2.0F));
-        auto pyramid = std::make_shared<MinMaxPyramid>();
-        pyramid->Build(row);
-        scene.curves.push_back({row, pyramid, 0, 10.0 / 4095, {{0, 114, 178}, 1, PenStyle::solid}});
-        scene.title = "Sample \xC3\xA9";
-        scene.high = 0.5; // the line leaves the frame
-    }
-    std::vector<float> row = std::vector<float>(4096);
-    SpectrumScene scene;
-};
-
-TEST(PictureWriter, WritesWhatTheExtensionSays)
+PictureJob RedJob(PictureFormat format, const PictureSize& size)
 {
-    App();
-    const SceneRig rig;
-    const TempFolder folder;
-    PictureJob job{&rig.scene, folder / "a.png", 400, 200, false, 192};
-    EXPECT_EQ(WritePictureFile(job).toStdString(), "");
-    const QImage png(QString::fromStdString(job.path));
-    EXPECT_EQ(png.size(), QSize(800, 400));
-    EXPECT_NEAR(png.dotsPerMeterX() * 0.0254, 192, 0.1);
-    job = {&rig.scene, folder / "mm.PNG", 100, 50, true, 254};
-    EXPECT_EQ(WritePictureFile(job).toStdString(), "");
-    EXPECT_EQ(QImage(QString::fromStdString(job.path)).size(), QSize(1000, 500));
-    job = {&rig.scene, folder / "a.svg", 400, 200};
-    EXPECT_EQ(WritePictureFile(job).toStdString(), "");
-    const auto svg = ReadText(job.path);
-    EXPECT_THAT(svg, testing::HasSubstr("Sample \xC3\xA9"));
-    EXPECT_THAT(svg, testing::HasSubstr("ppm"));
-    job.path = folder / "a.pdf";
-    EXPECT_EQ(WritePictureFile(job).toStdString(), "");
-    EXPECT_TRUE(ReadText(job.path).starts_with("%PDF-"));
-    EXPECT_THAT(ReadText(job.path), testing::HasSubstr("MediaBox [0 0 300"));
+    PictureJob job;
+    job.format = format;
+    job.size = size;
+    job.draw = [](Canvas& canvas, const RectD& rect) {
+        canvas.SetPen({{}, 0, PenStyle::none});
+        canvas.SetBrush({255, 0, 0});
+        canvas.Rectangle({0, 0, rect.width / 2, rect.height});
+    };
+    return job;
 }
 
-TEST(PictureWriter, SaysWhyItCanNot)
+TEST(MakePicture, HasTheSizeThatWasAskedFor)
 {
     App();
-    const SceneRig rig;
-    const TempFolder folder;
     struct Case {
         const char* name;
-        const char* file;
-        double width, height, dpi;
-        const char* reason;
+        PictureFormat format;
+        PictureSize size;
+        QSize pixels;
+        double dpi;
     };
-    const Case cases[] = {
-        {"unknown extension", "a.bmp", 100, 100, 96, "no picture format"},
-        {"no extension", "a", 100, 100, 96, "no picture format"},
-        {"no width", "a.png", 0, 100, 96, "bad size"},
-        {"width without a number", "a.svg", std::nan(""), 100, 96, "bad size"},
-        {"too many pixels", "a.png", 90000, 90000, 960, "pixels"},
-        {"no resolution", "a.png", 100, 100, 0, "bad size"},
-        {"folder that is not there", "b/a.pdf", 100, 100, 96, "No such file"},
-    };
-    for (const Case& c : cases) {
+    for (const Case& c : {Case{"pixels", PictureFormat::png, {400, 200}, {400, 200}, 96},
+                          {"pixels of a fine picture", PictureFormat::bmp, {400, 200, false, 192}, {400, 200}, 192},
+                          {"mm", PictureFormat::png, {50.8, 25.4, true}, {600, 300}, 300},
+                          {"mm with dots", PictureFormat::bmp, {100, 50, true, 254}, {1000, 500}, 254}}) {
         SCOPED_TRACE(c.name);
-        const PictureJob job{&rig.scene, folder / c.file, c.width, c.height, false, c.dpi};
-        EXPECT_THAT(WritePictureFile(job).toStdString(), testing::HasSubstr(c.reason));
-        EXPECT_FALSE(std::filesystem::exists(job.path));
+        const auto file = MakePicture(RedJob(c.format, c.size));
+        ASSERT_TRUE(file);
+        const QImage image = QImage::fromData(QByteArray::fromStdString(*file));
+        EXPECT_EQ(image.size(), c.pixels);
+        EXPECT_NEAR(image.dotsPerMeterX() * 0.0254, c.dpi, 0.1);
+        EXPECT_EQ(image.pixel(image.width() / 2 - 1, image.height() - 1), qRgb(255, 0, 0));
+        EXPECT_EQ(image.pixel(image.width() / 2, 0), qRgb(255, 255, 255)) << "paper is white";
     }
+    EXPECT_THAT(*MakePicture(RedJob(PictureFormat::pdf, {400, 200})), testing::HasSubstr("MediaBox [0 0 300"));
+    EXPECT_THAT(*MakePicture(RedJob(PictureFormat::svg, {100, 50, true})), testing::HasSubstr("width=\"100mm\""));
+    const auto wrong = MakePicture(RedJob(PictureFormat::png, {0, 200}));
+    ASSERT_FALSE(wrong);
+    EXPECT_THAT(wrong.error().text, testing::HasSubstr("20 to 20000 pixels"));
 }
 
 TEST(QtCanvas, MeasuresWhatItDraws)
