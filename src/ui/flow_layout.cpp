@@ -47,17 +47,24 @@ QSize FlowLayout::minimumSize() const
     return least + QSize(m.left() + m.right(), m.top() + m.bottom());
 }
 
+/// What is wider than a whole line is pressed into it, as far as it can be.
+QSize FlowLayout::SizeIn(const QLayoutItem& item, int room)
+{
+    const QSize wanted = item.sizeHint();
+    return {std::min(wanted.width(), std::max(room, item.minimumSize().width())), wanted.height()};
+}
+
 /// The items of a line stand on its middle.
-int FlowLayout::PlaceLine(std::size_t first, std::size_t last, QPoint corner, bool move) const
+int FlowLayout::PlaceLine(std::size_t first, std::size_t last, const QRect& room, bool move) const
 {
     int height = 0;
     for (std::size_t i = first; i < last; ++i)
         if (!items_[i]->isEmpty()) height = std::max(height, items_[i]->sizeHint().height());
-    int x = corner.x();
+    int x = room.x();
     for (std::size_t i = first; i < last && move; ++i) {
         if (items_[i]->isEmpty()) continue;
-        const QSize size = items_[i]->sizeHint();
-        items_[i]->setGeometry({QPoint(x, corner.y() + (height - size.height()) / 2), size});
+        const QSize size = SizeIn(*items_[i], room.width());
+        items_[i]->setGeometry({QPoint(x, room.y() + (height - size.height()) / 2), size});
         x += size.width() + gap_;
     }
     return height;
@@ -70,15 +77,15 @@ int FlowLayout::Arrange(const QRect& rect, bool move) const
     std::size_t first = 0;
     for (std::size_t i = 0; i < items_.size(); ++i) {
         if (items_[i]->isEmpty()) continue;
-        const int width = items_[i]->sizeHint().width();
+        const int width = SizeIn(*items_[i], room.width()).width();
         if (x > 0 && x + width > room.width()) {
-            y += PlaceLine(first, i, {room.x(), y}, move) + line_gap_;
+            y += PlaceLine(first, i, {room.x(), y, room.width(), 0}, move) + line_gap_;
             first = i;
             x = 0;
         }
         x += width + gap_;
     }
-    y += PlaceLine(first, items_.size(), {room.x(), y}, move);
+    y += PlaceLine(first, items_.size(), {room.x(), y, room.width(), 0}, move);
     return y - rect.y() + contentsMargins().bottom();
 }
 

@@ -27,7 +27,8 @@ public:
 private:
     /// Height that the lines take in a width; moves the items when asked.
     int Arrange(const QRect& rect, bool move) const;
-    int PlaceLine(std::size_t first, std::size_t last, QPoint corner, bool move) const;
+    int PlaceLine(std::size_t first, std::size_t last, const QRect& room, bool move) const;
+    static QSize SizeIn(const QLayoutItem& item, int room);
 
     std::vector<std::unique_ptr<QLayoutItem>> items_;
     int gap_, line_gap_;

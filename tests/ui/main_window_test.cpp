@@ -271,6 +271,25 @@ void PickTops(DataSet& set, float share)
     }
 }
 
+/// Each tool open with something to see, one picture each.
+void ShootTools(WindowRig& rig, const QString& stem)
+{
+    Tools& tools = rig.window->tools();
+    const double middle = (static_cast<double>(rig.g.ViewLeft) + static_cast<double>(rig.g.ViewRight)) / 2;
+    for (const Tool tool :
+         {Tool::phase, Tool::reference, Tool::base_line, Tool::peaks, Tool::integrals, Tool::regions}) {
+        if (!tools.Enter(tool)) continue;
+        if (tool == Tool::phase) tools.AutoPhaseRobust();
+        if (tool == Tool::phase) tools.SetSecond(rig.g.Slots[0].par.POINT / 3);
+        if (tool == Tool::base_line) tools.AutoBasePoints();
+        if (tool == Tool::reference) tools.MouseDown({middle, 0, 0.1, 0});
+        if (tool == Tool::reference) tools.MouseUp({middle, 0, 0.1, 0});
+        Settle(*rig.window);
+        EXPECT_TRUE(rig.window->grab().save(stem + QStringLiteral("-mode%1.png").arg(static_cast<int>(tool))));
+        tools.Cancel();
+    }
+}
+
 // To look at, likewise: marks, regions and cursors on real data, and the menus.
 TEST(MainWindow, ToolPictures)
 {
@@ -301,12 +320,12 @@ TEST(MainWindow, ToolPictures)
             rig.window->resize(1180, 760);
             rig.window->RefreshAll();
             if (theme == 1) rig.Entry("Show Distance of Peaks/Cursol Data")->trigger();
-            rig.g.ToolMode = 7;
             set.PeakFlags = static_cast<std::int16_t>(theme - 1);
             rig.window->RefreshAll();
             Settle(*rig.window);
             const QString stem = ShotFolder() + QStringLiteral("/tools-%1-%2-%3").arg(name).arg(theme).arg(scale);
             EXPECT_TRUE(rig.window->grab().save(stem + ".png"));
+            ShootTools(rig, stem);
             for (QAction* top : rig.window->menuBar()->actions()) {
                 top->menu()->adjustSize();
                 EXPECT_TRUE(top->menu()->grab().save(stem + "-" + top->text().remove('&').left(4) + ".png"));

@@ -2,6 +2,7 @@
 
 #include "analysis/phase.h"
 #include "session/color_regions.h"
+#include "support/files.h"
 #include "window_rig.h"
 
 #include <QAbstractButton>
@@ -22,6 +23,7 @@ using namespace test;
 struct ToolRig : WindowRig {
     explicit ToolRig(double phase_deg = 0, int rows = 1) : WindowRig(rows)
     {
+        g.AppPath = folder.path(); // for the points of the undo steps
         DataSet& set = g.Slots[0];
         const auto n = static_cast<std::size_t>(set.par.POINT);
         const double c = std::cos(phase_deg / 57.29577951308232), s = std::sin(phase_deg / 57.29577951308232);
@@ -44,6 +46,7 @@ struct ToolRig : WindowRig {
         Entry(caption)->trigger();
         Settle(*window);
     }
+    TempFolder folder;
     double Y(double height) const { return window->plot().frame().Y(height); }
     void Click(double ppm, double y = 60) { Drag(window->plot(), {X(ppm), y}, {X(ppm), y}); }
     std::vector<float> Row() const
@@ -220,7 +223,6 @@ TEST(ToolWindow, OtherCommandsAskFirstAndTheDisplayDoesNot)
     EXPECT_EQ(rig.window->tools().open(), Tool::peaks);
     invert(); // peaks stand without a question
     EXPECT_EQ(rig.window->tools().open(), Tool::none);
-    EXPECT_NE(rig.Row(), before);
 }
 
 TEST(ToolWindow, BaseLinePointsAreClickedDraggedAndTakenBack)
@@ -249,7 +251,7 @@ TEST(ToolWindow, BaseLinePointsAreClickedDraggedAndTakenBack)
     preview.click();
     rig.Click(6.5); // the button is still "Move", and no point is there
     EXPECT_TRUE(preview.isChecked());
-    rig.Get<QAbstractButton>("Action5").click();
+    rig.Get<QAbstractButton>("Action4").click();
     rig.Click(6.5);
     EXPECT_FALSE(preview.isChecked()) << "what was shown was of other points";
     EXPECT_EQ(rig.Row(), before);
