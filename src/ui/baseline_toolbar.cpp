@@ -106,6 +106,7 @@ void BaselineToolbar::Refresh()
     redo_->setToolTip(QString::fromStdString(g_.PointUndo.RedoCaption()) + QStringLiteral(" (Ctrl+Shift+Z)"));
     preview_->setEnabled(method != 0 || !g_.BasePoints.empty());
     preview_->setChecked(tools_.previewed());
+    ShowPressed(*preview_);
 }
 
 } // namespace nmr

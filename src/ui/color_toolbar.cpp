@@ -30,6 +30,7 @@ ColorToolbar::ColorToolbar(Tools& tools, Session& session) :
     BeginGroup();
     color_ = AddButton("RegionColor", QStringLiteral("Color..."), QStringLiteral("Colour of the next regions"),
                        [this] { ChooseColor(); });
+    color_->setMaximumWidth(QWIDGETSIZE_MAX); // it has a swatch too
     reset_all_ = AddButton("ResetRegions", QStringLiteral("Reset All"), QStringLiteral("Takes all colours away"),
                            [this] { tools_.ResetRegions(); });
     AddEnd("CloseRegions", QStringLiteral("Close"), QStringLiteral("Leaves the tool (Enter or Esc)"));

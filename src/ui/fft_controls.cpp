@@ -96,10 +96,12 @@ QWidget* PhaseControl::MakeSteps(const Order& order, Form form)
             label->setFont(small);
             label->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
             label->setMinimumWidth(10);
+            // A bar has room for both orders side by side only with tight steps.
+            if (form == Form::flat) label->setMaximumWidth(QFontMetrics(small).horizontalAdvance(label->text()) + 9);
             // In one line they grow from the middle to both sides.
             const int at = form == Form::tall || row == 0 ? column : 13 - column;
             grid->addWidget(label, form == Form::tall ? row : 0, at);
-            grid->setColumnStretch(at, 1);
+            grid->setColumnStretch(at, form == Form::tall ? 1 : 0);
         }
     return steps;
 }

@@ -237,6 +237,7 @@ void NMR1D_Form1::changeEvent(QEvent* event)
     if (event->type() == QEvent::PaletteChange && plot_ != nullptr) {
         plot_->update();
         overview_->update();
+        RefreshPanels(); // pressed buttons have a colour of their own
     }
 }
 

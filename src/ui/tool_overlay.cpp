@@ -3,6 +3,7 @@
 #include "core/list_values.h"
 #include "ui/canvas/qt_canvas.h"
 
+#include <QGuiApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -123,6 +124,7 @@ void ToolOverlay::Draw(QtCanvas& canvas, const PlotFrame& frame)
     if (std::exchange(stale_, false)) marks_ = tools_.Marks();
     QPainter& painter = canvas.painter();
     painter.save();
+    painter.setFont(QGuiApplication::font()); // not that of the axis
     const RectD& r = frame.rect;
     painter.setClipRect(QRectF(r.x, r.y, r.width, r.height), Qt::IntersectClip);
     DrawRange(canvas, frame);

@@ -6,8 +6,26 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QToolButton>
+
+#include <algorithm>
 
 namespace nmr {
+namespace {
+
+constexpr int kPadding = 22, kLeastWidth = 52; // of a button, pixels
+
+} // namespace
+
+void ShowPressed(QAbstractButton& button)
+{
+    QPalette palette;
+    if (button.isChecked()) {
+        palette.setColor(QPalette::Button, palette.color(QPalette::Highlight));
+        palette.setColor(QPalette::ButtonText, palette.color(QPalette::HighlightedText));
+    }
+    button.setPalette(palette);
+}
 
 ToolPanel::ToolPanel(Tools& tools, Session& session, Tool tool, const char* name, const QString& caption) :
     tools_(tools), session_(session), g_(session.g), tool_(tool), flow_(new FlowLayout(this, 14, 6))
@@ -24,7 +42,10 @@ ToolPanel::ToolPanel(Tools& tools, Session& session, Tool tool, const char* name
 
 void ToolPanel::Refresh()
 {
-    for (const auto& [action, button] : actions_) button->setChecked(tools_.action() == action);
+    for (const auto& [action, button] : actions_) {
+        button->setChecked(tools_.action() == action);
+        ShowPressed(*button);
+    }
 }
 
 QWidget* ToolPanel::BeginGroup()
@@ -67,6 +88,7 @@ QPushButton* ToolPanel::AddButton(const char* name, const QString& caption, cons
     button->setObjectName(QLatin1String(name));
     button->setToolTip(tip);
     button->setFocusPolicy(Qt::NoFocus);
+    button->setMaximumWidth(std::max(button->fontMetrics().horizontalAdvance(caption) + kPadding, kLeastWidth));
     connect(button, &QPushButton::clicked, this, std::move(step));
     AddWidget(button);
     return button;

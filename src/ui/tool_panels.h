@@ -63,6 +63,9 @@ private:
     std::vector<std::pair<ToolAction, QToolButton*>> actions_;
 };
 
+/// A checked button in the colour of what is chosen: pressed alone does not show on dark ground.
+void ShowPressed(QAbstractButton& button);
+
 /// "Quality 87 %" of a robust phase; empty for none.
 QString QualityText(const std::optional<double>& percent);
 
