@@ -3,8 +3,10 @@
 // taken. It never gives a phase that is no number, and turns a row that is in phase no further.
 //
 // Criteria and their sources: smallest absolute sum of the real part (an absorption line has a finite area, a
-// dispersion line an endless one), and negative area: A. Heuer, J. Magn. Reson. 91 (1991) 241; equal feet
-// on both sides of a line, which a rolling base line does not disturb; and the circle fit of analysis/phase.h.
+// dispersion line an endless one), and negative area: A. Heuer, J. Magn. Reson. 91 (1991) 241; equal feet on both
+// sides of a line; the phase of each line by itself (analysis/line_phases.h), which stands on any base line; entropy of
+// the derivative: L. Chen, Z. Weng, L. Goh, M. Garland, J. Magn. Reson. 158 (2002) 164; and the circle fit of
+// analysis/phase.h. A strong slow part (analysis/slow_part.h) is taken off before they look.
 
 #include "core/global_block.h"
 
@@ -42,8 +44,8 @@ enum class PhaseCriterion {
 struct RobustPhase {
     double phase0_deg = 0, phase1_deg = 0; ///< turning as Phase_Apply does about `pivot`
     std::int32_t pivot = 0;                ///< the strongest point
-    double quality = 0;                    ///< 0 to 100 percent
-    bool alternating = false;              ///< lines of both signs
+    double quality = 0;       ///< 0 to 100 percent: how much worse any other phase does, and how well the lines agree
+    bool alternating = false; ///< lines of both signs
     PhaseCriterion criterion = PhaseCriterion::none;
 };
 

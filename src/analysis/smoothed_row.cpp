@@ -1,0 +1,131 @@
+#include "analysis/smoothed_row.h"
+
+#include "analysis/slow_part.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+
+namespace nmr {
+
+namespace {
+
+double LowerQuartile(std::vector<double> values)
+{
+    if (values.empty()) return 0.0;
+    const auto at = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 4);
+    std::ranges::nth_element(values, at);
+    return *at;
+}
+
+std::vector<float> Magnitudes(std::span<const float> re, std::span<const float> im)
+{
+    std::vector<float> m(re.size());
+    for (std::size_t i = 0; i < m.size(); ++i) m[i] = std::sqrt(re[i] * re[i] + im[i] * im[i]);
+    return m;
+}
+
+double NoiseOf(std::span<const float> magnitude)
+{
+    const std::size_t length = std::max<std::size_t>(magnitude.size() / 128, 1);
+    std::vector<double> means;
+    for (std::size_t from = 0; from + length <= magnitude.size(); from += length) {
+        double sum = 0;
+        for (std::size_t i = from; i < from + length; ++i) sum += static_cast<double>(magnitude[i]);
+        means.push_back(sum / static_cast<double>(length));
+    }
+    return LowerQuartile(std::move(means));
+}
+
+void Take(Smoothed& s)
+{
+    s.magnitude = Magnitudes(s.re, s.im);
+    s.noise = NoiseOf(s.magnitude);
+    s.top = *std::ranges::max_element(s.magnitude);
+}
+
+void SmoothOnce(std::vector<float>& row, std::size_t reach)
+{
+    const std::vector<float> from = row;
+    for (std::size_t i = reach; i + reach < row.size(); ++i)
+        row[i] = 0.25F * from[i - reach] + 0.5F * from[i] + 0.25F * from[i + reach];
+}
+
+/// Every second point as the mean of two; an odd one at the end falls away.
+void Halve(std::vector<float>& row)
+{
+    for (std::size_t i = 0; 2 * i + 1 < row.size(); ++i) row[i] = 0.5F * (row[2 * i] + row[2 * i + 1]);
+    row.resize(row.size() / 2);
+}
+
+float MedianMagnitude(const Smoothed& row)
+{
+    std::vector<float> m = row.magnitude;
+    const auto middle = m.begin() + static_cast<std::ptrdiff_t>(m.size() / 2);
+    std::ranges::nth_element(m, middle);
+    return *middle;
+}
+
+} // namespace
+
+Smoothed SmoothToNoise(std::span<const float> re, std::span<const float> im)
+{
+    constexpr double kQuiet = 150.0;
+    Smoothed best{{re.begin(), re.end()}, {im.begin(), im.end()}, {}, 0, 0};
+    Take(best);
+    for (std::size_t reach = 1; reach <= 8; reach *= 2) {
+        if (!(best.noise > 0.0) || static_cast<double>(best.top) > kQuiet * best.noise) break;
+        Smoothed next = best;
+        for (auto* row : {&next.re, &next.im}) SmoothOnce(*row, reach);
+        Take(next);
+        // As long as lines lose less height than the noise does.
+        if (static_cast<double>(next.top) * best.noise <= 1.05 * static_cast<double>(best.top) * next.noise) break;
+        best = std::move(next);
+    }
+    return best;
+}
+
+float Threshold(const Smoothed& row)
+{
+    const auto top = static_cast<double>(row.top);
+    return static_cast<float>(std::max(std::min(4.0 * row.noise, 0.4 * top), 0.004 * top));
+}
+
+std::size_t CountAbove(const Smoothed& row, float threshold)
+{
+    return static_cast<std::size_t>(std::ranges::count_if(row.magnitude, [&](float m) { return m > threshold; }));
+}
+
+std::size_t Thin(Smoothed& row)
+{
+    std::size_t factor = 1;
+    while (row.re.size() > 4096 && CountAbove(row, Threshold(row)) > kMostSignal) {
+        Smoothed next = row;
+        Halve(next.re);
+        Halve(next.im);
+        Take(next);
+        if (next.top < 0.98F * row.top) break;
+        row = std::move(next);
+        factor *= 2;
+    }
+    return factor;
+}
+
+std::vector<LinePhase> LinesOf(const Smoothed& row)
+{
+    constexpr std::size_t kMostLines = 96;
+    const double least = std::max(0.01 * static_cast<double>(row.top), 4.0 * row.noise);
+    return Find_Line_Phases({row.re, row.im, row.magnitude}, least, row.noise, kMostLines);
+}
+
+void Flatten(Smoothed& row)
+{
+    constexpr float kQuieter = 0.4F;
+    Smoothed flat = row;
+    Subtract_Slow_Part(flat.re, flat.im, LinesOf(row));
+    Take(flat);
+    if (flat.top > 0.0F && MedianMagnitude(flat) < kQuieter * MedianMagnitude(row)) row = std::move(flat);
+}
+
+} // namespace nmr

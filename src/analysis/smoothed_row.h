@@ -1,0 +1,39 @@
+#pragma once
+// A row as the robust phase looks at it: smoothed as far as its noise asks for, thinned where its lines are broad,
+// without its slow part where that is a base line.
+
+#include "analysis/line_phases.h"
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace nmr {
+
+constexpr std::size_t kMostSignal = 12288; ///< of signal that are looked at
+
+/// Spectra with much noise are smoothed first, evenly to both sides, which turns no line.
+struct Smoothed {
+    std::vector<float> re, im, magnitude;
+    double noise = 0;
+    float top = 0;
+};
+
+/// Smooths while lines lose less height than the noise does. The row must have a point.
+Smoothed SmoothToNoise(std::span<const float> re, std::span<const float> im);
+
+/// Lowest height that counts.
+float Threshold(const Smoothed& row);
+
+std::size_t CountAbove(const Smoothed& row, float threshold);
+
+/// Halves a row of broad lines until it has few enough points of signal; how many points became one.
+std::size_t Thin(Smoothed& row);
+
+/// The phases of its highest lines.
+std::vector<LinePhase> LinesOf(const Smoothed& row);
+
+/// Takes the slow part away where that leaves the row far quieter: then it was a base line, not feet of lines.
+void Flatten(Smoothed& row);
+
+} // namespace nmr
