@@ -1,9 +1,10 @@
 # Sourced by run and check: installs what is missing of a list of Debian packages.
 
 build_packages="g++ cmake ninja-build ccache libfmt-dev libmd-dev libcli11-dev nlohmann-json3-dev \
-  qt6-base-dev qt6-svg-dev libgl-dev libegl-dev fonts-liberation2"
-run_packages="qt6-qpa-plugins libqt6svg6 fonts-liberation2"
-test_packages="libgtest-dev libgmock-dev binutils xvfb xauth clang clang-format libclang-rt-14-dev git"
+  qt6-base-dev libgl-dev libegl-dev fonts-liberation2"
+run_packages="qt6-qpa-plugins fonts-liberation2"
+test_packages="libgtest-dev libgmock-dev binutils xvfb xauth clang clang-format libclang-rt-14-dev git \
+  poppler-utils librsvg2-bin"
 bench_packages="libbenchmark-dev libfftw3-dev"
 
 say() { printf '%s: %s\n' "$program" "$*"; }

@@ -2,9 +2,9 @@
 // The phase of each line by itself, whatever base line it stands on.
 //
 // A line out of phase is a pole in the complex plane, a + i*b*w for a line at a with half width w; its residue
-// carries the phase. Around a top the row is fitted by such a pole on a sloping complex base line. Any line shape that
-// is the same to both sides gives its phase without bias; a rolling base line and the feet of neighbours go into the
-// slope.
+// carries the phase. Around a top the row is fitted by such a pole on a sloping complex base line. A line
+// shape that is the same to both sides of its top gives its phase all the same; a rolling base line and the feet of
+// neighbours go into the slope.
 //
 // Linear fit of a rational function: E. C. Levy, IRE Trans. Autom. Control 4 (1959) 37; weights by the denominator
 // of the round before: C. K. Sanathanan, J. Koerner, IEEE Trans. Autom. Control 8 (1963) 56.

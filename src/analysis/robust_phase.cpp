@@ -27,7 +27,8 @@ constexpr double kFarPenalty = 0.1; ///< of the cost, for each turn of first ord
 constexpr double kFeetShare = 0.5;
 constexpr double kLineShare = 0.45;
 constexpr double kAsGood = 1.015; ///< cost of what is known beforehand, over that of the best
-constexpr double kNoTurn = 1.0;  ///< degrees that are not worth a change
+constexpr double kStay = 1.01;    ///< cost of the row as it stands, over that of the best
+constexpr double kNoTurn = 1.0;   ///< degrees that are not worth a change
 
 /// The points that carry lines, in runs of neighbours.
 struct Signal {
@@ -36,6 +37,7 @@ struct Signal {
         std::size_t first, count; ///< in re and im
         double position;          ///< of its middle, share of the row from the middle of all signal
         float weight;
+        double share = 0; ///< of all signal, weighted
     };
     std::vector<Run> runs;
     double center = 0; ///< point about which the phases turn here
@@ -184,7 +186,11 @@ void WeighRuns(Signal& s, std::size_t n)
     }
     s.size = total;
     s.center = total > 0 ? moment / total : 0.0;
-    for (Signal::Run& run : s.runs) run.position = (run.position - s.center) / static_cast<double>(n);
+    for (std::size_t k = 0; k < s.runs.size(); ++k) {
+        Signal::Run& run = s.runs[k];
+        run.position = (run.position - s.center) / static_cast<double>(n);
+        run.share = size[k] * static_cast<double>(run.weight) / total;
+    }
 }
 
 Signal SignalOf(const Smoothed& row)
@@ -274,6 +280,27 @@ double AbsoluteCost(const Signal& s, const Phases& p, bool same)
         cost += static_cast<double>(run.weight) * (sums.absolute + (same ? negative : 0.0));
     }
     return cost / s.size;
+}
+
+/// Entropy of the derivative of the real part: the fewer points hold its changes, the sharper are the lines. With
+/// `same`, a negative part counts against it.
+double EntropyCost(const Signal& s, const Phases& p, bool same)
+{
+    double sum = 0, product = 0;
+    for (const Signal::Run& run : s.runs) {
+        const auto [c, d] = UnitAt(AngleAt(run, p));
+        float last = c * s.re[run.first] - d * s.im[run.first];
+        for (std::size_t i = run.first + 1; i < run.first + run.count; ++i) {
+            const float x = c * s.re[i] - d * s.im[i];
+            const float step = run.weight * std::fabs(x - last);
+            last = x;
+            if (!(step > 0.0F)) continue;
+            sum += static_cast<double>(step);
+            product += static_cast<double>(step * std::log(step));
+        }
+    }
+    const double entropy = sum > 0.0 ? std::log(sum) - product / sum : 0.0;
+    return entropy + (same ? AbsoluteCost(s, p, true) : 0.0);
 }
 
 /// Difference between the two feet of a line. In phase, only the dispersion has one: it is then imaginary. A base
@@ -532,19 +559,27 @@ void AddLineBlocks(Judged& j)
     }
 }
 
+/// What a search came to: the best phases, and the other low places that it left.
+struct Found {
+    Rated best;
+    std::vector<Rated> others;
+};
+
 /// Search and refinement for one opinion on the signs.
-Rated Propose(const Judged& j, LineSigns signs)
+Found Propose(const Judged& j, LineSigns signs)
 {
-    Rated best{{}, 1e300};
+    Found found{{{}, 1e300}, {}};
     const auto cost = [&](const Phases& p) { return j.Cost(p, signs); };
     for (const Rated& start : CoarseSearch(j.blocks, j.signal.size, j.known_p1, signs == LineSigns::same)) {
-        const Rated r = Refine(start.phases, 3.0, 15.0, 5, cost);
-        if (r.cost < best.cost) best = r;
+        found.others.push_back(Refine(start.phases, 3.0, 15.0, 5, cost));
+        if (found.others.back().cost < found.best.cost) found.best = found.others.back();
     }
+    Rated& best = found.best;
     best = Refine(best.phases, 1.0, 5.0, 16, cost);
     // A single line tells no first order: what is known beforehand stays unless the row says otherwise.
     const Rated known = Refine({best.phases.p0, j.known_p1}, kAngleStep, 0.0, 12, cost);
-    return known.cost <= kAsGood * best.cost ? known : best;
+    if (known.cost <= kAsGood * best.cost) best = known;
+    return found;
 }
 
 Sums AllSums(const Signal& s, const Phases& p)
@@ -562,49 +597,102 @@ struct Choice {
     Phases phases;
     LineSigns signs = LineSigns::same;
     PhaseCriterion criterion = PhaseCriterion::one_sign;
+    std::vector<Rated> others{};
 };
+
+Choice ChoiceOf(const Found& found, LineSigns signs)
+{
+    const bool same = signs == LineSigns::same;
+    return {found.best.phases, signs, same ? PhaseCriterion::one_sign : PhaseCriterion::both_signs, found.others};
+}
 
 Choice Choose(const Judged& j, LineSigns expected)
 {
     // Lines of both signs must shrink the sum this much to be believed.
     constexpr double kEvidence = 0.9, kOneSign = 0.7;
-    if (expected == LineSigns::alternate)
-        return {Propose(j, LineSigns::alternate).phases, LineSigns::alternate, PhaseCriterion::both_signs};
-    const Phases same = Propose(j, LineSigns::same).phases;
-    if (expected == LineSigns::same) return {same};
-    const Phases both = Propose(j, LineSigns::alternate).phases;
-    const double ratio = AbsoluteCost(j.signal, both, false) / AbsoluteCost(j.signal, same, false);
+    if (expected != LineSigns::by_evidence) return ChoiceOf(Propose(j, expected), expected);
+    const Found same = Propose(j, LineSigns::same), both = Propose(j, LineSigns::alternate);
+    const Phases &p = same.best.phases, &q = both.best.phases;
+    const double ratio = AbsoluteCost(j.signal, q, false) / AbsoluteCost(j.signal, p, false);
     // Or the search for one sign has come to the same place, and lines point down there all the same.
-    const Sums sums = AllSums(j.signal, same);
+    const Sums sums = AllSums(j.signal, p);
     const bool down = std::abs(sums.plain) < kOneSign * sums.absolute;
-    if (ratio >= kEvidence && !(down && ratio < 1.02)) return {same};
-    return {both, LineSigns::alternate, PhaseCriterion::both_signs};
+    if (ratio >= kEvidence && !(down && ratio < 1.02)) return ChoiceOf(same, LineSigns::same);
+    return ChoiceOf(both, LineSigns::alternate);
 }
 
 /// Takes the other proposal, or its half turn, where it costs less.
-void Consider(const Judged& j, const Phases& other, Choice& choice)
+void Consider(const Judged& j, const Phases& other, PhaseCriterion criterion, Choice& choice)
 {
     for (const double half : {0.0, 180.0}) {
         const Phases turned{other.p0 + half, other.p1};
         if (j.Cost(turned, choice.signs) >= j.Cost(choice.phases, choice.signs)) continue;
         choice.phases = turned;
-        choice.criterion = PhaseCriterion::circle;
+        choice.criterion = criterion;
     }
 }
 
-/// How even the feet are, times the share of the real part that has the sign it should have.
-double Quality(const Judged& j, const Choice& choice)
+/// What the lines' own phases and the entropy of the derivative propose, each by itself.
+void ConsiderOthers(const Judged& j, Choice& choice)
 {
-    const Sums sums = AllSums(j.signal, choice.phases);
-    const bool same = choice.signs == LineSigns::same && sums.absolute > 0.0;
-    const double negative = same ? 0.5 * (1.0 - sums.plain / sums.absolute) : 0.0;
-    return 100.0 * std::clamp((1.0 - FeetCost(j.feet, choice.phases)) * (1.0 - 2.0 * negative), 0.0, 1.0);
+    const bool same = choice.signs == LineSigns::same;
+    const auto lines = [&](const Phases& p) { return LineCost(j.lines, p, same); };
+    const auto entropy = [&](const Phases& p) { return EntropyCost(j.signal, p, same); };
+    Consider(j, Refine(choice.phases, 5.0, 20.0, 12, lines).phases, PhaseCriterion::lines, choice);
+    Consider(j, Refine(choice.phases, 5.0, 20.0, 12, entropy).phases, PhaseCriterion::entropy, choice);
 }
 
-bool HardlyTurns(const Signal& s, const Phases& p)
+/// Root mean square of the angle between two phases over the signal, degrees; half a turn forgiven.
+double Apart(const Signal& s, const Phases& a, const Phases& b)
 {
-    return std::ranges::all_of(
-        s.runs, [&](const Signal::Run& run) { return std::abs(std::remainder(AngleAt(run, p), 360.0)) < kNoTurn; });
+    double best = 1e300;
+    for (const double half : {0.0, 180.0}) {
+        double sum = 0;
+        for (const Signal::Run& run : s.runs) {
+            const double off = std::remainder(AngleAt(run, a) - AngleAt(run, b) + half, 360.0);
+            sum += run.share * off * off;
+        }
+        best = std::min(best, std::sqrt(sum));
+    }
+    return best;
+}
+
+/// How much more the phases cost that are wrong: those turned by the tolerance, and what else the search left.
+double Margin(const Judged& j, const Choice& choice)
+{
+    constexpr double kTolerance = 10.0; // degrees
+    const double cost = j.Cost(choice.phases, choice.signs);
+    double spread = 0;
+    for (const Signal::Run& run : j.signal.runs) spread += run.share * run.position * run.position;
+    // A row whose lines stand together shows hardly anything of its first order; nor does it need to.
+    const double turn = kTolerance / std::max(std::sqrt(spread), 0.05);
+    double nearest = 1e300;
+    for (const double sign : {-1.0, 1.0}) {
+        const Phases& p = choice.phases;
+        nearest = std::min({nearest, j.Cost({p.p0 + sign * kTolerance, p.p1}, choice.signs),
+                            j.Cost({p.p0, p.p1 + sign * turn}, choice.signs)});
+    }
+    for (const Rated& other : choice.others)
+        if (Apart(j.signal, other.phases, choice.phases) > kTolerance) nearest = std::min(nearest, other.cost);
+    return nearest / cost - 1.0;
+}
+
+/// 0 to 1: near 1 when any other phase is clearly worse and the lines agree, near 0 when another one does as well.
+double QualityOf(const Judged& j, const Choice& choice)
+{
+    constexpr double kClear =
+        0.2; // margin; of made spectra that were phased wrong by more than 25 degrees all had half
+    const double clear = 1.0 - std::exp(-std::max(Margin(j, choice), 0.0) / kClear);
+    return clear * (1.0 - LineCost(j.lines, choice.phases, choice.signs == LineSigns::same));
+}
+
+/// The row is as good as it stands: a second press must not wander about in what the criteria can't tell apart.
+bool StaysAsIs(const Judged& j, const Choice& choice)
+{
+    const bool hardly_turns = std::ranges::all_of(j.signal.runs, [&](const Signal::Run& run) {
+        return std::abs(std::remainder(AngleAt(run, choice.phases), 360.0)) < kNoTurn;
+    });
+    return hardly_turns || j.Cost({}, choice.signs) <= kStay * j.Cost(choice.phases, choice.signs);
 }
 
 } // namespace
@@ -629,11 +717,13 @@ RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> 
     const double center = (j.signal.center + 0.5) * factor - 0.5, points = static_cast<double>(n);
     Choice choice = Choose(j, hint.signs);
     if (const auto& c = hint.circle)
-        Consider(j, {c->phase0_deg + c->phase1_deg * (center - c->pivot) / points, c->phase1_deg}, choice);
+        Consider(j, {c->phase0_deg + c->phase1_deg * (center - c->pivot) / points, c->phase1_deg},
+                 PhaseCriterion::circle, choice);
+    ConsiderOthers(j, choice);
     if (AllSums(j.signal, choice.phases).plain < 0.0) choice.phases.p0 += 180.0;
-    result.quality = Quality(j, choice);
+    result.quality = 100.0 * std::clamp(QualityOf(j, choice), 0.0, 1.0);
     result.alternating = choice.signs == LineSigns::alternate;
-    if (HardlyTurns(j.signal, choice.phases)) {
+    if (StaysAsIs(j, choice)) {
         result.criterion = PhaseCriterion::stays_as_is;
         return result;
     }

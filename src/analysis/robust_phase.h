@@ -33,6 +33,8 @@ enum class PhaseCriterion {
     none,        ///< a row without lines
     one_sign,    ///< smallest absolute sum and negative area, with even feet
     both_signs,  ///< smallest absolute sum, with even feet
+    lines,       ///< the phase of each line by itself
+    entropy,     ///< smallest entropy of the derivative
     circle,      ///< the circle fit
     stays_as_is, ///< within a degree of what the points show already
 };

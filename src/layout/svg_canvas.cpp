@@ -144,9 +144,21 @@ void SvgCanvas::Path(const std::string& data, const std::string& style)
     body_ += "<path d=\"" + data + '"' + style + "/>\n";
 }
 
+/// Lines alike in a row are one path: a curve that is cut at its frame comes in hundreds of pieces.
+void SvgCanvas::OpenPath(const std::string& data, const std::string& style)
+{
+    const std::string tail = '"' + style + "/>\n";
+    if (body_.size() == open_end_ && style == open_style_ && pen().color.alpha == 255)
+        body_.replace(body_.size() - tail.size(), tail.size(), data + tail);
+    else
+        Path(data, style);
+    open_end_ = body_.size();
+    open_style_ = style;
+}
+
 void SvgCanvas::Polyline(std::span<const PointD> points)
 {
-    if (!points.empty() && HasLine()) Path(PathData(points), " fill=\"none\"" + LineStyle("bevel"));
+    if (!points.empty() && HasLine()) OpenPath(PathData(points), " fill=\"none\"" + LineStyle("bevel"));
 }
 
 void SvgCanvas::Polygon(std::span<const PointD> points)
@@ -162,7 +174,7 @@ void SvgCanvas::Lines(std::span<const Segment> segments)
         const PointD ends[] = {segment.from, segment.to};
         data += PathData(ends);
     }
-    Path(data, LineStyle("miter"));
+    OpenPath(data, LineStyle("miter"));
 }
 
 void SvgCanvas::Rectangle(const RectD& rect)

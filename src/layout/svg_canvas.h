@@ -37,10 +37,13 @@ private:
     std::string LineStyle(std::string_view join) const;
     std::string FillStyle() const;
     void Path(const std::string& data, const std::string& style);
+    void OpenPath(const std::string& data, const std::string& style);
 
     PngEncoder png_;
     std::string body_;
     int clips_ = 0;
+    std::size_t open_end_ = 0; ///< where the last lines ended, and how they look
+    std::string open_style_;
 };
 
 } // namespace nmr

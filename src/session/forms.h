@@ -163,6 +163,23 @@ inline constexpr char kSaveFile[] = "SAVE";
 inline constexpr char kPublicFile[] = "PUBLIC";
 inline constexpr char kAboutFile[] = "ABOUT";
 
+// SavePicture: a picture file of the plot. In and out: kPictureFormat (".pdf"), kPictureWidth and
+// kPictureHeight in kPictureUnit ("mm" or "pixels"), kPictureDpi; those of PictureChoice
+// (session/picture_commands.h). "OK" or "CANCEL".
+inline constexpr char kSavePicture[] = "SavePicture";
+inline constexpr char kPictureFormat[] = "FORMAT";
+inline constexpr char kPictureWidth[] = "WIDTH";
+inline constexpr char kPictureHeight[] = "HEIGHT";
+inline constexpr char kPictureUnit[] = "UNIT";
+inline constexpr char kPictureDpi[] = "DPI";
+
+// PrintPlot: printer and paper. In and out: kPrinter ("PDF", which is always there, or a queue), kPaper (a code
+// of layout/paper.h), kLandscape; those of PrintChoice (session/picture_commands.h). "OK" or "CANCEL".
+inline constexpr char kPrint[] = "PrintPlot";
+inline constexpr char kPrinter[] = "PRINTER";
+inline constexpr char kPaper[] = "PAPER";
+inline constexpr char kLandscape[] = "LANDSCAPE";
+
 /// "EXPRESSION 3".
 std::string Indexed(std::string_view name, int index);
 /// The shortest text that reads back to the same number.

@@ -4,6 +4,7 @@
 #include "session/display_commands.h"
 #include "session/instrument_table.h"
 #include "session/list_commands.h"
+#include "session/picture_commands.h"
 #include "session/save_flow.h"
 #include "session/text_save.h"
 #include "session/tool_commands.h"
@@ -35,6 +36,8 @@ constexpr MenuRow kRows[] = {
     {"m131", "NMR_m1", "Save Integral Curve (ASCII Type)", "", kSeparator, false, m131_Click},
     {"m17", "NMR_m1", "Save Peak List on File", "", false, false, m17_Click},
     {"m173", "NMR_m1", "Save Integral List on File", "", false, false, m173_Click},
+    {kSavePictureControl, "NMR_m1", "Save Picture", "Ctrl+Shift+P", false, false, SavePicture_Click},
+    {kPrintControl, "NMR_m1", "Print", "Ctrl+P", false, false, PrintPicture_Click},
     {kRecentControl, "NMR_m1", "", "", kSeparator},
     {"m102", "NMR_m1", "Delete History", "", false, false, m102_Click},
     {kExitControl, "NMR_m1", "Exit", "Ctrl+Q", kSeparator},
@@ -42,6 +45,7 @@ constexpr MenuRow kRows[] = {
     {"m2", "", "Edit", ""},
     {"m20", "m2", "UnDo", "Ctrl+Z", false, false, m20_Click},
     {kRedoControl, "m2", "ReDo", "Ctrl+Shift+Z", false, false, ReDo_Click},
+    {kCopyControl, "m2", "Copy", "Ctrl+C", kSeparator, false, CopyPicture_Click},
     {"m22", "m2", "Phase Correction", "Ctrl+1", kSeparator, kCheckable, m22_Click},
     {"m21", "m2", "Set Reference (Main Spectrum)", "Ctrl+2", false, kCheckable, m21_Click},
     {"m23", "m2", "Base Line Correction", "Ctrl+3", false, kCheckable, m23_Click},

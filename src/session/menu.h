@@ -30,6 +30,8 @@ std::span<const MenuRow> MenuRows();
 inline constexpr char kExitControl[] = "m19";
 inline constexpr char kRecentControl[] = "RecentFile";
 inline constexpr char kRedoControl[] = "m20_ReDo";
+// Entries for the plot alone, without a page around it.
+inline constexpr char kSavePictureControl[] = "m14_Picture", kPrintControl[] = "m14_Print", kCopyControl[] = "m2_Copy";
 
 // Commands.
 void NMR1D_m11_Command(Session& s);   ///< Read

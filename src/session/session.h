@@ -13,6 +13,7 @@
 namespace nmr {
 
 class FftForm;
+class PictureDevices;
 class Recorder;
 class Tools;
 
@@ -45,6 +46,8 @@ struct Session {
     Tools* tools = nullptr;
     /// Puts a text on the clipboard, plain and as HTML (which may be empty).
     std::function<void(const std::string& plain, const std::string& html)> copy_text{};
+    /// Picture files, clipboard and printers; a batch has none.
+    PictureDevices* pictures = nullptr;
 };
 
 } // namespace nmr

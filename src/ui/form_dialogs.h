@@ -29,5 +29,7 @@ FormAnswer Instrument_Form(const FormRequest& request, QWidget* parent);   ///< 
 FormAnswer Picture3(const FormRequest& request, QWidget* parent);          ///< distance of two cursors
 FormAnswer ToggleList(const FormRequest& request, QWidget* parent);        ///< peak list, integral list
 FormAnswer Operator_Form22(const FormRequest& request, QWidget* parent);   ///< "Add/Delete Operator Name"
+FormAnswer SavePicture(const FormRequest& request, QWidget* parent);       ///< a picture file of the plot
+FormAnswer PrintPlot(const FormRequest& request, QWidget* parent);         ///< printer and paper
 
 } // namespace nmr

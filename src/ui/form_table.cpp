@@ -36,6 +36,8 @@ std::span<const FormTableRow> FormTable()
         {kPeakListWindow, ToggleList},
         {kIntegralListWindow, ToggleList},
         {forms::kInstrumentForm, Instrument_Form},
+        {forms::kSavePicture, SavePicture},
+        {forms::kPrint, PrintPlot},
     };
     return kRows;
 }

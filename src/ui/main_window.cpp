@@ -68,6 +68,7 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) :
     };
     plot_->read_asked = [this] { Later(this, [this] { Run([this] { NMR1D_m11_Command(session_); }); }); };
     session_.tools = &tools_;
+    session_.pictures = &pictures_;
     session_.tool_moved = [this](ToolChange change) { ToolMoved(change); };
     session_.display_changed = [this] { RefreshAll(); };
     session_.set_title = [this](const std::string& title) { setWindowTitle(ToQString(title).trimmed()); };
@@ -83,6 +84,7 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) :
 NMR1D_Form1::~NMR1D_Form1()
 {
     session_.tools = nullptr;
+    session_.pictures = nullptr;
     session_.tool_moved = {};
     session_.copy_text = {};
 }

@@ -8,6 +8,7 @@
 #include "ui/form_fields.h"
 #include "ui/list_dock.h"
 #include "ui/notes_list.h"
+#include "ui/picture_devices.h"
 #include "ui/plot_widget.h"
 #include "ui/theme.h"
 #include "ui/tool_overlay.h"
@@ -92,6 +93,7 @@ private:
 
     Session& session_;
     GlobalBlock& g_;
+    QtPictureDevices pictures_;
     Tools tools_;
     ToolOverlay tool_marks_;
     std::vector<ToolPanel*> panels_;

@@ -4,6 +4,7 @@
 #include "session/display_scope.h"
 #include "session/forms.h"
 #include "session/menu.h"
+#include "session/picture_commands.h"
 #include "session/read_flow.h"
 #include "ui/fft_dialog.h"
 #include "ui/form_table.h"
@@ -140,7 +141,9 @@ constexpr FormCommand kFormCommands[] = {{forms::kDisplayScope, m31_Click},
                                          {forms::kOperatorForm, m43_Click},
                                          {forms::kParameterList, BasicCommand1_Click},
                                          {forms::kParameterEditor, m292_Click},
-                                         {forms::kParameterFile, m42_Click}};
+                                         {forms::kParameterFile, m42_Click},
+                                         {forms::kSavePicture, SavePicture_Click},
+                                         {forms::kPrint, PrintPicture_Click}};
 
 /// Forms that a read shows by itself, for files that need them.
 constexpr const char* kReadForms[] = {kCsvForm, forms::kArrayData, forms::kPhaseRow, forms::kFourierState,

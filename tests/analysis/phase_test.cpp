@@ -119,6 +119,148 @@ TEST(FindMainPeak, TakesTheFirstOfEqualTops)
     EXPECT_EQ(g->WorkLine[20], 3.0F);
 }
 
+/// Automatic phase told over again in plain loops over doubles, without work lines or ranges of its own.
+struct PlainPhase {
+    std::vector<Complex> source;
+    int p = 0, second = -1;
+    double ph0 = 0, ph1 = 0, noise = 0;
+
+    int n() const { return static_cast<int>(source.size()); }
+    Complex At(int i) const
+    {
+        const double turn = (ph0 + (i - p) * ph1 / n()) * 0.0174532925199433;
+        return source[static_cast<std::size_t>(i)] * std::polar(1.0, turn);
+    }
+    double Magnitude(int i) const { return std::abs(source[static_cast<std::size_t>(i)]); }
+
+    double Fit(int center, double fallback)
+    {
+        const auto round = [](double x) { return static_cast<int>(std::nearbyint(x)); };
+        int lo = round(center - n() / 64.0), hi = round(center + n() / 64.0);
+        if (lo < 1) {
+            lo = 1;
+            hi = round(n() / 32.0);
+        } else if (hi >= n() - 1) {
+            hi = n() - 2;
+            lo = round(n() * 31.0 / 32.0 - 1);
+        }
+        std::vector<Complex> z;
+        for (int i = 0; i < n(); ++i) z.push_back(At(i));
+        const auto at = [&](int i) { return z[static_cast<std::size_t>(i)]; };
+        std::vector<double> d(z.size(), 0.0);
+        std::vector<bool> turns(z.size(), false);
+        for (int i = lo; i < hi; ++i) {
+            const Complex before = at(i) - at(i - 1), after = at(i + 1) - at(i);
+            d[static_cast<std::size_t>(i)] = std::abs(before);
+            turns[static_cast<std::size_t>(i)] = after.real() * before.imag() - before.real() * after.imag() > 0;
+        }
+        Complex offset = 0;
+        int quiet = 0;
+        for (int i = round(n() * 0.1); i <= round(n() * 0.9); ++i)
+            if (!turns[static_cast<std::size_t>(i)]) {
+                offset += at(i);
+                ++quiet;
+            }
+        offset /= quiet;
+        double sum = 0, squares = 0;
+        const int tail = round(n() * 0.9);
+        for (int i = tail; i < n(); ++i) {
+            sum += at(i).real() / (n() - tail);
+            squares += at(i).real() * at(i).real() / (n() - tail);
+        }
+        noise = std::sqrt(std::max(squares - sum * sum, 0.0));
+        std::vector<int> kept;
+        for (int i = lo; i < hi; ++i)
+            if (turns[static_cast<std::size_t>(i)]) kept.push_back(i);
+        for (auto before = static_cast<std::size_t>(hi - 2);;) {
+            double mean = 0, square = 0;
+            for (const int i : kept) mean += d[static_cast<std::size_t>(i)] / double(kept.size());
+            for (const int i : kept) square += std::pow(d[static_cast<std::size_t>(i)] - mean, 2) / double(kept.size());
+            const double limit = mean + 2 * std::sqrt(square);
+            const std::size_t removed = std::erase_if(kept, [&](int i) {
+                const auto k = static_cast<std::size_t>(i);
+                return d[k] > limit || d[k + 1] > limit || !turns[k - 1];
+            });
+            if (removed == before) break;
+            before = removed;
+        }
+        double q_mean = 0;
+        for (const int i : kept) q_mean += (at(i) - offset).imag() / double(kept.size());
+        double s1 = 0, s2 = 0, s3 = 0, r1 = 0, r2 = 0;
+        for (const int i : kept) {
+            const double x = (at(i) - offset).real(), q = (at(i) - offset).imag() - q_mean;
+            s1 += q * q;
+            s2 += q * q * q;
+            s3 += q * q * q * q;
+            r1 += x * q * q;
+            r2 += x * q * q * q;
+        }
+        // The straight line through the points, each weighing Q^2: its slope.
+        return s2 * s2 == s3 * s1 ? fallback
+                                  : std::atan((s1 * r2 - s2 * r1) / (s1 * s3 - s2 * s2)) / 0.0174532925199433;
+    }
+
+    int FirstLine(int from, int to, int step, double highest, double threshold) const
+    {
+        int found = -1;
+        for (int i = from; i != to; i += step) {
+            if (found >= 0 && Magnitude(i) < highest - threshold) break;
+            if (Magnitude(i) > threshold && Magnitude(i) > highest) {
+                highest = Magnitude(i);
+                found = i;
+            }
+        }
+        return found;
+    }
+
+    void Run()
+    {
+        for (int i = 0; i < n(); ++i)
+            if (Magnitude(i) > Magnitude(p)) p = i;
+        ph0 = -std::arg(source[static_cast<std::size_t>(p)]) * 57.2957795130823;
+        ph0 += Fit(p, 90);
+        const double threshold = noise > 0 ? 10 * noise : 0.05 * Magnitude(p);
+        const int left = FirstLine(1, p, 1, Magnitude(0), threshold), right = FirstLine(n() - 1, p, -1, -1, threshold);
+        second = left >= 0 && (right < 0 || right - p <= p - left) ? left : right;
+        if (second < 0 || std::abs(second - p) < 100) return;
+        ph1 -= std::arg(At(second)) * 57.2957795130823 * n() / (second - p);
+        ph1 += Fit(second, -90) * n() / (second - p);
+    }
+};
+
+TEST(AutoPhase, AgreesWithPlainLoops)
+{
+    int first_orders = 0;
+    for (unsigned trial = 0; trial < 60; ++trial) {
+        std::mt19937 engine(trial);
+        std::uniform_real_distribution<double> any(0.0, 1.0);
+        const int n = trial % 3 == 0 ? 5000 : 16384; // also no power of two
+        Recipe recipe{.lines = {},
+                      .ph0_deg = 360 * any(engine) - 180,
+                      .ph1_deg = 300 * any(engine) - 150,
+                      .noise = trial % 4 == 0 ? 0.0 : std::pow(10.0, -2 * any(engine)),
+                      .seed = trial + 7};
+        for (int k = 0; k < 2 + static_cast<int>(trial % 7); ++k)
+            recipe.lines.push_back({n * (0.01 + 0.98 * any(engine)), 100 * any(engine), 2 + 10 * any(engine)});
+        const auto g = Spectrum(n, recipe);
+        PlainPhase plain;
+        for (int i = 0; i < n; ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            plain.source.emplace_back(g->Slots[0].spec.SourceRe[0][at], g->Slots[0].spec.SourceIm[0][at]);
+        }
+        plain.Run();
+        Auto_Phase(*g, PhaseMode::full, n);
+        SCOPED_TRACE(trial);
+        ASSERT_EQ(g->PivotPoint, plain.p);
+        ASSERT_EQ(g->P2Point, plain.second);
+        // Rows and work lines are float.
+        EXPECT_NEAR(Wrapped(double(g->Phase0Deg) - plain.ph0), 0, 0.05);
+        EXPECT_NEAR(double(g->Phase1Deg), plain.ph1, 0.01 * std::abs(plain.ph1) + 0.5);
+        first_orders += plain.ph1 != 0.0 ? 1 : 0;
+    }
+    EXPECT_GT(first_orders, 20);
+}
+
 TEST(AutoPhase, FindsZeroOrderOfOneLine)
 {
     // Height 100; the fit keeps the flanks of a line, so noise tells on it early.

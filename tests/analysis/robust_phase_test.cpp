@@ -12,14 +12,16 @@
 namespace nmr::test {
 namespace {
 
-/// Lines out of phase: i turns by -(p0 + i * p1 / n) degrees; dispersion as the transform gives it.
-std::unique_ptr<GlobalBlock> OutOfPhase(const LineRow& row, double p0, double p1)
+/// Lines out of phase: i turns by -(p0 + i * p1 / n) degrees; dispersion as the transform gives it; a base line rolls
+/// below them.
+std::unique_ptr<GlobalBlock> OutOfPhase(const LineRow& row, double p0, double p1, double roll)
 {
     std::vector<double> re, im;
     const auto n = static_cast<double>(row.re.size());
     for (std::size_t i = 0; i < row.re.size(); ++i) {
         const double turn = -(p0 + static_cast<double>(i) * p1 / n) * std::numbers::pi / 180;
-        const auto z = std::complex(row.re[i], row.im[i]) * std::polar(1.0, turn);
+        const auto z = std::complex(row.re[i], row.im[i]) * std::polar(1.0, turn) +
+                       std::polar(roll, 5 * static_cast<double>(i) / n);
         re.push_back(z.real());
         im.push_back(z.imag());
     }
@@ -40,6 +42,7 @@ struct Sample {
     double p0, p1;
     const char* program;
     double tolerance;
+    double roll = 0; ///< height of a base line of no phase
 };
 
 const Sample kSamples[] = {
@@ -60,6 +63,7 @@ const Sample kSamples[] = {
      60,
      "",
      4},
+    {"rolling base line", {{3000, 60, 4}, {6000, 90, 4}, {9000, 20, 4}, {13000, 100, 5}}, 0.1, 50, 60, "zg30", 4, 8},
     {"broad", {{3000, 60, 40}, {8000, 40, 60}, {11000, 100, 60}}, 0.5, -100, 40, "", 8},
     {"solvent", {{8000, 3000, 5}, {3000, 60, 4}, {5000, 80, 4}, {13000, 100, 5}}, 0.1, 100, 80, "zgpr", 6},
     {"noise", {{3000, 60, 5}, {5000, 90, 5}, {9000, 70, 5}, {13000, 100, 5}}, 4, 30, -60, "", 8},
@@ -69,7 +73,7 @@ TEST(RobustPhase, PhasesLinesOfAllKinds)
 {
     for (const Sample& s : kSamples) {
         SCOPED_TRACE(s.name);
-        const auto g = OutOfPhase(Lines(16384, s.lines, s.noise), s.p0, s.p1);
+        const auto g = OutOfPhase(Lines(16384, s.lines, s.noise), s.p0, s.p1, s.roll);
         g->Slots[0].par.PulseProg = s.program;
         const double quality = Auto_Phase_Robust(*g, 16384);
         EXPECT_GT(quality, 50);
@@ -87,7 +91,7 @@ TEST(RobustPhase, ASecondPressChangesNothing)
 {
     for (const Sample& s : kSamples) {
         SCOPED_TRACE(s.name);
-        const auto g = OutOfPhase(Lines(16384, s.lines, s.noise), s.p0, s.p1);
+        const auto g = OutOfPhase(Lines(16384, s.lines, s.noise), s.p0, s.p1, s.roll);
         g->Slots[0].par.PulseProg = s.program;
         Auto_Phase_Robust(*g, 16384);
         const float first0 = g->Phase0Deg, first1 = g->Phase1Deg;

@@ -64,6 +64,25 @@ TEST(SpectrumScene, ShowsTheWholeAxisOfEitherDirection)
     }
 }
 
+TEST(SpectrumScene, PaperHasLinesInTenthsOfAMillimetreAndItsOwnGround)
+{
+    Fixture f;
+    f.g.settings.draw_width_spec = 3;
+    f.g.settings.draw_width_axis = 2;
+    f.g.settings.disp_spec_width = 7;
+    f.g.settings.col_bg_print = 0x00FFFF;
+    for (const int clear : {1, 0}) {
+        f.g.settings.col_bg_print_trans = clear;
+        const auto scene = MakeScene(f.set, f.g.settings, {.paper = true});
+        EXPECT_NEAR(scene.curves[0].pen.width / kUnitsPerMillimetre, 0.3, 1e-9);
+        EXPECT_NEAR(scene.axis.pen.width / kUnitsPerMillimetre, 0.2, 1e-9);
+        RecordingCanvas canvas;
+        DrawSpectrumScene(canvas, {0, 0, 800, 400}, scene);
+        EXPECT_EQ(canvas.log.starts_with("rectangle 0.00,0.00 800.00x400.00"), clear == 0);
+    }
+    EXPECT_EQ(MakeScene(f.set, f.g.settings).curves[0].pen.width, 7) << "the display counts in pixels";
+}
+
 TEST(SpectrumScene, MagnificationKeepsTheBaseLineInPlace)
 {
     const Fixture f;
