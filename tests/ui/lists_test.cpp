@@ -15,6 +15,8 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QMimeData>
 #include <QPainter>
 #include <QPushButton>
@@ -230,6 +232,28 @@ TEST(Lists, StandBesideTheSpectrumAndFollowIt)
     EXPECT_EQ(view.model()->rowCount(), 3);
     rig.Press("ShowPeaks");
     EXPECT_FALSE(dock.isVisible());
+}
+
+TEST(Lists, TheNameToSaveGoesWithTheFilter)
+{
+    ListsRig rig;
+    TempFolder folder;
+    FileDialog dialog;
+    dialog.kind = FileDialog::Kind::save;
+    dialog.filters = {{"ASCII Format", "*.int"}, {"ASCII Format", "*.Ilist"}, {"All Files", "*.*"}};
+    dialog.folder = folder.path().string();
+    dialog.name = "a.b.int";
+    dialog.extension = ".int";
+    QStringList names;
+    WhenModal([&](QDialog& form) {
+        auto& window = dynamic_cast<QFileDialog&>(form);
+        for (const QString& filter : window.nameFilters()) {
+            emit window.filterSelected(filter);
+            names << QFileInfo(window.selectedFiles().value(0)).fileName();
+        }
+    });
+    EXPECT_FALSE(rig.asker.File(dialog));
+    EXPECT_EQ(names, (QStringList{"a.b.int", "a.b.Ilist", "a.b.Ilist"}));
 }
 
 /// Pictures to look at: set NMR1D_SHOTS to a folder (and QT_SCALE_FACTOR=2 for a fine screen).
