@@ -294,6 +294,13 @@ TEST(Lists, Pictures)
             rig.Press("ShowPeaks");
             shoot("peaks");
             rig.Press("ShowPeaks");
+            rig.set().PeakFlags = 1;
+            rig.g.settings.interpolate_tops = 1;
+            const double middle = PeakPpm(rig.set(), rig.set().Peaks.back());
+            rig.g.ViewLeft = static_cast<float>(middle + 0.1), rig.g.ViewRight = static_cast<float>(middle - 0.1);
+            rig.window->RefreshAll();
+            shoot("bottom");
+            Show_All_Data(rig.g);
             rig.window->tools().Enter(Tool::integrals);
             for (const auto& [a, b] : c.regions) Add_Integral(rig.g, a, b);
             rig.window->tools().SelectIntegral(0);
