@@ -32,6 +32,8 @@ constexpr HelpRow kKeys[] = {
     {"G", "grid"},
     {"Ctrl + O", "read a file"},
     {"Ctrl + S", "save the data"},
+    {"Ctrl + C", "copy the plot, as drawing and as bitmap"},
+    {"Ctrl + P, Ctrl + Shift + P", "print the plot, save it as a picture"},
     {"Ctrl + Z", "take the last change back"},
     {"Ctrl + Shift + Z", "do again what was taken back"},
     {"Ctrl + I", "list of the parameters"},
