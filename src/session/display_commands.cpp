@@ -22,7 +22,10 @@ void Toggle(Session& s, std::int32_t Settings::*shown)
 void PlacePeakData(Session& s, std::int16_t flags)
 {
     DataSet& set = s.g.Slots[0];
-    if (set.PeakFlags != flags) set.par.DataChanged = 1;
+    if (set.PeakFlags != flags) {
+        set.par.DataChanged = 1;
+        set.par.DataFromFile = 0;
+    }
     set.PeakFlags = flags;
     Refresh(s);
 }

@@ -6,6 +6,7 @@
 #include "session/folders.h"
 #include "session/list_tables.h"
 #include "session/read_flow.h"
+#include "session/text_save.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -91,11 +92,7 @@ bool MayReplace(Asker& asker, const char* title, const std::string& path)
 Status Save(Session& s, const std::string& path, const FormRow& form)
 {
     const std::string file = AbsolutePath(path);
-    if (IsFileInUse(s.g, file)) {
-        constexpr char kInUse[] = "This File is under using by other application";
-        s.asker.Message({kInUse, "File Warning", {Button::ok}, Icon::warning, true});
-        return Error{ErrorCode::in_use, "SaveList/1DF1", kInUse, 0, true};
-    }
+    if (IsFileInUse(s.g, file)) return TellInUse(s.asker, "SaveList/1DF1");
     s.asker.Notice("Write");
     if (Status written = form.write(file, s.g, ShownListUnit(s.g)); !written) {
         Error error = written.error();

@@ -26,13 +26,6 @@ std::string ProposedName(const ParamBlock& par, const std::string& folder, const
     return file == fs::path(par.OrgFile) ? stem + "-processed" + extension : name;
 }
 
-Status TellInUse(Asker& asker)
-{
-    constexpr char kInUse[] = "This File is under using by other application";
-    asker.Message({kInUse, "File Warning", {Button::ok}, Icon::warning, true});
-    return Error{ErrorCode::in_use, kWhere, kInUse, 0, true};
-}
-
 Status Tell(Asker& asker, Error error)
 {
     ErrorReport(asker, error);
@@ -73,6 +66,13 @@ void SaveJcamp(Session& s, const char* title, JcampWriter writer, std::int16_t s
 
 } // namespace
 
+Status TellInUse(Asker& asker, const char* where)
+{
+    constexpr char kInUse[] = "This File is under using by other application";
+    asker.Message({kInUse, "File Warning", {Button::ok}, Icon::warning, true});
+    return Error{ErrorCode::in_use, where, kInUse, 0, true};
+}
+
 std::optional<std::string> AskForTextFile(Session& s, const TextFileKind& kind, std::int16_t slot)
 {
     const GlobalBlock& g = s.g;
@@ -93,7 +93,7 @@ Status Save_Text(Session& s, const std::string& path, const Result<std::string>&
 {
     if (!text) return Tell(s.asker, text.error());
     const std::string file = AbsolutePath(path);
-    if (IsFileInUse(s.g, file)) return TellInUse(s.asker);
+    if (IsFileInUse(s.g, file)) return TellInUse(s.asker, kWhere);
     s.asker.Notice("Write");
     const bool remove = s.g.settings.make_file_backup == kRemoveBackup;
     const ByteSpan bytes = std::as_bytes(std::span(*text));

@@ -26,6 +26,9 @@ std::optional<std::string> AskForTextFile(Session& s, const TextFileKind& kind, 
 /// @return in_use, unwritable, or the error that stands in `text`
 Status Save_Text(Session& s, const std::string& path, const Result<std::string>& text, std::int16_t slot = 0);
 
+/// Says that another run holds a file. @return in_use, told
+Status TellInUse(Asker& asker, const char* where);
+
 void m10_5_Click(Session& s); ///< Save as JCAMP, extended form: the shown row as one table
 void m10_6_Click(Session& s); ///< Save as JCAMP, reduced form: a page of real and one of imaginary points
 

@@ -5,7 +5,9 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cstdio>
@@ -47,6 +49,27 @@ QString WithExtension(QString path, const FileDialog& dialog)
 {
     const bool bare = QFileInfo(path).suffix().isEmpty();
     return bare && dialog.kind == FileDialog::Kind::save ? path + ToQString(dialog.extension) : path;
+}
+
+/// "int" of "ASCII Format (*.int)"; empty where a filter has no single extension.
+QString SuffixOf(const QString& filter)
+{
+    static const QRegularExpression kOne(QStringLiteral("\\(\\*\\.(\\w+)\\)$"));
+    return kOne.match(filter).captured(1);
+}
+
+/// The proposed name goes with the filter that is chosen.
+void FollowFilter(QFileDialog& window, const QStringList& filters)
+{
+    QObject::connect(&window, &QFileDialog::filterSelected, &window, [&window, filters](const QString& filter) {
+        const QString suffix = SuffixOf(filter);
+        if (suffix.isEmpty()) return;
+        window.setDefaultSuffix(suffix);
+        const QFileInfo name(window.selectedFiles().value(0));
+        for (const QString& other : filters)
+            if (!name.suffix().isEmpty() && name.suffix() == SuffixOf(other))
+                return window.selectFile(name.completeBaseName() + QLatin1Char('.') + suffix);
+    });
 }
 
 void SetMode(QFileDialog& window, FileDialog::Kind kind)
@@ -106,6 +129,7 @@ std::optional<FileChoice> QtAsker::File(const FileDialog& dialog)
     }
     // The dialog asks before it hands back a name that exists, so it must know the whole name.
     if (dialog.kind == FileDialog::Kind::save) window.setDefaultSuffix(ToQString(dialog.extension));
+    if (dialog.kind == FileDialog::Kind::save) FollowFilter(window, filters);
     if (!dialog.name.empty()) window.selectFile(ToQString(dialog.name));
     if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty()) return std::nullopt;
     const QString path = WithExtension(window.selectedFiles().constFirst(), dialog);

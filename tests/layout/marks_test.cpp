@@ -178,6 +178,11 @@ TEST(IntegralCurves, RiseByWhatTheyPassOverAndTellTheirValue)
         ASSERT_EQ(canvas.polylines.size(), 2U);
         const auto rise = [](const std::vector<PointD>& line) { return std::abs(line.front().y - line.back().y); };
         EXPECT_NEAR(rise(canvas.polylines[1]) / rise(canvas.polylines[0]), 60.0 / 86, 1e-9);
+        for (const auto& line : canvas.polylines) {
+            const auto [left, right] =
+                std::minmax({line.front(), line.back()}, [](auto l, auto r) { return l.x < r.x; });
+            EXPECT_GT(left.y, right.y) << "from the left of the display up, whichever way the axis runs";
+        }
         // The same picture of a part, whatever the zoom.
         const auto near = f.Draw({.left_ppm = 2, .right_ppm = 1});
         EXPECT_EQ(Labels(near).at(0).text, "1.40");

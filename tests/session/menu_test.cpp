@@ -71,6 +71,9 @@ TEST(MenuState, FollowsTheStateOfTheData)
          {{"NMR1D_m11", true},
           {"m19", true},
           {"m10", false},
+          {kSavePictureControl, false},
+          {kPrintControl, false},
+          {kCopyControl, false},
           {"m16", false},
           {"m22", false},
           {"m23", false},
@@ -89,6 +92,9 @@ TEST(MenuState, FollowsTheStateOfTheData)
         {"a spectrum",
          Load,
          {{"m10", true},
+          {kSavePictureControl, true},
+          {kPrintControl, true},
+          {kCopyControl, true},
           {"m10_4", true},
           {"m16", true},
           {"m22", true},
@@ -112,7 +118,13 @@ TEST(MenuState, FollowsTheStateOfTheData)
              g.DiffMode = 1;
              g.DiffCount = 2;
          },
-         {{"m10", false}, {"m18X", false}, {"m131", false}, {"m10_10", false}, {"m14", true}, {"m5", true}}},
+         {{"m10", false},
+          {"m18X", false},
+          {"m131", false},
+          {"m10_10", false},
+          {kSavePictureControl, false},
+          {"m14", true},
+          {"m5", true}}},
         {"a tool is open",
          [](GlobalBlock& g) {
              Load(g);

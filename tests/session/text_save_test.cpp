@@ -41,6 +41,30 @@ TEST(SaveJcamp, BothFormsReadBackAndCloseTheWork)
     }
 }
 
+TEST(SaveJcamp, OneOfTheMultiSpectraIsSavedAlone)
+{
+    for (const auto save : {SaveMultiJcamp, SaveMultiJcampPages}) {
+        Rig rig;
+        rig.Boot();
+        ASSERT_TRUE(Read_Path(rig.s, WriteBrukerFid(rig.folder.path() / "exp")));
+        DataSet& second = rig.g.Slots[1] = rig.g.Slots[0];
+        second.par.FileName = rig.Path("second.tvo1");
+        const double top = HighestPpm(second);
+        rig.g.Slots[0].spec.DataRe[0][3] = 1e9F; // another spectrum
+        const std::string title = rig.titles.back();
+        rig.asker.Expect({Chosen(rig.Path("saved.dx"))});
+        save(rig.s, 1);
+        EXPECT_EQ(rig.asker.dialogs.back().name, "second.dx");
+        EXPECT_EQ(second.par.DataChanged, 0);
+        EXPECT_EQ(rig.g.Slots[0].par.DataChanged, 1);
+        EXPECT_EQ(rig.titles.back(), title);
+        rig.g.Slots[0].par.DataChanged = 0;
+        rig.g.Slots[1] = DataSet();
+        ASSERT_TRUE(Read_Path(rig.s, rig.Path("saved.dx")));
+        EXPECT_NEAR(HighestPpm(rig.g.Slots[0]), top, 1e-6);
+    }
+}
+
 TEST(SaveJcamp, TheOldFileStaysAsItsBackupAndAFailureChangesNothing)
 {
     Rig rig;

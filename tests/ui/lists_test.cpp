@@ -15,6 +15,8 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QMimeData>
 #include <QPainter>
 #include <QPushButton>
@@ -232,6 +234,28 @@ TEST(Lists, StandBesideTheSpectrumAndFollowIt)
     EXPECT_FALSE(dock.isVisible());
 }
 
+TEST(Lists, TheNameToSaveGoesWithTheFilter)
+{
+    ListsRig rig;
+    TempFolder folder;
+    FileDialog dialog;
+    dialog.kind = FileDialog::Kind::save;
+    dialog.filters = {{"ASCII Format", "*.int"}, {"ASCII Format", "*.Ilist"}, {"All Files", "*.*"}};
+    dialog.folder = folder.path().string();
+    dialog.name = "a.b.int";
+    dialog.extension = ".int";
+    QStringList names;
+    WhenModal([&](QDialog& form) {
+        auto& window = dynamic_cast<QFileDialog&>(form);
+        for (const QString& filter : window.nameFilters()) {
+            emit window.filterSelected(filter);
+            names << QFileInfo(window.selectedFiles().value(0)).fileName();
+        }
+    });
+    EXPECT_FALSE(rig.asker.File(dialog));
+    EXPECT_EQ(names, (QStringList{"a.b.int", "a.b.Ilist", "a.b.Ilist"}));
+}
+
 /// Pictures to look at: set NMR1D_SHOTS to a folder (and QT_SCALE_FACTOR=2 for a fine screen).
 TEST(Lists, Pictures)
 {
@@ -270,6 +294,13 @@ TEST(Lists, Pictures)
             rig.Press("ShowPeaks");
             shoot("peaks");
             rig.Press("ShowPeaks");
+            rig.set().PeakFlags = 1;
+            rig.g.settings.interpolate_tops = 1;
+            const double middle = PeakPpm(rig.set(), rig.set().Peaks.back());
+            rig.g.ViewLeft = static_cast<float>(middle + 0.1), rig.g.ViewRight = static_cast<float>(middle - 0.1);
+            rig.window->RefreshAll();
+            shoot("bottom");
+            Show_All_Data(rig.g);
             rig.window->tools().Enter(Tool::integrals);
             for (const auto& [a, b] : c.regions) Add_Integral(rig.g, a, b);
             rig.window->tools().SelectIntegral(0);

@@ -299,7 +299,7 @@ TEST(MainWindow, ToolPictures)
         WindowRig rig(0);
         std::filesystem::path file = RealData(name);
         if (file.empty()) continue;
-        if (!std::filesystem::exists(file / "fid")) file = std::filesystem::directory_iterator(file)->path();
+        if (!std::filesystem::exists(file / "fid")) file /= "dept135.fid.dx";
         rig.window->ReadPath(QString::fromStdString(file.string()));
         DataSet& set = rig.g.Slots[0];
         if (!rig.window->plot().HasSpectrum()) continue;
