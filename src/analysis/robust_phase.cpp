@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <future>
 #include <numbers>
 #include <vector>
 
@@ -25,9 +26,10 @@ constexpr double kPhase1Step = 20.0;
 constexpr double kFarPenalty = 0.1; ///< of the cost, for each turn of first order off what is known
 constexpr double kFeetShare = 0.5;
 constexpr double kLineShare = 0.45;
-constexpr double kAsGood = 1.015; ///< cost of what is known beforehand, over that of the best
-constexpr double kStay = 1.01;    ///< cost of the row as it stands, over that of the best
-constexpr double kNoTurn = 1.0;   ///< degrees that are not worth a change
+constexpr double kAsGood = 1.015;          ///< cost of what is known beforehand, over that of the best
+constexpr double kStay = 1.01;             ///< cost of the row as it stands, over that of the best
+constexpr double kNoTurn = 1.0;            ///< degrees that are not worth a change
+constexpr std::size_t kSideBySide = 16384; ///< points from which a thread is worth its start
 
 /// The points that carry lines, in runs of neighbours.
 struct Signal {
@@ -590,9 +592,11 @@ RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> 
     // The middle of the signal as a point of the whole row.
     const double center = (j.signal.center + 0.5) * factor - 0.5, points = static_cast<double>(n);
     Choice choice = Choose(j, hint.signs);
-    if (const auto& c = hint.circle)
-        Consider(j, {c->phase0_deg + c->phase1_deg * (center - c->pivot) / points, c->phase1_deg},
-                 PhaseCriterion::circle, choice);
+    if (hint.circle) {
+        const PhaseProposal c = hint.circle();
+        Consider(j, {c.phase0_deg + c.phase1_deg * (center - c.pivot) / points, c.phase1_deg}, PhaseCriterion::circle,
+                 choice);
+    }
     ConsiderOthers(j, choice);
     if (AllSums(j.signal, choice.phases).plain < 0.0) choice.phases.p0 += 180.0;
     result.quality = 100.0 * std::clamp(QualityOf(j, choice), 0.0, 1.0);
@@ -624,12 +628,17 @@ double Auto_Phase_Robust(GlobalBlock& g, std::int32_t n, double known_phase1_deg
     for (const RowArray<float>* a : {&set.spec.SourceRe, &set.spec.SourceIm})
         count = std::min(count, row < a->rows() ? a->columns() : 0);
     if (count == 0) return 0.0;
-    // The circle fit is one of the proposals.
-    Auto_Phase(g, PhaseMode::full, static_cast<std::int32_t>(count));
-    const PhaseProposal circle{static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), g.PivotPoint};
+    // The circle fit is one of the proposals. It works on the block and on the shown row, the search on the source
+    // alone: side by side they take the time of one.
+    const LineSigns signs = Expected_Signs(set.par);
+    auto circle = std::async(count < kSideBySide ? std::launch::deferred : std::launch::async, [&g, count] {
+        Auto_Phase(g, PhaseMode::full, static_cast<std::int32_t>(count));
+        return PhaseProposal{static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), g.PivotPoint};
+    });
     const RobustPhase found =
         Find_Robust_Phase(set.spec.SourceRe[row].first(count), set.spec.SourceIm[row].first(count),
-                          {known_phase1_deg, Expected_Signs(set.par), circle});
+                          {known_phase1_deg, signs, [&circle] { return circle.get(); }});
+    if (circle.valid()) circle.wait(); // a row without lines asks for no proposal
     set.par.PhaseP0 = g.PivotPoint = found.pivot;
     g.P2Point = -1;
     g.Phase0Deg = static_cast<float>(found.phase0_deg);

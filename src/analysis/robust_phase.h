@@ -11,7 +11,7 @@
 #include "core/global_block.h"
 
 #include <cstdint>
-#include <optional>
+#include <functional>
 #include <span>
 
 namespace nmr {
@@ -27,7 +27,7 @@ struct PhaseProposal {
 struct PhaseHint {
     double phase1_deg = 0; ///< first order that is known beforehand, as of a group delay
     LineSigns signs = LineSigns::by_evidence;
-    std::optional<PhaseProposal> circle{}; ///< what the circle fit proposes
+    std::function<PhaseProposal()> circle{}; ///< what the circle fit proposes; asked at most once, late
 };
 
 /// Whose proposal was taken.

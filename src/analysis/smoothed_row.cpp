@@ -45,18 +45,20 @@ void Take(Smoothed& s)
     s.top = *std::ranges::max_element(s.magnitude);
 }
 
-void SmoothOnce(std::vector<float>& row, std::size_t reach)
+std::vector<float> SmoothedOnce(const std::vector<float>& from, std::size_t reach)
 {
-    const std::vector<float> from = row;
+    std::vector<float> row = from;
     for (std::size_t i = reach; i + reach < row.size(); ++i)
         row[i] = 0.25F * from[i - reach] + 0.5F * from[i] + 0.25F * from[i + reach];
+    return row;
 }
 
 /// Every second point as the mean of two; an odd one at the end falls away.
-void Halve(std::vector<float>& row)
+std::vector<float> Halved(std::span<const float> row)
 {
-    for (std::size_t i = 0; 2 * i + 1 < row.size(); ++i) row[i] = 0.5F * (row[2 * i] + row[2 * i + 1]);
-    row.resize(row.size() / 2);
+    std::vector<float> half(row.size() / 2);
+    for (std::size_t i = 0; i < half.size(); ++i) half[i] = 0.5F * (row[2 * i] + row[2 * i + 1]);
+    return half;
 }
 
 float MedianMagnitude(const Smoothed& row)
@@ -76,8 +78,7 @@ Smoothed SmoothToNoise(std::span<const float> re, std::span<const float> im)
     Take(best);
     for (std::size_t reach = 1; reach <= 8; reach *= 2) {
         if (!(best.noise > 0.0) || static_cast<double>(best.top) > kQuiet * best.noise) break;
-        Smoothed next = best;
-        for (auto* row : {&next.re, &next.im}) SmoothOnce(*row, reach);
+        Smoothed next{SmoothedOnce(best.re, reach), SmoothedOnce(best.im, reach), {}, 0, 0};
         Take(next);
         // As long as lines lose less height than the noise does.
         if (static_cast<double>(next.top) * best.noise <= 1.05 * static_cast<double>(best.top) * next.noise) break;
@@ -101,9 +102,7 @@ std::size_t Thin(Smoothed& row)
 {
     std::size_t factor = 1;
     while (row.re.size() > 4096 && CountAbove(row, Threshold(row)) > kMostSignal) {
-        Smoothed next = row;
-        Halve(next.re);
-        Halve(next.im);
+        Smoothed next{Halved(row.re), Halved(row.im), {}, 0, 0};
         Take(next);
         if (next.top < 0.98F * row.top) break;
         row = std::move(next);
@@ -122,7 +121,7 @@ std::vector<LinePhase> LinesOf(const Smoothed& row)
 void Flatten(Smoothed& row)
 {
     constexpr float kQuieter = 0.4F;
-    Smoothed flat = row;
+    Smoothed flat{row.re, row.im, {}, 0, 0};
     Subtract_Slow_Part(flat.re, flat.im, LinesOf(row));
     Take(flat);
     if (flat.top > 0.0F && MedianMagnitude(flat) < kQuieter * MedianMagnitude(row)) row = std::move(flat);
