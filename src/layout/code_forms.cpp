@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace nmr {
@@ -321,17 +322,20 @@ std::string Tidy_Code(std::string_view text, const FontSpec& font)
     const std::string code = Group_To_Code(text);
     const CodeTextStyle style;
     CodeState state(font, style), written = state;
+    bool changed = false;
     CodeReader reader(code);
     std::string out(kOpen);
     for (CodeToken token = reader.Next(); token.kind != CodeKind::end && token.kind != CodeKind::close;
          token = reader.Next()) {
         const bool place = token.Is("cr") || token.Is("tb");
         if (token.kind != CodeKind::character && !place) {
-            state.Apply(token);
+            changed = state.Apply(token) || changed;
             continue;
         }
-        out += state.CodesFrom(written);
-        written = state;
+        if (std::exchange(changed, false)) {
+            out += state.CodesFrom(written);
+            written = state;
+        }
         if (place)
             out += token.Is("cr") ? kLineEnd : std::string_view("\\tb ");
         else

@@ -11,6 +11,7 @@
 #include "session/forms.h"
 #include "session/menu.h"
 #include "session/parameter_list.h"
+#include "session/text_forms.h"
 
 #include <fmt/format.h>
 
@@ -107,6 +108,8 @@ forms::Values EditorValues(const GlobalBlock& g)
         values[forms::Indexed(forms::kRowName, n)] =
             std::string(row.label) + (field.unit.empty() ? "" : fmt::format(" ({})", Trim(field.unit)));
     }
+    const DataSet& set = g.Slots[0];
+    values[forms::kCommentRtf] = set.CommentRtfPlain == par.COMNT ? set.CommentRtf : std::string();
     values[forms::kCount] = fmt::format("{}", n);
     values[forms::kNames] = forms::JoinLines(g.Operators);
     return values;
@@ -129,9 +132,11 @@ const ParamEditRow* TakeEdits(ParamBlock& par, const forms::Values& before, cons
     return nullptr;
 }
 
-void StoreParameters(Session& s, const ParamBlock& edited)
+void StoreParameters(Session& s, const ParamBlock& edited, const std::string& comment_rtf)
 {
     PushUndoStep(s.g, UndoKind::change_parameter);
+    s.g.Slots[0].CommentRtf = comment_rtf;
+    s.g.Slots[0].CommentRtfPlain = edited.COMNT; // another comment, by undo too, makes the rich text stale
     ParamBlock& par = s.g.Slots[0].par;
     par = edited;
     par.DataChanged = 1;
@@ -339,7 +344,7 @@ void m292_Click(Session& s)
         if (refused == nullptr) {
             const bool changed = std::ranges::any_of(
                 answer.values, [&](const auto& value) { return value.second != forms::Text(before, value.first); });
-            if (changed) StoreParameters(s, edited);
+            if (changed) StoreParameters(s, edited, forms::Text(answer.values, forms::kCommentRtf));
             return;
         }
         s.asker.Message({fmt::format("{}: the value is not a number, or out of range", refused->label),

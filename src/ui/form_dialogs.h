@@ -32,4 +32,9 @@ FormAnswer Operator_Form22(const FormRequest& request, QWidget* parent);   ///< 
 FormAnswer SavePicture(const FormRequest& request, QWidget* parent);       ///< a picture file of the plot
 FormAnswer PrintPlot(const FormRequest& request, QWidget* parent);         ///< printer and paper
 
+FormAnswer Form105(const FormRequest& request, QWidget* parent);    ///< a formatted text
+FormAnswer Form105Ext(const FormRequest& request, QWidget* parent); ///< "Edit with Internal Code"
+FormAnswer Form105_X(const FormRequest& request, QWidget* parent);  ///< "Special Charactor"
+FormAnswer Form106RTF(const FormRequest& request, QWidget* parent); ///< "Note of Internal Control Codes"
+
 } // namespace nmr

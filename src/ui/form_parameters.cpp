@@ -2,13 +2,14 @@
 
 #include "core/step_stack.h"
 #include "session/forms.h"
+#include "session/text_forms.h"
 #include "ui/form_dialogs.h"
 #include "ui/form_grid.h"
 #include "ui/form_parts.h"
+#include "ui/text_field.h"
 
 #include <QComboBox>
 #include <QFormLayout>
-#include <QPlainTextEdit>
 #include <QShortcut>
 
 #include <array>
@@ -241,12 +242,9 @@ FormAnswer NMR1D_Form103(const FormRequest& request, QWidget* parent)
     table->setColumnWidth(0, 220);
     FillParameters(*table, request);
     auto* boxes = new QFormLayout;
-    auto* sample = new QLineEdit(Qs(Text(request.values, kSampleId)), &form);
+    auto* sample = new TextField("Sample ID", Text(request.values, kSampleId), &form);
     sample->setObjectName("SampleId");
-    auto* comment = new QPlainTextEdit(Qs(Text(request.values, kComment)), &form);
-    comment->setObjectName("Comment");
-    comment->setFixedHeight(comment->fontMetrics().height() * 4 + 14);
-    comment->setTabChangesFocus(true);
+    auto* comment = new CommentField(Text(request.values, kComment), Text(request.values, kCommentRtf), &form);
     boxes->addRow("Sample ID", sample);
     boxes->addRow("Comment", comment);
     form.column()->addLayout(boxes);
@@ -256,7 +254,7 @@ FormAnswer NMR1D_Form103(const FormRequest& request, QWidget* parent)
     table->setCurrentCell(std::max(0, wrong - 1), 1);
     table->setFocus();
     if (form.exec() != QDialog::Accepted) return {kCancel, {}};
-    Values values{{kSampleId, sample->text().toStdString()}, {kComment, comment->toPlainText().toStdString()}};
+    Values values{{kSampleId, sample->text()}, {kComment, comment->text()}, {kCommentRtf, comment->rich()}};
     for (int row = 0; row < rows; ++row) values[Indexed(kValue, row + 1)] = CellText(*table, row, 1).toStdString();
     return {kOk, values};
 }

@@ -4,6 +4,7 @@
 #include "session/display_commands.h"
 #include "session/forms.h"
 #include "session/list_commands.h"
+#include "session/text_forms.h"
 #include "ui/form_dialogs.h"
 
 #include <algorithm>
@@ -35,6 +36,11 @@ std::span<const FormTableRow> FormTable()
         {kDistanceWindow, Picture3},
         {kPeakListWindow, ToggleList},
         {kIntegralListWindow, ToggleList},
+        {forms::kTextEditor, Form105},
+        {forms::kTextEditorTwin, Form105},
+        {forms::kCodeEditor, Form105Ext},
+        {forms::kSpecialLetters, Form105_X},
+        {forms::kNoteOnCodes, Form106RTF},
         {forms::kInstrumentForm, Instrument_Form},
         {forms::kSavePicture, SavePicture},
         {forms::kPrint, PrintPlot},

@@ -15,7 +15,7 @@ constexpr HelpRow kMouse[] = {
     {"Wheel", "height of the signals"},
     {"Ctrl + wheel", "width of the shown range, around the cursor"},
     {"Drag with the left button", "zoom into the range"},
-    {"Double click", "back one zoom"},
+    {"Double click", "back one zoom; on the title of the axis: edit it"},
     {"Drag with the right or middle button", "move the shown range"},
     {"Shift + drag", "zoom into the range while a tool is open"},
     {"Drag in the overview", "move the shown range"},

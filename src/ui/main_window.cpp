@@ -5,6 +5,8 @@
 #include "session/read_flow.h"
 #include "session/recovery.h"
 #include "session/startup.h"
+#include "session/text_commands.h"
+#include "ui/canvas/letter_face.h"
 #include "ui/canvas/qt_canvas.h"
 #include "ui/help_sheet.h"
 #include "ui/theme.h"
@@ -17,6 +19,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPointer>
 #include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
@@ -67,6 +70,7 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) :
         distance_->Refresh();
     };
     plot_->read_asked = [this] { Later(this, [this] { Run([this] { NMR1D_m11_Command(session_); }); }); };
+    plot_->axis_title_asked = [this] { Later(this, [this] { Run([this] { Edit_Axis_Label(session_); }); }); };
     session_.tools = &tools_;
     session_.pictures = &pictures_;
     session_.tool_moved = [this](ToolChange change) { ToolMoved(change); };
@@ -75,6 +79,10 @@ NMR1D_Form1::NMR1D_Form1(Session& session, QtAsker& asker) :
     session_.notes_of_read = [this](const std::vector<std::string>& notes) {
         if (!notes.empty()) statusBar()->showMessage(ToQString(NotesLine(notes)), 8000);
     };
+    // A paint finds out what is missing, and must be over before the line is written.
+    SetFontNotice([window = QPointer<QMainWindow>(this)](const std::string& text) {
+        if (window) Later(window, [window, text] { window->statusBar()->showMessage(ToQString(text), 12000); });
+    });
     asker.SetNoticeLine([this](const QString& text) { statusBar()->showMessage(text, 8000); });
     RestorePlace();
     RefreshAll();

@@ -241,6 +241,17 @@ void PlotWidget::CursorMoved(std::optional<QPointF> at)
     update();
 }
 
+void PlotWidget::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    // The title stands behind the end of the axis, and nothing else does.
+    const QPointF at = event->position();
+    const bool on_title = HasSpectrum() && at.x() >= frame().rect.right() && at.y() >= frame().rect.bottom();
+    if (on_title && event->button() == Qt::LeftButton && axis_title_asked)
+        axis_title_asked();
+    else
+        ZoomPanel::mouseDoubleClickEvent(event);
+}
+
 OverviewStrip::OverviewStrip(PlotWidget& plot, QWidget* parent) : QWidget(parent), plot_(plot)
 {
     setFixedHeight(46);

@@ -44,7 +44,8 @@ public:
 
     std::function<void()> view_changed;
     std::function<void(const std::optional<PlotPosition>&)> cursor_moved;
-    std::function<void()> read_asked; ///< a click into the empty plot
+    std::function<void()> read_asked;       ///< a click into the empty plot
+    std::function<void()> axis_title_asked; ///< a double click on the title of the axis
 
 protected:
     PlotFrame Frame(QtCanvas& canvas) override;
@@ -55,6 +56,7 @@ protected:
     Qt::CursorShape CursorShapeAt(double x) const override;
     void ViewChanged() override;
     void CursorMoved(std::optional<QPointF> at) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
     void DrawInvitation(QtCanvas& canvas);

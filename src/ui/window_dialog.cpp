@@ -3,12 +3,15 @@
 #include "core/error_report.h"
 #include "fid/window.h"
 #include "session/forms.h"
+#include "session/text_commands.h"
+#include "ui/code_picture.h"
 #include "ui/form_fields.h"
 #include "ui/form_parts.h"
 
 #include <QCheckBox>
 #include <QFrame>
 #include <QGridLayout>
+#include <QPushButton>
 
 #include <algorithm>
 #include <limits>
@@ -60,93 +63,7 @@ QString LimitText(const WindowLimits& limits)
     return low + " to " + Qs(Shortest(limits.high));
 }
 
-/// The expression in a frame, with the second and further lines under the right side of the first.
-QWidget* ExpressionView(QWidget* parent, std::string_view coded)
-{
-    auto* frame = new QFrame(parent);
-    frame->setFrameShape(QFrame::StyledPanel);
-    frame->setBackgroundRole(QPalette::Base);
-    frame->setAutoFillBackground(true);
-    auto* grid = new QGridLayout(frame);
-    grid->setContentsMargins(12, 9, 12, 9);
-    grid->setVerticalSpacing(3);
-    grid->setColumnStretch(1, 1);
-    int row = 0;
-    for (const std::string& line : PlainExpression(coded)) {
-        const auto equals = line.find('=');
-        const std::size_t split = row == 0 && equals != std::string::npos ? equals + 1 : 0;
-        if (split > 0) grid->addWidget(new QLabel(Qs(line.substr(0, split)), frame), row, 0);
-        grid->addWidget(new QLabel(Qs(line.substr(split)).trimmed(), frame), row, 1);
-        ++row;
-    }
-    return frame;
-}
-
-// ---- text codes
-
-/// Reads a coded text: "\x" words end with one blank, which belongs to them.
-struct CodeReader {
-    std::string_view rest;
-    bool symbols = false, raised = false;
-    std::vector<std::string> lines{std::string()};
-
-    void Run()
-    {
-        while (!rest.empty()) {
-            if (rest.front() == '\\')
-                Code();
-            else
-                Letter();
-        }
-    }
-    void Code()
-    {
-        if (rest.starts_with("\\<") || rest.starts_with("\\>")) {
-            rest.remove_prefix(2);
-            return;
-        }
-        const std::string_view word = rest.substr(0, rest.find(' '));
-        if (word == "\\g1") symbols = true;
-        if (word == "\\f0") symbols = false;
-        if (word == "\\+1") raised = true;
-        if (word == "\\+0") raised = false;
-        if (word == "\\cr") lines.emplace_back();
-        rest.remove_prefix(std::min(word.size() + 1, rest.size()));
-    }
-    void Letter()
-    {
-        constexpr std::string_view kTimes = "·";
-        std::string& line = lines.back();
-        if (rest.starts_with(kTimes)) {
-            line += line.ends_with(' ') ? "· " : " · ";
-            rest.remove_prefix(kTimes.size());
-            return;
-        }
-        const char letter = rest.front();
-        rest.remove_prefix(1);
-        if (letter == ' ' && (line.empty() || line.back() == ' ' || line.back() == '(')) return;
-        if (letter == ')' && line.ends_with(' ')) line.pop_back();
-        if (raised && letter == '2')
-            line += "²";
-        else if (symbols && letter == 'p')
-            line += "π";
-        else if (symbols && letter == '-')
-            line += "−";
-        else
-            line += letter;
-    }
-};
-
 } // namespace
-
-std::vector<std::string> PlainExpression(std::string_view coded)
-{
-    CodeReader reader{coded};
-    reader.Run();
-    for (std::string& line : reader.lines)
-        if (!line.empty() && line.back() == ' ') line.pop_back();
-    return reader.lines;
-}
 
 WindowDialog::WindowDialog(FftForm& logic, std::function<void()> changed, QWidget* parent) :
     QDialog(parent), logic_(logic), changed_(std::move(changed)), before_(par())
@@ -158,7 +75,7 @@ WindowDialog::WindowDialog(FftForm& logic, std::function<void()> changed, QWidge
     column->setContentsMargins(18, 14, 18, 14);
     column->setSpacing(10);
     column->addWidget(new QLabel("Window Function: " + Qs(row.dialog_name), this));
-    column->addWidget(ExpressionView(this, row.initial_expression));
+    AddExpression();
     AddFields();
     AddTrapezoid();
     auto* foot = new QDialogButtonBox(this);
@@ -178,6 +95,46 @@ WindowDialog::WindowDialog(FftForm& logic, std::function<void()> changed, QWidge
     ShowFields();
     fields_.front().first->setFocus();
     fields_.front().first->selectAll();
+}
+
+void WindowDialog::AddExpression()
+{
+    auto* column = static_cast<QVBoxLayout*>(layout());
+    auto* frame = new QFrame(this);
+    frame->setFrameShape(QFrame::StyledPanel);
+    frame->setBackgroundRole(QPalette::Base);
+    frame->setAutoFillBackground(true);
+    auto* inside = new QVBoxLayout(frame);
+    inside->setContentsMargins(0, 0, 0, 0);
+    expression_ = new CodePicture(frame);
+    expression_->setObjectName("Picture1");
+    inside->addWidget(expression_);
+    column->addWidget(frame);
+    auto* buttons = new QHBoxLayout;
+    const auto add = [&](const char* name, const char* caption, auto act) {
+        auto* button = new QPushButton(caption, this);
+        button->setObjectName(name);
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, act);
+        buttons->addWidget(button);
+    };
+    add("Command3", "Edit Function Expression", [this] {
+        if (Edit_Expression(logic_.block(), logic_.asker(), RowOf(par()).kind)) ShowExpression();
+    });
+    add("Command16", "Set Initial Expression", [this] {
+        Set_Initial_Expression(logic_.block(), RowOf(par()).kind);
+        ShowExpression();
+    });
+    buttons->addStretch(1);
+    column->addLayout(buttons);
+    ShowExpression();
+}
+
+void WindowDialog::ShowExpression()
+{
+    CodeTextStyle style;
+    style.SuperSubSize = logic_.block().settings.super_sub_size;
+    expression_->SetText(ExpressionOf(logic_.block().settings, RowOf(par()).kind), FontSpec{}, style);
 }
 
 void WindowDialog::AddFields()

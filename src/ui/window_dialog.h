@@ -8,7 +8,6 @@
 
 #include <functional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -19,9 +18,7 @@ namespace nmr {
 
 class ValueEdit;
 
-/// An expression of the window list without its text codes: one entry a line, Greek letters and raised
-/// figures as Unicode has them.
-std::vector<std::string> PlainExpression(std::string_view coded);
+class CodePicture;
 
 class WindowDialog : public QDialog {
 public:
@@ -34,6 +31,8 @@ public:
 
 private:
     ParamBlock& par() { return logic_.block().Slots[0].par; }
+    void AddExpression();
+    void ShowExpression();
     void AddFields();
     void AddTrapezoid();
     void AddField(QGridLayout& grid, const QString& caption, WindowField field);
@@ -46,6 +45,7 @@ private:
     std::function<void()> changed_;
     const ParamBlock before_; ///< of which the window's words are put back
     std::vector<std::pair<ValueEdit*, WindowField>> fields_;
+    CodePicture* expression_ = nullptr;
     QWidget* trapezoid_ = nullptr; ///< its corners
     QCheckBox* multiply_ = nullptr;
 };

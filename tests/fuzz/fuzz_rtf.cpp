@@ -24,10 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string again = Rtf_To_Code(Code_To_Rtf(code, font, 10), font);
     bool ascii = true;
     for (const char c : plain) ascii = ascii && static_cast<unsigned char>(c) < 128;
-    std::string expected = plain;
-    if (expected.ends_with('\n')) expected.pop_back();
-    std::string found = Plain_From_Code(again);
-    if (found.ends_with('\n') && !expected.ends_with('\n')) found.pop_back();
-    if (ascii && found != expected) std::abort();
+    // Line ends at the end are dropped, as far as no code stands behind them.
+    const auto body = [](const std::string& text) { return text.substr(0, text.find_last_not_of('\n') + 1); };
+    if (ascii && body(Plain_From_Code(again)) != body(plain)) std::abort();
     return 0;
 }

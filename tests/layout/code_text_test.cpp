@@ -1,3 +1,4 @@
+#include "layout/code_pieces.h"
 #include "layout/code_rtf.h"
 #include "layout/code_text.h"
 #include "layout/code_tokens.h"
@@ -154,7 +155,11 @@ TEST(CodeText, WrapsAndPages)
     EXPECT_EQ(letters, "ab|cd|ef|ghij|k|");
     EXPECT_EQ(lines, 4);
     EXPECT_EQ(Draw("\\< \\i1 \\b1 a\\cr b\\>", {.one_line = true}).rest, "\\< \\i1 \\b1 b\\>");
-    EXPECT_EQ(Draw("\\< a\\cr \\>", {.one_line = true}).rest, "");
+    EXPECT_EQ(Draw("\\< a\\cr \\cr \\i1 \\>", {.one_line = true}).rest, "") << "nothing of it would show";
+    EXPECT_EQ(Draw("\\< \\s1 \\u1 \\-1 \\p:12: \\g1 \\b1 \\c:ff: a\\cr b\\>", {.one_line = true}).rest,
+              "\\< \\c:ff: \\b1 \\g1 \\s1 \\u1 \\-1 \\p:12: b\\>");
+    // A slanted letter wider than the line: each line takes one, so that a caller comes to an end.
+    EXPECT_EQ(Draw("\\< \\i1 ab\\>", {.one_line = true, .right_limit = 1}).rest, "\\< \\i1 b\\>");
 }
 
 TEST(CodeText, GroupForm)
@@ -238,7 +243,8 @@ TEST(CodeText, RichTextRead)
 {
     const FontSpec font{.Name = "Arial"};
     const std::string head =
-        "{\\rtf1\\ansi{\\fonttbl{\\f0\\fswiss\\fcharset0 Arial;}{\\f1 Symbol;}{\\f2 A:B;}}"
+        "{\\rtf1\\ansi{\\fonttbl{\\f0\\fswiss\\fcharset0 Arial;}{\\f1 Symbol;}{\\f2 A:B;}"
+        "{\\f3\\fcharset204 Cyr;}{\\f4\\fcharset161 Gr;}{\\f5\\fcharset128 Jap;}}"
         "{\\colortbl;\\red0\\green0\\blue0;\\red255\\green0\\blue1;}{\\info{\\title no}}{\\*\\gen no;}";
     struct Row {
         const char *rich, *code;
@@ -255,6 +261,7 @@ TEST(CodeText, RichTextRead)
         {"a\\{\\}\\\\b\\~c}", "a{}\\\\b c"},
         {"\\pard x}", "\\i0 \\b0 \\u0 \\s0 \\f0 \\p0 \\c0 \\+0 x"},
         {"{\\pict\\bin3 }}}}x}", "x"},
+        {"\\f3 \\'f4\\f4 \\'e4\\f5 \\'82\\'a0}", "\\f:Cyr: ф\\f:Gr: δ\\f:Jap: あ"},
     };
     for (const Row& row : rows)
         EXPECT_EQ(Rtf_To_Code(head + row.rich, font), std::string("\\< ") + row.code + "\\>") << row.rich;
@@ -271,7 +278,7 @@ std::string RandomText(std::mt19937& random)
         "\\s1 ",    "\\s0 ",     "\\+1 ",       "\\-1 ",    "\\+0 ", "\\-0 ", "\\g1 ",  "\\g0 ",
         "\\p:12: ", "\\p:7.5: ", "\\p0 ",       "\\c:ff: ", "\\c0 ", "\\cr ", "\\'b0:", "\\f:Courier: ",
         "\\f0 ",    "\\\\",      "{",           "}",        "(x)",   "é",     "\\tb ",  "日本",
-        "δ",        "7",         "\\c:a0b0c: ", "~"};
+        "δ",        "7",         "\\c:a0b0c: ", "~",        "ф",     "č"};
     std::string text = "\\< ";
     for (int i = 0; i < 30; ++i) text += kPieces[random() % std::size(kPieces)];
     return text + "z\\>"; // a final line end would go
@@ -291,6 +298,11 @@ TEST(CodeText, RandomTextsSurviveTheirOtherForms)
         EXPECT_EQ(Plain_From_Code(back), Plain_From_Code(text)) << text;
         EXPECT_EQ(Tidy_Code(Rtf_To_Code(Code_To_Rtf(back, font, 10), font), font), Tidy_Code(back, font)) << text;
         EXPECT_EQ(Rtf_Plain(Code_To_Rtf(text, font, 10)), Plain_From_Code(text)) << text;
+        // As an editor holds it: the same drawing, and its own normal form.
+        const std::string edited = Pieces_To_Code(Code_To_Pieces(text, font), font);
+        EXPECT_EQ(Plain_From_Code(edited), Plain_From_Code(text)) << text;
+        EXPECT_EQ(Pieces_To_Code(Code_To_Pieces(edited, font), font), edited) << text;
+        EXPECT_EQ(Draw(edited).canvas.texts.back().text.back(), Draw(text).canvas.texts.back().text.back()) << text;
         // Measured is drawn, but for what drawing adds: slanted starts and tabs.
         if (text.find("\\i1") == std::string::npos && text.find("\\tb") == std::string::npos &&
             text.find("\\cr") == std::string::npos) {
@@ -315,7 +327,23 @@ TEST(CodeText, AnyBytesAreTaken)
         EXPECT_TRUE(Code_To_Rtf(code, font, 10).starts_with("{\\rtf1"));
         static_cast<void>(Code_To_Group(code));
     }
-    // No time beyond linear, and no stack.
+    // No time beyond linear, and no stack: with the square of their length these would take hours.
+    std::string names = "\\<", faces = "{\\rtf1{\\fonttbl";
+    for (int i = 0; i < 20'000; ++i) {
+        names += "\\f:face" + std::to_string(i) + ": \\c:" + std::to_string(i) + ": a";
+        faces += "{\\f" + std::to_string(i) + " face;}";
+    }
+    faces += "{\\f20001 " + std::string(1'000'000, 'n') + ";}}";
+    for (int i = 0; i < 50'000; ++i) faces += "\\f19999 a\\f20001 b";
+    EXPECT_LT(Rtf_To_Code(faces, font).size(), 100 * faces.size());
+    EXPECT_TRUE(Code_To_Rtf(names, font, 10).ends_with("\\par }"));
+    std::string wide = "\\<" + std::string(100'000, 'w'), open_faces;
+    RecordingCanvas canvas;
+    CodeTextPlace narrow{.direction = 0, .right_limit = 5};
+    Draw_CodeText(canvas, wide, font, narrow);
+    EXPECT_NEAR(narrow.bottom, 100'000 * kLine, 1e-3);
+    for (int i = 0; i < 300'000; ++i) open_faces += "\\f:";
+    EXPECT_FALSE(Group_To_Code(open_faces).empty());
     const std::string deep = "{\\rtf1" + std::string(1'000'000, '{') + std::string(1'000'000, '\\');
     EXPECT_TRUE(Rtf_To_Code(deep, font).starts_with("\\<"));
     EXPECT_FALSE(Group_To_Code(std::string(100'000, '(') + std::string(500'000, '\\')).empty());

@@ -6,6 +6,8 @@
 #include "session/menu.h"
 #include "session/parameter_list.h"
 #include "session/rig.h"
+#include "session/text_commands.h"
+#include "session/text_forms.h"
 
 #include <algorithm>
 #include <map>
@@ -160,6 +162,46 @@ TEST(EditParameters, ChangesAreOneStepThatCanBeTakenBack)
     EXPECT_EQ(par.DataChanged, 0);
     ReDo_Click(s);
     EXPECT_EQ(par.Operator, "Ben");
+}
+
+TEST(EditParameters, RichTextGoesWithItsCommentOnly)
+{
+    const auto rig = WithSpectrum();
+    DataSet& set = rig->g.Slots[0];
+    set.par.COMNT = set.CommentRtfPlain = "old";
+    set.CommentRtf = "{\\rtf1 old}";
+    ScriptedAsker asker{Pressed("OK", {{forms::kComment, "new"}, {forms::kCommentRtf, "{\\rtf1\\b new}"}}),
+                        Pressed("CANCEL"), Pressed("CANCEL")};
+    Session s{rig->g, asker, {}, {}, {}, {}};
+    m292_Click(s);
+    EXPECT_EQ(set.CommentRtf + set.CommentRtfPlain, "{\\rtf1\\b new}new");
+    m292_Click(s);
+    m20_Click(s); // takes the comment back
+    m292_Click(s);
+    const auto rich = [&](std::size_t i) { return asker.forms.at(i).values.at(forms::kCommentRtf); };
+    EXPECT_EQ(rich(0), "{\\rtf1 old}");
+    EXPECT_EQ(rich(1), "{\\rtf1\\b new}");
+    EXPECT_EQ(rich(2), "") << "stale";
+}
+
+TEST(AxisLabel, IsEditedForTheUnitShownAndKeptForDataToCome)
+{
+    const auto rig = WithSpectrum();
+    DataSet& set = rig->g.Slots[0];
+    rig->g.settings.axis_mode_ppm = 1;
+    set.XLabelHz = "\\< old\\>";
+    const std::string ppm = set.XLabelPpm;
+    set.par.DataChanged = 0;
+    ScriptedAsker asker{Pressed("CANCEL", {{forms::kText, "no"}}), Pressed("OK", {{forms::kText, "\\< new\\>"}})};
+    Session s{rig->g, asker, {}, {}, {}, {}};
+    Edit_Axis_Label(s);
+    EXPECT_EQ(set.XLabelHz, "\\< old\\>");
+    EXPECT_EQ(set.par.DataChanged, 0);
+    Edit_Axis_Label(s);
+    EXPECT_EQ(asker.forms.at(1).values.at(forms::kText), "\\< old\\>");
+    EXPECT_EQ(set.XLabelHz + rig->g.settings.xlabel_hz, "\\< new\\>\\< new\\>");
+    EXPECT_EQ(set.XLabelPpm, ppm);
+    EXPECT_TRUE(rig->g.SettingsChanged && set.par.DataChanged == 1);
 }
 
 TEST(EditParameters, WhatIsNoNumberIsToldAndTheFormKeepsWhatWasTyped)

@@ -36,27 +36,17 @@ QAbstractButton& Captioned(QWidget& form, const QString& caption)
 
 // ---- window dialog
 
-TEST(WindowDialogText, ExpressionsWithoutTheirCodes)
+TEST(WindowDialog, ExpressionIsEditedAndPutBack)
 {
-    struct Case {
-        WindowKind kind;
-        std::vector<std::string> lines;
-    };
-    const Case cases[] = {
-        {WindowKind::exponential, {"f(t) = exp(− π · BF · t)"}},
-        {WindowKind::sine_bell, {"f(t) = sin(π · (t − WS) / (WE − WS))"}},
-        {WindowKind::hann, {"f(t) = sin²(π · (t − WS) / (WE − WS))"}},
-        {WindowKind::gaussian, {"f(t) = exp(− π · (− BF) · (t − WS) − π · GF² · (t − WS)²)"}},
-        {WindowKind::blackman_harris,
-         {"f(t) = 0.35875 − 0.48829 · cos(2π · (t − WS) / (WE − WS))", "+ 0.14128 · cos(4π · (t − WS) / (WE − WS))",
-          "− 0.01168 · cos(6π · (t − WS) / (WE − WS))"}},
-    };
-    for (const Case& c : cases) {
-        const auto row = std::ranges::find(WindowRows(), c.kind, &WindowRow::kind);
-        EXPECT_EQ(PlainExpression(row->initial_expression), c.lines);
-    }
-    EXPECT_EQ(PlainExpression("\\"), std::vector<std::string>{""});
-    EXPECT_EQ(PlainExpression("a\\f0"), std::vector<std::string>{"a"});
+    const std::string mine = "\\< f(\\i1 t\\i0 )=1\\>";
+    FormRig rig(1024, 1, {ScriptedAsker::Answer{FormAnswer{"OK", {{forms::kText, mine}}}}});
+    WindowDialog dialog(rig.form, kNothing, nullptr);
+    const std::string first = rig.g.settings.function_exponent;
+    Captioned(dialog, "Edit Function Expression").click();
+    EXPECT_EQ(rig.g.settings.function_exponent, mine);
+    EXPECT_TRUE(rig.g.SettingsChanged);
+    Captioned(dialog, "Set Initial Expression").click();
+    EXPECT_EQ(rig.g.settings.function_exponent, first);
 }
 
 struct LimitCase {

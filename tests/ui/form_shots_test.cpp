@@ -1,9 +1,11 @@
 // Pictures of the forms to look at: set NMR1D_SHOTS to a folder (and QT_SCALE_FACTOR=2 for a fine screen).
 
 #include "form_rig.h"
+#include "layout/code_text.h"
 #include "session/display_scope.h"
 #include "session/forms.h"
 #include "session/read_flow.h"
+#include "session/text_forms.h"
 #include "support/files.h"
 #include "ui/fft_dialog.h"
 #include "ui/form_dialogs.h"
@@ -82,6 +84,10 @@ struct SmallForm {
     forms::Values values;
 };
 
+constexpr char kShownText[] =
+    "\\< \\+1 13\\+0 C{\\+1 1\\+0 H} NMR, 25 \\'b0:C, \\g1 d\\g0 \\-1 C\\-0 /ppm, \\i1 J\\i0  = 7.1 Hz\\cr "
+    "\\b1 bold \\c:b27200: blue\\c0 \\b0  \\f:Liberation Serif: \\p:14: serif\\>";
+
 std::vector<SmallForm> SmallForms(const GlobalBlock& g)
 {
     using namespace forms;
@@ -122,6 +128,19 @@ std::vector<SmallForm> SmallForms(const GlobalBlock& g)
               {"KEY 3", "COMNT"},
               {"LABEL 3", "Comment"},
               {"FORMAT 3", "@"}}},
+            {"105", Form105, {{kText, kShownText}}},
+            {"105-empty", Form105, {{kText, ""}, {kTitle, "Axis Label"}}},
+            {"105-long", Form105, {{kText, Code_From_Plain(std::string(400, 'm') + "\nsecond line\nthird")}}},
+            {"105ext", Form105Ext, {{kText, kShownText}}},
+            {"105x", Form105_X, {}},
+            {"106rtf", Form106RTF, {}},
+            {"103",
+             NMR1D_Form103,
+             {{kCount, "1"},
+              {"NAME 1", "Solvent"},
+              {"VALUE 1", "CDCl3"},
+              {kSampleId, "\\< strychnine in CDCl\\-1 3\\-0 \\>"},
+              {kComment, "two\nlines"}}},
             {"operators", Operator_Form22, {{kNames, "Anna\nBen\nClara"}}},
             {"history",
              Form111_History,

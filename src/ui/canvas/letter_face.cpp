@@ -182,6 +182,8 @@ double LetterFace::Width(char32_t letter)
 QString LetterFace::Drawable(std::string_view utf8)
 {
     QString text = ToQString(utf8);
+    if (std::ranges::all_of(utf8, [](char c) { return static_cast<unsigned char>(c) < 128; }))
+        return text; // every face has these
     bool missing = false;
     for (const uint letter : text.toUcs4()) missing = missing || LetterOf(letter).missing;
     if (!missing) return text;

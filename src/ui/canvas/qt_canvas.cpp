@@ -236,10 +236,12 @@ void QtCanvas::Text(PointD at, std::string_view utf8, TextAlign align, double an
     const int pixels = std::clamp(static_cast<int>(std::lround(em_ * kLargerFont)), 1, kMostPixels);
     const double scale = em_ / pixels;
     const QTransform before = painter_.worldTransform();
+    QTransform letters = before;
+    letters.translate(at.x, at.y);
+    if (angle_deg != 0) letters.rotate(-angle_deg);
+    letters.scale(scale, scale);
     painter_.setFont(face_->FontOf(pixels, underline_, strikeout_));
-    painter_.translate(at.x, at.y);
-    if (angle_deg != 0) painter_.rotate(-angle_deg);
-    painter_.scale(scale, scale);
+    painter_.setWorldTransform(letters);
     painter_.drawText(QPointF(shift / scale, 0), face_->Drawable(utf8));
     painter_.setWorldTransform(before);
 }
