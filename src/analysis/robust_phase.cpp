@@ -27,7 +27,7 @@ constexpr double kFarPenalty = 0.1; ///< of the cost, for each turn of first ord
 constexpr double kFeetShare = 0.5;
 constexpr double kLineShare = 0.45;
 constexpr double kAsGood = 1.015;          ///< cost of what is known beforehand, over that of the best
-constexpr double kStay = 1.01;             ///< cost of the row as it stands, over that of the best
+constexpr double kStay = 1.08;             ///< cost of the row as it stands, over that of the best
 constexpr double kNoTurn = 1.0;            ///< degrees that are not worth a change
 constexpr std::size_t kSideBySide = 16384; ///< points from which a thread is worth its start
 
