@@ -33,7 +33,7 @@ PeakToolbar::PeakToolbar(Tools& tools, Session& session) :
     ToolPanel(tools, session, Tool::peaks, "PeakToolbar", QStringLiteral("Peak Picking"))
 {
     BeginGroup();
-    AddButton("PeakShown", QStringLiteral("Shown Range"), QStringLiteral("Picks in the whole shown range"),
+    AddButton("PeakShown", QStringLiteral("Shown"), QStringLiteral("Picks in the whole shown range"),
               [this] { tools_.PickShown(); });
     AddAction(ToolAction::pick_range, QStringLiteral("Range"), QStringLiteral("Drag over the range to pick in"));
     AddAction(ToolAction::add_peak, QStringLiteral("Add"), QStringLiteral("Click at a top"));
@@ -58,7 +58,7 @@ void PeakToolbar::AddLevels()
 {
     BeginGroup();
     for (const LevelField& row : kLevels) {
-        ValueEdit* field = AddValue(row.name, QLatin1String(row.caption), QLatin1String(row.tip), 64);
+        ValueEdit* field = AddValue(row.name, QLatin1String(row.caption), QLatin1String(row.tip), 52);
         field->shown = [this, row] { return fmt::format("{:.4g}", tools_.LevelOf(row.level)); };
         field->typed = [this, row](double level) { tools_.SetLevel(row.level, level); };
         field->stepped = [this, row](int steps) {
