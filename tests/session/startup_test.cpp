@@ -1,6 +1,7 @@
 #include "session/startup.h"
 
 #include "core/settings_file.h"
+#include "session/instrument_table.h"
 #include "session/rig.h"
 
 #include <algorithm>
@@ -209,6 +210,29 @@ TEST(Exit, AsksOnlyForUnsavedData)
         const forms::Values& question = rig->asker.forms.at(0).values;
         EXPECT_EQ(question.at(forms::kTitle), "Exit 1D NMR");
         EXPECT_EQ(question.at(forms::kText), "Before End, Data is");
+    }
+}
+
+TEST(Exit, SavesTheInstrumentTableOnlyWhenAsked)
+{
+    for (const Button answer : {Button::yes, Button::no}) {
+        SCOPED_TRACE(answer == Button::yes ? "saved" : "left");
+        Rig rig{answer};
+        rig.Boot();
+        rig.g.UserIniFile = rig.Path("NMRCOL.INI");
+        ParamBlock& par = rig.g.Slots[0].par;
+        par.POINT = 1024;
+        par.InstrumentID = "spect";
+        par.OBNUC = "1H";
+        par.ObsCenter = 400.13;
+        par.OBFRQ0PPM = 400.13017;
+        const std::size_t before = rig.g.Instruments.size();
+        ASSERT_TRUE(StoreInstrument(rig.g));
+        ASSERT_TRUE(m19_Click(rig.s));
+        ASSERT_EQ(rig.asker.boxes.size(), 1U);
+        EXPECT_EQ(rig.asker.boxes[0].text, "Do you save Instrumental Data for Reference setting?");
+        LoadInstrumentTable(rig.g);
+        EXPECT_EQ(rig.g.Instruments.size(), before + (answer == Button::yes ? 1 : 0));
     }
 }
 
