@@ -549,7 +549,8 @@ void Consider(const Judged& j, const Phases& other, PhaseCriterion criterion, Ch
     const Rated reached = Refine({other.p0 + half, other.p1}, 3.0, 15.0, 5, cost);
     if (reached.cost >= cost(choice.phases)) return;
     const Rated settled = Settle(j, reached.phases, choice.signs);
-    if (settled.cost >= cost(choice.phases)) return;
+    const bool near = Apart(j.signal, settled.phases, choice.phases) < kNearHome;
+    if ((near ? kAsGoodHome : 1.0) * settled.cost >= cost(choice.phases)) return;
     choice.phases = settled.phases;
     choice.criterion = criterion;
 }
@@ -612,7 +613,7 @@ struct Looked {
     const Smoothed& row; ///< with its slow part
     LineSigns expected;
     Judged judged;
-    bool flattened = false;
+    bool slow = false; ///< it has one, or may have
     Choice choice{};
     double turned0 = 0, turned1 = 0; ///< how far `judged` is from the row: of point 0, and over the row
 
@@ -641,14 +642,14 @@ struct Looked {
     {
         constexpr int kRounds = 3;
         for (int round = 0; round < kRounds; ++round) {
-            if (flattened) JudgeTurned();
+            if (slow) JudgeTurned();
             if (!judged.Sound()) return;
             judged.known_p1 = choice.phases.p1;
             Choice next = Choose(judged, expected);
             const bool steady =
                 next.signs == choice.signs && LargestTurn(judged.signal, choice.phases, next.phases) < kNoTurn / 3.0;
             // Without a slow part nothing is new but what else there is.
-            if (steady && !flattened) next.phases = choice.phases;
+            if (steady && !slow) next.phases = choice.phases;
             choice = std::move(next);
             if (steady) return;
         }
@@ -689,8 +690,8 @@ RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> 
     result.pivot = static_cast<std::int32_t>(std::ranges::max_element(row.magnitude) - row.magnitude.begin());
     const auto factor = static_cast<double>(Thin(row)), points = static_cast<double>(row.re.size());
     Smoothed flat = row;
-    const bool flattened = Flatten(flat);
-    Looked look{row, hint.signs, Judge(flat, hint.phase1_deg), flattened};
+    const bool slow = Flatten(flat) < 1.5 * kQuieter;
+    Looked look{row, hint.signs, Judge(flat, hint.phase1_deg), slow};
     Judged& j = look.judged;
     if (!j.Sound()) return result;
     look.choice = Choose(j, hint.signs);

@@ -134,15 +134,15 @@ void Turn(Smoothed& row, double at0_deg, double over_deg)
               {static_cast<float>(at0_deg), static_cast<float>(over_deg), 0});
 }
 
-bool Flatten(Smoothed& row)
+double Flatten(Smoothed& row)
 {
-    constexpr float kQuieter = 0.4F;
     Smoothed flat{row.re, row.im, {}, 0, 0};
     Subtract_Slow_Part(flat.re, flat.im, LinesOf(row));
     Take(flat);
-    const bool quieter = flat.top > 0.0F && MedianMagnitude(flat) < kQuieter * MedianMagnitude(row);
-    if (quieter) row = std::move(flat);
-    return quieter;
+    if (!(flat.top > 0.0F)) return 1.0;
+    const auto left = static_cast<double>(MedianMagnitude(flat)) / static_cast<double>(MedianMagnitude(row));
+    if (left < kQuieter) row = std::move(flat);
+    return left;
 }
 
 } // namespace nmr
