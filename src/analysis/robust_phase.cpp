@@ -23,7 +23,7 @@ constexpr std::size_t kAngles = 72; ///< of the table of a block, over a full tu
 constexpr double kAngleStep = 360.0 / static_cast<double>(kAngles);
 constexpr double kLargestPhase1 = 1080.0; ///< off what is known
 constexpr double kPhase1Step = 20.0;
-constexpr double kFarPenalty = 0.05;
+constexpr double kFarPenalty = 0.1;
 constexpr double kLineShare = 0.45;
 constexpr double kTailShare = 1.0;
 constexpr double kAsGoodHome = 1.015; ///< the same where that is near
@@ -529,10 +529,12 @@ Choice ChoiceOf(const Found& found, LineSigns signs)
 Choice Choose(const Judged& j, LineSigns expected)
 {
     // Lines of both signs must shrink the sum this much to be believed.
-    constexpr double kEvidence = 0.9, kOneSign = 0.7;
+    constexpr double kEvidence = 0.9, kOneSign = 0.7, kAllUp = 0.05;
     if (expected != LineSigns::by_evidence) return ChoiceOf(Propose(j, expected), expected);
     const Found same = Propose(j, LineSigns::same), both = Propose(j, LineSigns::alternate);
     const Phases &p = same.best.phases, &q = both.best.phases;
+    // Where all groups can point up, and all but exactly, they do: two lines alone could always point either way.
+    if (j.tails.terms.size() > 1 && j.tails.Cost(p, true) < kAllUp) return ChoiceOf(same, LineSigns::same);
     const double ratio = AbsoluteCost(j.signal, q, false) / AbsoluteCost(j.signal, p, false);
     // Or the search for one sign has come to the same place, and lines point down there all the same.
     const Sums sums = AllSums(j.signal, p);

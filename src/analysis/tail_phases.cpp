@@ -19,7 +19,7 @@ constexpr double kGap = 0.5;       ///< of the group's half: so much below the e
 constexpr double kReach = 4.0;     ///< halves of the group: as far as the tails are looked at
 constexpr std::size_t kCells = 24; ///< means on each side
 constexpr std::size_t kFewest = 6; ///< points of a tail
-constexpr double kBroadest = 24.0; ///< halves of groups in a row at least
+constexpr double kBroadest = 10.0; ///< halves of groups in a row at least
 constexpr int kRounds = 3;
 
 struct Group {
