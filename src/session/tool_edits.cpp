@@ -202,6 +202,7 @@ void Tools::TakePhases()
     const std::size_t row = ShownRowIndex(g_, set());
     if (row < g_.RowPhase0.size()) g_.RowPhase0[row] = g_.Phase0Deg;
     if (row < g_.RowPhase1.size()) g_.RowPhase1[row] = g_.Phase1Deg;
+    if (row < row_pivots_.size()) row_pivots_[row] = g_.PivotPoint;
     Moved(ToolChange::points);
 }
 
@@ -263,11 +264,31 @@ void Tools::SetPivot(std::int32_t point)
 {
     const std::int32_t n = set().par.POINT;
     if (open() != Tool::phase || n < 1) return;
-    const std::int32_t moved = std::clamp(point, 0, n - 1);
-    const double turn = static_cast<double>(moved - g_.PivotPoint) * static_cast<double>(g_.Phase1Deg) / n;
-    g_.PivotPoint = moved;
-    g_.Phase0Deg = static_cast<float>(std::remainder(static_cast<double>(g_.Phase0Deg) + turn, 360.0));
+    const std::int32_t before = std::exchange(g_.PivotPoint, std::clamp(point, 0, n - 1));
+    TurnToPivot(before);
     RotateRow();
+}
+
+void Tools::TurnToPivot(std::int32_t from)
+{
+    const double turn = static_cast<double>(g_.PivotPoint - from) * static_cast<double>(g_.Phase1Deg) / set().par.POINT;
+    if (turn == 0) return;
+    g_.Phase0Deg = static_cast<float>(std::remainder(static_cast<double>(g_.Phase0Deg) + turn, 360.0));
+}
+
+void Tools::SamePhaseToAllRows()
+{
+    if (open() != Tool::phase) return;
+    const std::int16_t shown = g_.CurrentRow;
+    for (std::size_t row = 0; row < set().spec.DataRe.rows(); ++row) {
+        g_.CurrentRow = static_cast<std::int16_t>(row);
+        Phase_Apply(g_, g_.Phase0Deg, g_.Phase1Deg, set().par.POINT);
+    }
+    g_.CurrentRow = shown;
+    std::ranges::fill(g_.RowPhase0, g_.Phase0Deg);
+    std::ranges::fill(g_.RowPhase1, g_.Phase1Deg);
+    std::ranges::fill(row_pivots_, g_.PivotPoint);
+    Changed();
 }
 
 void Tools::SetSecond(std::int32_t point)
@@ -342,14 +363,16 @@ void Tools::SetBaseLineBend(double percent)
 {
     if (!std::isfinite(percent)) return;
     SetPreview(false);
-    shape_.stiffness = std::clamp(percent, 0.1, 100.0) / 100;
+    g_.settings.base_line_bend = std::clamp(percent, 0.1, 100.0);
+    g_.SettingsChanged = true;
     Changed();
 }
 
 void Tools::SetBaseLineDegree(std::int32_t degree)
 {
     SetPreview(false);
-    shape_.degree = std::clamp(degree, 1, 20);
+    g_.settings.base_line_degree = std::clamp(degree, 1, 20);
+    g_.SettingsChanged = true;
     Changed();
 }
 
@@ -359,8 +382,9 @@ std::vector<float> Tools::BaseLineCurve() const
     const std::size_t row = ShownRowIndex(g_, data), n = HeldPoints(data);
     if (open() != Tool::base_line || row >= data.spec.SourceRe.rows()) return {};
     const auto source = data.spec.SourceRe[row].first(n);
-    BaseLineShape shape = shape_;
-    shape.asymmetry = Expected_Signs(data.par) == LineSigns::alternate ? 0.0 : 1.0;
+    const BaseLineShape shape{.stiffness = g_.settings.base_line_bend / 100,
+                              .asymmetry = Expected_Signs(data.par) == LineSigns::alternate ? 0.0 : 1.0,
+                              .degree = g_.settings.base_line_degree};
     if (g_.settings.base_line_method == 1) return Whittaker_Base_Line(source, shape);
     if (g_.settings.base_line_method == 2) return Bernstein_Base_Line(source, shape);
     return g_.BasePoints.empty() ? std::vector<float>() : Straight_Base_Line(g_);

@@ -3,7 +3,6 @@
 
 #include "analysis/integrals.h"
 #include "core/list_values.h"
-#include "session/display_scope.h"
 #include "support/files.h"
 #include "ui/theme.h"
 #include "window_rig.h"
@@ -142,17 +141,18 @@ struct Shots {
         Shoot("peaks");
         Press("ShowPeaks");
         rig.g.settings.interpolate_tops = 1;
-        const double middle = PeakPpm(set(), set().Peaks.back());
+        const double left = At(0), right = At(1), middle = PeakPpm(set(), set().Peaks.back());
         const double half = set().par.OBNUC == "13C" ? 5 : 0.1;
         Range(middle + half, middle - half);
         Shoot("peaks-zoom");
         rig.g.settings.interpolate_tops = 0;
-        Show_All_Data(rig.g);
         set().PeakFlags = 1;
-        rig.window->RefreshAll();
+        Range(left, right);
         Shoot("peaks-bottom");
         set().PeakFlags = 0;
         tools().Fix();
+        Shoot("peaks-view");
+        set().Peaks.clear();
     }
     void Integrals()
     {
