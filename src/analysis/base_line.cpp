@@ -1,7 +1,9 @@
 #include "analysis/base_line.h"
 
 #include "analysis/shown_row.h"
+#include "analysis/smooth_base_line.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace nmr {
@@ -9,7 +11,8 @@ namespace nmr {
 namespace {
 
 constexpr double kFirstLimit = 1.4, kSecondLimit = 1.2;
-constexpr double kFlatRatio = 4.0;      ///< taken where the points lie on the line exactly
+constexpr double kFarOff = 5.0;    ///< noise levels between a base point and the smooth curve, when it is on a line
+constexpr double kFlatRatio = 4.0; ///< taken where the points lie on the line exactly
 constexpr std::int32_t kMostParts = 50; ///< a point is looked for in each fiftieth of the row
 
 std::span<const float> SourceRow(const GlobalBlock& g)
@@ -197,6 +200,19 @@ std::span<float> DataRow(GlobalBlock& g, std::size_t n)
 }
 
 } // namespace
+
+std::size_t Base_Points_On_Lines(const GlobalBlock& g)
+{
+    const auto row = SourceRow(g);
+    const auto mask = Signal_Mask(row);
+    const std::vector<float> curve = Whittaker_Base_Line(row);
+    const double limit = kFarOff * Noise_Level(row);
+    return static_cast<std::size_t>(std::ranges::count_if(g.BasePoints, [&](const BasePointEntry& p) {
+        const auto i = static_cast<std::size_t>(p.Point);
+        return i < row.size() && mask[i] != 0 &&
+               std::abs(static_cast<double>(p.Value) - static_cast<double>(curve[i])) > limit;
+    }));
+}
 
 std::vector<float> Straight_Base_Line(const GlobalBlock& g)
 {

@@ -14,6 +14,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cmath>
 
 namespace nmr {
 namespace {
@@ -25,11 +26,24 @@ Error Usage(std::string text)
     return Error{ErrorCode::bad_value, "nmr1d-cli", std::move(text)};
 }
 
-constexpr std::array<std::pair<std::string_view, BaseLineChoice>, 4> kBaseLines{
-    {{"off", BaseLineChoice::off},
-     {"auto", BaseLineChoice::automatic},
-     {"whittaker", BaseLineChoice::whittaker},
-     {"bernstein", BaseLineChoice::bernstein}}};
+/// A method of the base line, and the parameter it has.
+struct BaseLineName {
+    std::string_view name;
+    BaseLineChoice::Kind kind;
+    std::string_view key;
+    double least, most;
+    bool whole;
+    void (*set)(BaseLineChoice&, double);
+};
+
+constexpr std::array<BaseLineName, 4> kBaseLines{
+    {{"off", BaseLineChoice::Kind::off, "", 0, 0, false, nullptr},
+     {"auto", BaseLineChoice::Kind::automatic, "points", 1, 10000, true,
+      [](BaseLineChoice& c, double v) { c.points = static_cast<std::int32_t>(v); }},
+     {"whittaker", BaseLineChoice::Kind::whittaker, "bend", 0.1, 100, false,
+      [](BaseLineChoice& c, double v) { c.shape.stiffness = v / 100; }},
+     {"bernstein", BaseLineChoice::Kind::bernstein, "degree", 1, 20, true,
+      [](BaseLineChoice& c, double v) { c.shape.degree = static_cast<int>(v); }}}};
 
 constexpr std::array<std::pair<std::string_view, std::optional<double> PeakChoice::*>, 3> kLevels{
     {{"noise", &PeakChoice::noise}, {"detect", &PeakChoice::detect}, {"base", &PeakChoice::base}}};
@@ -51,19 +65,32 @@ bool SetPeakWord(PeakChoice& choice, std::string_view key, const std::string& va
     return false;
 }
 
-void CorrectBaseLine(GlobalBlock& g, BaseLineChoice choice)
+/// A level taken from a line spoils the integrals around it: whoever reads the numbers must know.
+void WarnOfBasePoints(GlobalBlock& g)
 {
     DataSet& set = g.Slots[0];
-    if (choice == BaseLineChoice::off) return;
-    if (choice == BaseLineChoice::automatic) {
-        Auto_Base_Points(g, g.settings.average_point);
-        if (g.BasePoints.empty())
-            set.Warnings.emplace_back("No place for base points was found: no base line is taken.");
+    const std::size_t doubtful = Base_Points_On_Lines(g);
+    if (g.BasePoints.empty())
+        set.Warnings.emplace_back("No place for base points was found: no base line is taken.");
+    else if (doubtful > 0)
+        set.Warnings.push_back(fmt::format("{} of {} base points seem to stand on lines: use more points for each "
+                                           "(auto:points=N), less zero filling, or whittaker.",
+                                           doubtful, g.BasePoints.size()));
+}
+
+void CorrectBaseLine(GlobalBlock& g, const BaseLineChoice& choice)
+{
+    DataSet& set = g.Slots[0];
+    if (choice.kind == BaseLineChoice::Kind::off) return;
+    if (choice.kind == BaseLineChoice::Kind::automatic) {
+        Auto_Base_Points(g, choice.points.value_or(g.settings.average_point));
+        WarnOfBasePoints(g);
         Subtract_Straight_Base_Line(g);
     } else {
         const auto row = set.spec.SourceRe[ShownRowIndex(g, set)].first(HeldPoints(set));
+        const bool whittaker = choice.kind == BaseLineChoice::Kind::whittaker;
         Subtract_Base_Line(g,
-                           choice == BaseLineChoice::whittaker ? Whittaker_Base_Line(row) : Bernstein_Base_Line(row));
+                           whittaker ? Whittaker_Base_Line(row, choice.shape) : Bernstein_Base_Line(row, choice.shape));
     }
     set.spec.SourceRe = set.spec.DataRe;
     set.par.BaseLineDone = 1;
@@ -151,6 +178,27 @@ CLI::Option* AddText(CLI::App& app, const std::string& name, Parser parse, Take 
 
 } // namespace
 
+Result<BaseLineChoice> ParseBaseLine(const std::string& text)
+{
+    const auto colon = text.find(':');
+    const auto row = std::ranges::find(kBaseLines, text.substr(0, colon), &BaseLineName::name);
+    if (row == kBaseLines.end())
+        return Usage("--baseline takes auto, whittaker, bernstein or off, not \"" + text.substr(0, colon) + "\"");
+    BaseLineChoice choice;
+    choice.kind = row->kind;
+    if (colon == std::string::npos) return choice;
+    const std::string part = text.substr(colon + 1);
+    const auto equals = part.find('=');
+    const double value = ParseNumber(part.substr(equals + 1)).value_or(std::nan("")); // without "=" the key is wrong
+    const bool fits = value >= row->least && value <= row->most && (!row->whole || value == std::floor(value));
+    if (row->set == nullptr) return Usage(fmt::format("--baseline {} takes no parameter", row->name));
+    if (part.substr(0, equals) != row->key || equals == std::string::npos || !fits)
+        return Usage(fmt::format("--baseline {} takes {}={} to {}, not \"{}\"", row->name, row->key, row->least,
+                                 row->most, part));
+    row->set(choice, value);
+    return choice;
+}
+
 Result<PeakChoice> ParsePeaks(const std::string& text)
 {
     PeakChoice choice;
@@ -191,14 +239,10 @@ Result<std::pair<std::int32_t, double>> ParseReferenceIntegral(const std::string
 
 void AddAnalysisOptions(CLI::App& app, AnalysisOptions& options)
 {
-    app.add_option_function<std::string>(
-           "--baseline",
-           [&](const std::string& text) {
-               for (const auto& [name, choice] : kBaseLines)
-                   if (name == text) options.base_line = choice;
-           },
-           "auto: straight lines between quiet places; whittaker or bernstein: smooth curves; off")
-        ->check(CLI::IsMember({"auto", "whittaker", "bernstein", "off"}));
+    AddText(
+        app, "--baseline", ParseBaseLine, [&](const BaseLineChoice& choice) { options.base_line = choice; },
+        "auto[:points=N]: straight lines between quiet places, each the mean of 2N+1 points; whittaker[:bend=%] or "
+        "bernstein[:degree=N]: smooth curves; off");
     AddText(
         app, "--peaks", ParsePeaks, [&](const PeakChoice& choice) { options.peaks = choice; },
         "picks peaks; [noise=..,detect=..,base=..] as fractions of the highest point, negative=on, interpolate=on");

@@ -62,11 +62,23 @@ TEST_F(CliAnalysis, RefusesWhatItCanNotDo)
         const char* options;
         int exit;
     };
-    const Case cases[] = {{"--baseline spline", 2},     {"--peaks noise", 2},
-                          {"--peaks loud=1", 2},        {"--peaks noise=x", 2},
-                          {"--integrate 5", 2},         {"--integrate 5:5", 2},
-                          {"--integrate 900:800", 5},   {"--integrate 5:4 --ref-integral 2=1", 5},
-                          {"--ref-integral 1=0", 2},    {"--ref-integral x=1", 2},
+    const Case cases[] = {{"--baseline spline", 2},
+                          {"--baseline auto:points", 2},
+                          {"--baseline off:points=3", 2},
+                          {"--baseline auto:degree=3", 2},
+                          {"--baseline auto:points=0", 2},
+                          {"--baseline bernstein:degree=2.5", 2},
+                          {"--baseline whittaker:bend=nan", 2},
+                          {"--baseline whittaker:bend=2.5", 0},
+                          {"--peaks noise", 2},
+                          {"--peaks loud=1", 2},
+                          {"--peaks noise=x", 2},
+                          {"--integrate 5", 2},
+                          {"--integrate 5:5", 2},
+                          {"--integrate 900:800", 5},
+                          {"--integrate 5:4 --ref-integral 2=1", 5},
+                          {"--ref-integral 1=0", 2},
+                          {"--ref-integral x=1", 2},
                           {"--baseline off --peaks", 0}};
     for (const Case& c : cases)
         EXPECT_EQ(Cli("process " + Quoted(Sample()) + " " + c.options).exit, c.exit) << c.options;
@@ -162,7 +174,7 @@ TEST(CliAnalysisReal, IntegralsOfKnownCompoundsCountTheirProtons)
         {"jeol-1h-spectrum-hz-ethanol-90", "4:3.3,1.6:0.8", {2, 3}},
     };
     for (const Case& c : cases)
-        for (const char* method : {"whittaker", "bernstein"}) {
+        for (const char* method : {"whittaker", "bernstein", "auto:points=40 --zero-fill off"}) {
             SCOPED_TRACE(std::string(c.path) + " " + method);
             std::filesystem::path path = root / c.path;
             if (std::string(c.path).starts_with("jeol")) path = std::filesystem::directory_iterator(path)->path();
