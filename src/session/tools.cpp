@@ -236,7 +236,8 @@ ToolMarks Tools::Marks() const
     }
     if (open() == Tool::reference && referenced_) marks.verticals.push_back({reference_line_, ""});
     if (open() == Tool::base_line) {
-        std::vector<float> curve = BaseLineCurve();
+        const bool needed = !previewed_ || !g_.BasePoints.empty();
+        std::vector<float> curve = needed ? BaseLineCurve() : std::vector<float>();
         // On a row whose base line is off, the points lie where they will lie.
         const auto off = [&](std::int32_t point) {
             const auto at = static_cast<std::size_t>(point);
