@@ -201,17 +201,28 @@ std::span<float> DataRow(GlobalBlock& g, std::size_t n)
 
 } // namespace
 
-std::size_t Base_Points_On_Lines(const GlobalBlock& g)
+std::vector<std::size_t> Base_Points_On_Lines(const GlobalBlock& g)
 {
     const auto row = SourceRow(g);
     const auto mask = Signal_Mask(row);
     const std::vector<float> curve = Whittaker_Base_Line(row);
     const double limit = kFarOff * Noise_Level(row);
-    return static_cast<std::size_t>(std::ranges::count_if(g.BasePoints, [&](const BasePointEntry& p) {
-        const auto i = static_cast<std::size_t>(p.Point);
-        return i < row.size() && mask[i] != 0 &&
-               std::abs(static_cast<double>(p.Value) - static_cast<double>(curve[i])) > limit;
-    }));
+    std::vector<std::size_t> found;
+    for (std::size_t k = 0; k < g.BasePoints.size(); ++k) {
+        const auto i = static_cast<std::size_t>(g.BasePoints[k].Point);
+        if (i >= row.size() || mask[i] == 0) continue;
+        const double off = static_cast<double>(g.BasePoints[k].Value) - static_cast<double>(curve[i]);
+        if (std::abs(off) > limit) found.push_back(k);
+    }
+    return found;
+}
+
+std::size_t Drop_Base_Points_On_Lines(GlobalBlock& g)
+{
+    const std::vector<std::size_t> found = Base_Points_On_Lines(g);
+    for (auto index = found.rbegin(); index != found.rend(); ++index)
+        g.BasePoints.erase(g.BasePoints.begin() + static_cast<std::ptrdiff_t>(*index));
+    return found.size();
 }
 
 std::vector<float> Straight_Base_Line(const GlobalBlock& g)

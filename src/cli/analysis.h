@@ -24,6 +24,7 @@ struct BaseLineChoice {
     enum class Kind { off, automatic, whittaker, bernstein };
     Kind kind = Kind::off;
     std::optional<std::int32_t> points; ///< half-width of the line fit at a base point; by the settings without
+    bool on_lines = false;              ///< base points that seem to stand on lines stay
     BaseLineShape shape;
 };
 
@@ -40,7 +41,7 @@ struct AnalysisOptions {
     double reference_value = 1;
 };
 
-/// "auto:points=20": the method, after a colon the one parameter it has.
+/// "auto:points=20,lines=on": the method, after a colon the parameters it has.
 Result<BaseLineChoice> ParseBaseLine(const std::string& text);
 Result<PeakChoice> ParsePeaks(const std::string& text);
 Result<std::vector<std::pair<double, double>>> ParseRegions(const std::string& text);

@@ -130,6 +130,7 @@ void Tools::Start(Tool tool)
     if (tool == Tool::base_line) {
         g_.BasePoints.clear();
         g_.PointUndo.Empty();
+        on_lines_.reset();
         previewed_ = false;
     }
     // What is coloured is to be seen.
@@ -244,7 +245,9 @@ ToolMarks Tools::Marks() const
             return previewed_ && at < curve.size() ? static_cast<double>(curve[at]) : 0.0;
         };
         for (const BasePointEntry& e : g_.BasePoints)
-            marks.points.push_back({PointToPpm(set(), e.Point), static_cast<double>(e.Value) - off(e.Point)});
+            marks.points.push_back({PointToPpm(set(), e.Point), static_cast<double>(e.Value) - off(e.Point), false});
+        for (const std::size_t index : BasePointsOnLines())
+            if (index < marks.points.size()) marks.points[index].on_line = true;
         if (!previewed_) marks.base_line = std::move(curve);
     }
     if (open() == Tool::peaks) {

@@ -67,6 +67,8 @@ TEST_F(CliAnalysis, RefusesWhatItCanNotDo)
                           {"--baseline off:points=3", 2},
                           {"--baseline auto:degree=3", 2},
                           {"--baseline auto:points=0", 2},
+                          {"--baseline auto:lines=1", 2},
+                          {"--baseline auto:lines=on,points=7", 0},
                           {"--baseline bernstein:degree=2.5", 2},
                           {"--baseline whittaker:bend=nan", 2},
                           {"--baseline whittaker:bend=2.5", 0},
@@ -174,7 +176,8 @@ TEST(CliAnalysisReal, IntegralsOfKnownCompoundsCountTheirProtons)
         {"jeol-1h-spectrum-hz-ethanol-90", "4:3.3,1.6:0.8", {2, 3}},
     };
     for (const Case& c : cases)
-        for (const char* method : {"whittaker", "bernstein", "auto:points=40 --zero-fill off"}) {
+        for (const char* method :
+             {"auto", "auto:points=20", "auto:points=40,lines=on --zero-fill off", "whittaker", "bernstein"}) {
             SCOPED_TRACE(std::string(c.path) + " " + method);
             std::filesystem::path path = root / c.path;
             if (std::string(c.path).starts_with("jeol")) path = std::filesystem::directory_iterator(path)->path();
