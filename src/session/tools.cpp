@@ -136,6 +136,7 @@ void Tools::Start(Tool tool)
     if (tool == Tool::base_line) {
         g_.BasePoints.clear();
         g_.PointUndo.Empty();
+        on_lines_.reset();
         previewed_ = false;
     }
     // What is coloured is to be seen.
@@ -254,7 +255,11 @@ ToolMarks Tools::Marks() const
         // between them are left to the one who draws.
         for (const BasePointEntry& e : g_.BasePoints)
             if (straight)
-                marks.points.push_back({PointToPpm(set(), e.Point), previewed_ ? 0.0 : static_cast<double>(e.Value)});
+                marks.points.push_back(
+                    {PointToPpm(set(), e.Point), previewed_ ? 0.0 : static_cast<double>(e.Value), false});
+        if (straight)
+            for (const std::size_t index : BasePointsOnLines())
+                if (index < marks.points.size()) marks.points[index].on_line = true;
         if (!straight && !previewed_) marks.base_line = BaseLineCurve();
     }
     if (open() == Tool::peaks) {

@@ -180,6 +180,7 @@ TEST(IntegralTool, EachEditByTheMouseIsOneStep)
            [](ListsRig& r) {
                auto& up = r.Get<QToolButton>("Integral_B1_Up");
                Mouse(up, QEvent::MouseButtonPress, {5, 5});
+               for (int i = 0; i < 50; ++i) r.window->tools().StepB1(1); // as the clock does
                Mouse(up, QEvent::MouseButtonRelease, {5, 5});
            },
            "UnDo(Change B0,B1)", 3},

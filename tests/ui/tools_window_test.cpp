@@ -78,13 +78,15 @@ TEST(ToolWindow, EachEntryOpensItsBarAndEscLeavesIt)
     struct Case {
         const char *entry, *bar;
         Tool tool;
+        const char* question; ///< of the second click on the entry
     };
-    const Case cases[] = {{"Phase Correction", "PhaseToolbar", Tool::phase},
-                          {"Set Reference (Main Spectrum)", "ReferenceToolbar", Tool::reference},
-                          {"Base Line Correction", "BaselineToolbar", Tool::base_line},
-                          {"Peak Picking", "PeakToolbar", Tool::peaks},
-                          {"Integral", "IntegralToolbar", Tool::integrals},
-                          {"Set Color on the Selected Region", "ColorToolbar", Tool::regions}};
+    const Case cases[] = {
+        {"Phase Correction", "PhaseToolbar", Tool::phase, "Will you Fix Phase Correction?"},
+        {"Set Reference (Main Spectrum)", "ReferenceToolbar", Tool::reference, "Will you Fix Reference Setting?"},
+        {"Base Line Correction", "BaselineToolbar", Tool::base_line, "Will you Fix Base Line Correction?"},
+        {"Peak Picking", "PeakToolbar", Tool::peaks, ""},
+        {"Integral", "IntegralToolbar", Tool::integrals, ""},
+        {"Set Color on the Selected Region", "ColorToolbar", Tool::regions, ""}};
     ToolRig rig;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.entry);
@@ -98,6 +100,25 @@ TEST(ToolWindow, EachEntryOpensItsBarAndEscLeavesIt)
         EXPECT_EQ(rig.window->tools().open(), Tool::none);
         EXPECT_FALSE(rig.Get<QFrame>(c.bar).isVisible());
         EXPECT_FALSE(rig.Entry(c.entry)->isChecked());
+        rig.Open(c.entry);
+        for (const QWidget* child : rig.Get<QFrame>(c.bar).findChildren<QWidget*>())
+            if (child->isVisible() &&
+                (child->inherits("QAbstractButton") || child->inherits("QLineEdit") || child->inherits("QComboBox"))) {
+                EXPECT_FALSE(child->toolTip().isEmpty()) << child->objectName().toStdString();
+            }
+        const auto again = [&] { rig.Entry(c.entry)->trigger(); };
+        if (c.question[0] != 0) {
+            EXPECT_EQ(rig.Asked(again, QMessageBox::Cancel), c.question);
+            EXPECT_TRUE(rig.Entry(c.entry)->isChecked()) << "it stays open, and the menu says so";
+            EXPECT_EQ(rig.Asked(again, QMessageBox::Yes), c.question);
+        } else {
+            again();
+        }
+        EXPECT_EQ(rig.window->tools().open(), Tool::none);
+        rig.Open(c.entry);
+        Key(rig.plot(), Qt::Key_Return);
+        EXPECT_EQ(rig.window->tools().open(), Tool::none);
+        EXPECT_TRUE(rig.g.Undo.empty()) << "nothing was changed";
     }
     rig.Open("Phase Correction");
     rig.window->resize(480, 600);
