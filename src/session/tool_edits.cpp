@@ -9,6 +9,7 @@
 #include "core/undo_parts.h"
 #include "session/color_regions.h"
 #include "session/cursor_distance.h"
+#include "session/display_scope.h"
 #include "session/instrument_table.h"
 #include "session/tools.h"
 
@@ -94,11 +95,8 @@ void Tools::Click(const PlotPoint& at)
         return SetPivot(point);
     case ToolAction::second:
         return SetSecond(point);
-    case ToolAction::pick_reference: {
-        reference_line_ = NearestTop(set(), g_.CurrentRow, at.ppm, at.reach_ppm);
-        referenced_ = true;
-        return;
-    }
+    case ToolAction::pick_reference:
+        return PickReference(at);
     case ToolAction::add_base_point:
         EditBasePoints(PointUndoKind::add_point, [&] { return Add_Base_Point(g_, point, average) >= 0; });
         return;
@@ -134,6 +132,18 @@ void Tools::Click(const PlotPoint& at)
     default:
         return;
     }
+}
+
+void Tools::PickReference(const PlotPoint& at)
+{
+    reference_line_ = NearestTop(set(), g_.CurrentRow, at.ppm, at.reach_ppm);
+    referenced_ = true;
+    const std::vector<std::uint8_t> signal =
+        Signal_Mask(set().spec.DataRe[ShownRowIndex(g_, set())].first(HeldPoints(set())));
+    const auto [first, last] =
+        std::minmax({PpmToPoint(set(), at.ppm - at.reach_ppm), PpmToPoint(set(), at.ppm + at.reach_ppm)});
+    reference_in_noise_ =
+        std::none_of(signal.begin() + first, signal.begin() + last + 1, [](auto s) { return s != 0; });
 }
 
 void Tools::DragEnd(const PlotPoint& at)
@@ -174,9 +184,12 @@ void Tools::DragEnd(const PlotPoint& at)
         });
         return;
     }
-    case ToolAction::add_region:
-        if (SetColorRegion(g_, start_.ppm, at.ppm, g_.settings.def_region_color)) Changed();
+    case ToolAction::add_region: {
+        const ShownRange axis = AxisEnds(set()); // the plot may show more than there is
+        const auto inside = [&](double ppm) { return std::clamp(ppm, axis.right, axis.left); };
+        if (SetColorRegion(g_, inside(start_.ppm), inside(at.ppm), g_.settings.def_region_color)) Changed();
         return;
+    }
     default:
         // What works by clicks takes a shaky one too.
         if (action_ != ToolAction::pivot && action_ != ToolAction::second && action_ < ToolAction::noise_level)

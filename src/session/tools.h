@@ -178,6 +178,8 @@ public:
     /// The line that was clicked, or the top that was near the click, ppm.
     double reference_line() const { return reference_line_; }
     bool has_reference_line() const { return open() == Tool::reference && referenced_; }
+    /// Whether there is nothing but noise where the click was.
+    bool reference_in_noise() const { return reference_in_noise_; }
     /// After Fix the instrument table takes the new 0 ppm frequency too.
     void SetUpdateInstrument(bool on) { update_instrument_ = on; }
 
@@ -216,6 +218,7 @@ private:
     bool EditLists(UndoKind kind, Edit edit);
     template <class Edit>
     bool EditBasePoints(PointUndoKind kind, Edit edit);
+    void PickReference(const PlotPoint& at);
     void DragTo(const PlotPoint& at);
     void TakeDragBack();
     void Click(const PlotPoint& at);
@@ -229,7 +232,7 @@ private:
     std::optional<double> quality_;
     std::vector<std::int32_t> row_pivots_; ///< of the phases of each row: the pivot may move while another is shown
     double reference_line_ = 0;
-    bool referenced_ = false, update_instrument_ = false;
+    bool referenced_ = false, reference_in_noise_ = false, update_instrument_ = false;
     std::int32_t selected_ = -1;
     bool previewed_ = false;
     mutable std::optional<std::vector<std::size_t>> on_lines_; ///< found when it is asked for

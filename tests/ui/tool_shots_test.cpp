@@ -3,7 +3,9 @@
 
 #include "analysis/integrals.h"
 #include "core/list_values.h"
+#include "session/display_scope.h"
 #include "support/files.h"
+#include "ui/form_dialogs.h"
 #include "ui/theme.h"
 #include "window_rig.h"
 
@@ -191,19 +193,27 @@ struct Shots {
     {
         const struct {
             const char *name, *entry;
-        } forms[] = {{"form31", "Display Area"},
-                     {"form33", "Set Grid"},
-                     {"form-instruments", "Arrange Instrumental Data for Reference Setting"}};
+        } entries[] = {{"form31", "Display Area"},
+                       {"form33", "Set Grid"},
+                       {"form-instruments", "Arrange Instrumental Data for Reference Setting"}};
         rig.g.Instruments = {{"AV-400", "BBO", "1H", 400.13, 400.13, "2024/03/07"},
                              {"AV-400", "BBO", "13C", 100.62, 100.61279, "2024/03/07"},
                              {"ECA 500", "TH5", "1H", 500.16, 500.15991, "2023/11/20"}};
-        for (const auto& form : forms) {
-            WhenModal([&](QDialog& shown) {
+        const auto expect = [&](const char* form) {
+            WhenModal([this, form](QDialog& shown) {
                 Settle(shown);
-                Save(form.name, shown.grab());
+                Save(form, shown.grab());
             });
-            rig.Entry(form.entry)->trigger();
+        };
+        for (const auto& [form, entry] : entries) {
+            expect(form);
+            rig.Entry(entry)->trigger();
         }
+        expect("form34");
+        static_cast<void>(NMR1D_Form34({"34", DefaultAreas(rig.g.settings).ToValues()}, nullptr));
+        rig.g.Instruments.clear();
+        expect("form-instruments-empty");
+        rig.Entry(entries[2].entry)->trigger();
     }
     void Menus()
     {

@@ -14,6 +14,8 @@
 
 #include <gmock/gmock.h>
 
+#include <random>
+
 namespace nmr {
 namespace {
 
@@ -302,11 +304,17 @@ TEST(ToolWindow, BaseLinePointsAreClickedDraggedAndTakenBack)
 TEST(ToolWindow, ReferenceTakesTheLineUnderTheClick)
 {
     ToolRig rig;
+    std::mt19937 random(3);
+    for (float& value : rig.g.Slots[0].spec.DataRe[0]) value += std::normal_distribution<float>(0, 5)(random);
     rig.Open("Set Reference (Main Spectrum)");
     auto& shift = rig.Get<QLineEdit>("ReferenceShift");
     EXPECT_FALSE(shift.isEnabled());
     Drag(rig.plot(), {rig.X(8) + 2, 100}, {rig.X(8) + 2, 100}); // beside it: the top is meant
     EXPECT_NEAR(rig.window->tools().reference_line(), 8, 0.001);
+    EXPECT_EQ(rig.LabelText("ReferenceLine").left(7), "Line at");
+    rig.Click(3.5, 100);
+    EXPECT_EQ(rig.LabelText("ReferenceLine").left(13), "Only noise at");
+    rig.Click(8, 100);
     auto& shifts = rig.Get<QComboBox>("ReferenceShifts");
     EXPECT_EQ(shifts.itemText(0), "CDCl3   CHCl3   7.26");
     emit shifts.activated(0);
@@ -459,6 +467,40 @@ TEST(ToolWindow, QuickClicksAreClicksOfTheToolAndShiftLeavesThemToTheZoom)
     EXPECT_EQ(rig.g.BasePoints.size(), 1U);
     EXPECT_NEAR(rig.Width(), 1, 0.05);
     EXPECT_TRUE(rig.window->tools().Marks().points.empty());
+}
+
+TEST(ToolWindow, ADragBeyondThePlotStopsAtTheEndOfTheAxis)
+{
+    ToolRig rig;
+    const DataSet& set = rig.g.Slots[0];
+    const std::int32_t last = set.par.POINT - 1;
+    const auto pull = [&](double ppm, double x, double y = 100) { Drag(rig.plot(), {rig.X(ppm), 100}, {x, y}); };
+    const auto act = [&](ToolAction action) { rig.window->tools().SetAction(action); };
+    rig.Open("Integral");
+    pull(8, -900);
+    ASSERT_EQ(set.Integrals.size(), 1U);
+    EXPECT_EQ(set.Integrals[0].StartPoint, last);
+    const std::int32_t wide = last - set.Integrals[0].EndPoint;
+    act(ToolAction::move_integral);
+    pull(9, 9000);
+    EXPECT_EQ(set.Integrals[0].EndPoint, 0);
+    EXPECT_EQ(set.Integrals[0].StartPoint, wide);
+    act(ToolAction::enlarge_integral);
+    pull(PointToPpm(set, wide), -9000);
+    EXPECT_EQ(set.Integrals[0].StartPoint, last);
+    rig.Open("Phase Correction");
+    pull(PointToPpm(set, rig.g.PivotPoint), -900);
+    EXPECT_EQ(rig.g.PivotPoint, last);
+    rig.window->tools().Cancel();
+    rig.Open("Base Line Correction");
+    rig.Click(3.5);
+    act(ToolAction::move_base_point);
+    Drag(rig.plot(), {rig.X(3.5), rig.Y(20)}, {rig.X(3.5), -5000});
+    EXPECT_GT(rig.g.BasePoints[0].Value, 1000);
+    rig.window->tools().Cancel();
+    rig.Open("Set Color on the Selected Region");
+    pull(8, -900);
+    EXPECT_NEAR(std::max(set.Regions[0].Start, set.Regions[0].End), 12, 1e-3);
 }
 
 TEST(ToolWindow, RowsKeepTheirOwnPhases)
