@@ -80,6 +80,7 @@ bool Tools::EditBasePoints(PointUndoKind kind, Edit edit)
     std::swap(before, g_.BasePoints);
     PushPointUndoStep(g_, kind);
     std::swap(before, g_.BasePoints);
+    on_lines_.reset();
     Changed();
     return true;
 }
@@ -324,6 +325,18 @@ void Tools::DeleteAllBasePoints()
     });
 }
 
+const std::vector<std::size_t>& Tools::BasePointsOnLines() const
+{
+    if (!on_lines_) on_lines_ = g_.BasePoints.empty() ? std::vector<std::size_t>() : Base_Points_On_Lines(g_);
+    return *on_lines_;
+}
+
+void Tools::DeleteBasePointsOnLines()
+{
+    if (open() != Tool::base_line) return;
+    EditBasePoints(PointUndoKind::delete_point, [&] { return Drop_Base_Points_On_Lines(g_) > 0; });
+}
+
 void Tools::SetAveragePoints(std::int32_t points)
 {
     g_.settings.average_point = std::clamp(points, 0, 10000);
@@ -400,6 +413,7 @@ void Tools::FixBaseLine()
     set().par.BaseLineDone = 1;
     g_.BasePoints.clear();
     g_.PointUndo.Empty();
+    on_lines_.reset();
 }
 
 void Tools::CancelBaseLine()
@@ -409,12 +423,14 @@ void Tools::CancelBaseLine()
     std::ranges::copy(set().spec.SourceIm[row], set().spec.DataIm[row].begin());
     g_.BasePoints.clear();
     g_.PointUndo.Empty();
+    on_lines_.reset();
     previewed_ = false;
 }
 
 bool Tools::UndoBasePoint()
 {
     const bool done = open() == Tool::base_line && g_.PointUndo.UnDo(g_);
+    on_lines_.reset();
     if (done) SetPreview(false);
     if (done) Changed();
     return done;
@@ -423,6 +439,7 @@ bool Tools::UndoBasePoint()
 bool Tools::RedoBasePoint()
 {
     const bool done = open() == Tool::base_line && g_.PointUndo.ReDo(g_);
+    on_lines_.reset();
     if (done) SetPreview(false);
     if (done) Changed();
     return done;

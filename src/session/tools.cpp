@@ -130,6 +130,7 @@ void Tools::Start(Tool tool)
     if (tool == Tool::base_line) {
         g_.BasePoints.clear();
         g_.PointUndo.Empty();
+        on_lines_.reset();
         previewed_ = false;
     }
     // What is coloured is to be seen.
@@ -236,14 +237,17 @@ ToolMarks Tools::Marks() const
     }
     if (open() == Tool::reference && referenced_) marks.verticals.push_back({reference_line_, ""});
     if (open() == Tool::base_line) {
-        std::vector<float> curve = BaseLineCurve();
+        const bool needed = !previewed_ || !g_.BasePoints.empty();
+        std::vector<float> curve = needed ? BaseLineCurve() : std::vector<float>();
         // On a row whose base line is off, the points lie where they will lie.
         const auto off = [&](std::int32_t point) {
             const auto at = static_cast<std::size_t>(point);
             return previewed_ && at < curve.size() ? static_cast<double>(curve[at]) : 0.0;
         };
         for (const BasePointEntry& e : g_.BasePoints)
-            marks.points.push_back({PointToPpm(set(), e.Point), static_cast<double>(e.Value) - off(e.Point)});
+            marks.points.push_back({PointToPpm(set(), e.Point), static_cast<double>(e.Value) - off(e.Point), false});
+        for (const std::size_t index : BasePointsOnLines())
+            if (index < marks.points.size()) marks.points[index].on_line = true;
         if (!previewed_) marks.base_line = std::move(curve);
     }
     if (open() == Tool::peaks) {

@@ -74,6 +74,7 @@ struct ToolMarks {
     };
     struct Point {
         double ppm, height;
+        bool on_line = false; ///< of a base point that seems to stand on a line
     };
     std::vector<Vertical> verticals;
     std::vector<Level> levels;
@@ -128,6 +129,9 @@ public:
     // Base line. Points, the average and the method of the settings make the curve.
     void AutoBasePoints();
     void DeleteAllBasePoints();
+    /// Those that seem to stand on lines, of the points as the last edit left them; ascending indices.
+    const std::vector<std::size_t>& BasePointsOnLines() const;
+    void DeleteBasePointsOnLines();
     void SetAveragePoints(std::int32_t points);
     void SetBaseLineMethod(std::int32_t method); ///< 0 straight lines, 1 Whittaker, 2 Bernstein
     void SetBaseLineBend(double percent);        ///< Whittaker: length over which the curve may bend, of the row
@@ -218,6 +222,7 @@ private:
     std::int32_t selected_ = -1;
     bool previewed_ = false;
     BaseLineShape shape_;
+    mutable std::optional<std::vector<std::size_t>> on_lines_; ///< found when it is asked for
 
     // A drag under way.
     bool down_ = false, moved_ = false;

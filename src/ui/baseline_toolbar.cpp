@@ -63,6 +63,8 @@ void BaselineToolbar::AddPoints()
         tools_.SetAveragePoints(g_.settings.average_point + steps);
         average_->Forget();
     };
+    delete_on_lines_ = AddButton("BasePointsOnLines", QStringLiteral("Delete on Lines"), {},
+                                 [this] { tools_.DeleteBasePointsOnLines(); });
     groups_[0].push_back(BeginGroup());
     AddAction(ToolAction::add_base_point, QStringLiteral("Add"), QStringLiteral("A click adds a base point"));
     AddAction(ToolAction::move_base_point, QStringLiteral("Move"),
@@ -100,6 +102,13 @@ void BaselineToolbar::Refresh()
         for (QWidget* group : groups_[i]) group->setVisible(i == method);
     for (ValueEdit* edit : {average_, bend_, degree_}) edit->Show();
     delete_all_->setEnabled(!g_.BasePoints.empty());
+    const std::size_t doubtful = method == 0 ? tools_.BasePointsOnLines().size() : 0;
+    delete_on_lines_->setEnabled(doubtful > 0);
+    delete_on_lines_->setToolTip(doubtful == 0
+                                     ? QStringLiteral("No base point seems to stand on a line")
+                                     : QStringLiteral("Deletes the %1 base points, drawn red, that seem to stand on "
+                                                      "lines: they would spoil the integrals there")
+                                           .arg(doubtful));
     undo_->setEnabled(!g_.PointUndo.empty());
     undo_->setToolTip(QString::fromStdString(g_.PointUndo.Caption()) + QStringLiteral(" (Ctrl+Z)"));
     redo_->setEnabled(g_.PointUndo.can_redo());

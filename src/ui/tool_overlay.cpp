@@ -15,7 +15,7 @@ namespace {
 constexpr double kReach = 6;     // pixels around a mark that take hold of it
 constexpr double kLeastDrag = 4; // a shorter way is a click
 // Visible on light and dark ground.
-const QColor kMark(213, 94, 0), kSecond(0, 158, 115), kLevel(204, 121, 167), kBase(0, 158, 115);
+const QColor kMark(213, 94, 0), kSecond(0, 158, 115), kLevel(204, 121, 167), kBase(0, 158, 115), kOnLine(204, 51, 17);
 
 struct LevelRow {
     ToolAction action;
@@ -183,9 +183,10 @@ void ToolOverlay::DrawPoints(QtCanvas& canvas, const PlotFrame& frame) const
     QPainter& painter = canvas.painter();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(Qt::white, 1));
-    painter.setBrush(kBase);
-    for (const ToolMarks::Point& point : marks_.points)
+    for (const ToolMarks::Point& point : marks_.points) {
+        painter.setBrush(point.on_line ? kOnLine : kBase);
         painter.drawEllipse(QPointF(frame.X(point.ppm), frame.Y(point.height)), 3.5, 3.5);
+    }
 }
 
 void ToolOverlay::DrawLevels(QtCanvas& canvas, const PlotFrame& frame) const

@@ -192,6 +192,27 @@ TEST(Tools, BaseLinePointsHaveStepsOfTheirOwn)
     }
 }
 
+TEST(Tools, BasePointsOnLinesAreMarkedAndDeletedInOneStep)
+{
+    Desk b;
+    b.tools.Enter(Tool::base_line);
+    for (const double ppm : {0.0, 1.01, 5.5, 7.0}) b.Click(ppm);
+    const auto marked = [&] {
+        std::string text;
+        for (const ToolMarks::Point& point : b.tools.Marks().points) text += point.on_line ? 'x' : '.';
+        return text;
+    };
+    EXPECT_EQ(marked(), ".x.x");
+    b.tools.DeleteBasePointsOnLines();
+    EXPECT_EQ(marked(), "..");
+    b.tools.DeleteBasePointsOnLines(); // nothing left to do, no step
+    EXPECT_TRUE(b.tools.UndoBasePoint());
+    EXPECT_EQ(marked(), ".x.x");
+    b.tools.Cancel();
+    b.tools.Enter(Tool::base_line);
+    EXPECT_EQ(marked(), "");
+}
+
 TEST(Tools, PeaksAreListedByClickRangeAndLevel)
 {
     Desk b;
