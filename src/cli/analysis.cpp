@@ -3,6 +3,7 @@
 #include "analysis/base_line.h"
 #include "analysis/integrals.h"
 #include "analysis/peak_pick.h"
+#include "analysis/robust_phase.h"
 #include "analysis/shown_row.h"
 #include "analysis/smooth_base_line.h"
 #include "cli/options.h"
@@ -124,9 +125,10 @@ void CorrectBaseLine(GlobalBlock& g, const BaseLineChoice& choice)
         Subtract_Straight_Base_Line(g);
     } else {
         const auto row = set.spec.SourceRe[ShownRowIndex(g, set)].first(HeldPoints(set));
-        const bool whittaker = choice.kind == Kind::whittaker;
-        Subtract_Base_Line(g,
-                           whittaker ? Whittaker_Base_Line(row, choice.shape) : Bernstein_Base_Line(row, choice.shape));
+        BaseLineShape shape = choice.shape;
+        shape.asymmetry = Expected_Signs(set.par) == LineSigns::alternate ? 0.0 : 1.0;
+        Subtract_Base_Line(g, choice.kind == Kind::whittaker ? Whittaker_Base_Line(row, shape)
+                                                             : Bernstein_Base_Line(row, shape));
     }
     set.spec.SourceRe = set.spec.DataRe;
     set.par.BaseLineDone = 1;
@@ -183,9 +185,10 @@ Json PeakJson(const PeakLine& line, bool interpolate)
 
 Json IntegralJson(const IntegralLine& line)
 {
+    // The sum is kept as a float: the shortest decimal that reads back as the same one.
     return {{"from_ppm", line.start_ppm},
             {"to_ppm", line.end_ppm},
-            {"value", static_cast<float>(line.sum)},
+            {"value", ShortestDouble(static_cast<float>(line.sum))},
             {"relative", line.value ? Json(*line.value) : Json(nullptr)}};
 }
 
@@ -284,7 +287,8 @@ void AddAnalysisOptions(CLI::App& app, AnalysisOptions& options)
     AddText(
         app, "--ref-integral", ParseReferenceIntegral,
         [&](const auto& pair) { std::tie(options.reference, options.reference_value) = pair; },
-        "N=V: region N counts V; 1=1 without it");
+        "N=V: region N counts V; 1=1 without it")
+        ->needs("--integrate");
 }
 
 std::vector<std::string> SettlePeaks(std::vector<std::string> arguments)

@@ -73,6 +73,7 @@ void m242_Click(Session& s)
 
 void m20_Click(Session& s)
 {
+    if (s.tools != nullptr && s.tools->StopDrag()) return; // the newest change is the one under the mouse
     if (s.tools != nullptr && s.tools->UndoBasePoint()) return;
     if (!ReadyForUndo(s)) return;
     const std::string file = s.g.Slots[0].par.FileName;
@@ -81,6 +82,7 @@ void m20_Click(Session& s)
 
 void ReDo_Click(Session& s)
 {
+    if (s.tools != nullptr && s.tools->StopDrag()) return;
     if (s.tools != nullptr && s.tools->RedoBasePoint()) return;
     if (!ReadyForUndo(s)) return;
     const std::string file = s.g.Slots[0].par.FileName;

@@ -57,6 +57,20 @@ ToolAction FirstAction(Tool tool)
     return ToolAction::none;
 }
 
+/// The tool whose bar has the button of an action; they stand in the order of the bars.
+Tool ToolOf(ToolAction action)
+{
+    constexpr std::pair<ToolAction, Tool> kLast[] = {{ToolAction::none, Tool::none},
+                                                     {ToolAction::second, Tool::phase},
+                                                     {ToolAction::pick_reference, Tool::reference},
+                                                     {ToolAction::move_base_point, Tool::base_line},
+                                                     {ToolAction::base_level, Tool::peaks},
+                                                     {ToolAction::reference_integral, Tool::integrals},
+                                                     {ToolAction::delete_region, Tool::regions}};
+    const auto row = std::ranges::find_if(kLast, [&](const auto& last) { return action <= last.first; });
+    return row == std::end(kLast) ? Tool::none : row->second;
+}
+
 struct StatusRow {
     ToolAction action;
     const char* text;
@@ -126,6 +140,7 @@ void Tools::Start(Tool tool)
         float top = 0;
         Find_Main_Peak(g_, g_.PivotPoint, top, set().par.POINT);
         g_.P2Point = -1;
+        pivot_of_rows_ = g_.PivotPoint;
     }
     if (tool == Tool::base_line) {
         g_.BasePoints.clear();
@@ -158,6 +173,7 @@ bool Tools::Close()
         Fix();
         return true;
     case Button::no:
+        StopDrag(); // which alone would be what Cancel takes back
         Cancel();
         return true;
     default:
@@ -185,17 +201,19 @@ void Tools::Fix()
     End();
 }
 
+bool Tools::StopDrag()
+{
+    if (open() == Tool::none || !down_) return false;
+    TakeDragBack();
+    down_ = false;
+    action_ = pressed_;
+    Changed();
+    return true;
+}
+
 void Tools::Cancel()
 {
-    if (open() == Tool::none) return;
-    if (down_) {
-        // Esc during a drag takes back the drag alone.
-        TakeDragBack();
-        down_ = false;
-        action_ = pressed_;
-        Changed();
-        return;
-    }
+    if (open() == Tool::none || StopDrag()) return; // Esc during a drag takes back the drag alone
     if (open() == Tool::phase) CancelPhase();
     if (open() == Tool::base_line) CancelBaseLine();
     if (open() == Tool::reference) CancelReference();
@@ -204,7 +222,7 @@ void Tools::Cancel()
 
 void Tools::SetAction(ToolAction action)
 {
-    if (open() == Tool::none || down_) return;
+    if (open() == Tool::none || down_ || ToolOf(action) != open()) return;
     const std::size_t count = set().Integrals.size();
     if (action == ToolAction::add_integral && count >= kMaxIntegrals) return;
     if (action == ToolAction::divide_integral && (count < 1 || count >= kMaxIntegrals)) return;
@@ -214,6 +232,7 @@ void Tools::SetAction(ToolAction action)
 
 void Tools::SetRow(std::int16_t row)
 {
+    StopDrag();
     if (open() == Tool::base_line) CancelBaseLine(); // a preview stays with its row
     const auto last = static_cast<std::int32_t>(set().spec.DataRe.rows()) - 1;
     g_.CurrentRow = static_cast<std::int16_t>(std::clamp<std::int32_t>(row, 0, std::max(last, 0)));

@@ -98,6 +98,8 @@ public:
     bool Close();
     void Fix();    ///< Enter: "Fix", "OK", "Close" of the panel
     void Cancel(); ///< Esc: "Cancel"
+    /// A drag under way is taken back, as by Esc; before what changes the lists under it. Whether there was one.
+    bool StopDrag();
     void SetAction(ToolAction action);
     ToolMarks Marks() const;
     /// Text of the status line for the place under the mouse: "Delete Integral".
@@ -117,6 +119,7 @@ public:
     double phase1() const;
     void SetPhase0(double deg); ///< a value beyond the limits is put back to them
     void SetPhase1(double deg);
+    void TurnPhase0(double by_deg); ///< a step; past the limits it goes on at the other end of the circle
     std::string PhaseText1() const; ///< "####0.0#"
     std::string PhaseText2() const;
     void AutoPhase();     ///< PhaseCommand4
@@ -200,6 +203,7 @@ private:
     void CancelBaseLine();
     void FixReference();
     void CancelReference();
+    bool ReferenceMoved() const;
 
     /// Runs an edit of the lists as one step; nothing is kept of one that changes nothing.
     template <class Edit>
@@ -217,6 +221,7 @@ private:
     UndoStep points_before_; ///< of phase and base line, kept at entry
     UndoStep reference_before_;
     std::optional<double> quality_;
+    std::int32_t pivot_of_rows_ = 0; ///< to which the phases of all rows count
     double reference_line_ = 0;
     bool referenced_ = false, update_instrument_ = false;
     std::int32_t selected_ = -1;
