@@ -9,6 +9,7 @@
 #include "window_rig.h"
 
 #include <QClipboard>
+#include <QListWidget>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
