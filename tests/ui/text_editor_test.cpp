@@ -9,6 +9,8 @@
 #include "window_rig.h"
 
 #include <QClipboard>
+#include <QLabel>
+#include <QListWidget>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
