@@ -126,6 +126,11 @@ int MadeKinds()
     return static_cast<int>(kKinds.size());
 }
 
+std::string KindName(int kind)
+{
+    return kKinds[static_cast<std::size_t>(kind)].name;
+}
+
 MadeSpectrum MakeSpectrum(int kind_number, unsigned seed, int points)
 {
     const Kind& kind = kKinds[static_cast<std::size_t>(kind_number)];

@@ -18,6 +18,7 @@ struct MadeSpectrum {
 
 /// Number of kinds.
 int MadeKinds();
+std::string KindName(int kind);
 MadeSpectrum MakeSpectrum(int kind, unsigned seed, int points = 65536);
 
 } // namespace nmr::bench

@@ -1,14 +1,16 @@
 // nmr1d-phase-table: how near both automatic phases come to a known truth, as a table.
 //
-//     nmr1d-phase-table FOLDER [SEEDS [FIRST]]
+//     nmr1d-phase-table FOLDER [SEEDS [FIRST [KIND]]]
 //
 // FOLDER holds instrument data whose files tell the operator's phases; SEEDS made spectra of each kind follow,
-// from seed FIRST on. The figure is the phase that is left at the points above 5 % of the tallest, as a root mean
-// square weighted by intensity; half a turn is forgiven.
+// from seed FIRST on; with KIND only of the kinds whose name holds that word, and each set by itself. The figure is
+// the phase that is left at the points above 5 % of the tallest, as a root mean square weighted by intensity; half a
+// turn is forgiven. "again" is the largest turn of such a point by a second and a third press, each on the fixed
+// result; "back" how far one is from that after a press on the result turned 20 degrees by hand.
 
 #include "analysis/phase.h"
-#include "analysis/robust_phase.h"
 #include "made_spectra.h"
+#include "measure.h"
 #include "session/fft_form.h"
 #include "session/read_flow.h"
 #include "session/startup.h"
@@ -16,8 +18,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
-#include <ctime>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -26,6 +26,8 @@
 namespace {
 
 using namespace nmr;
+using bench::Score;
+using bench::Turn;
 
 class SilentAsker : public Asker {
 public:
@@ -36,83 +38,44 @@ public:
     void Notice(const std::string&) override {}
 };
 
-struct Turn {
-    double p0 = 0, p1 = 0, pivot = 0;
-    double At(double i, double n) const { return p0 + (i - pivot) * p1 / n; }
-};
-
-Turn Present(const GlobalBlock& g)
-{
-    return {static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), static_cast<double>(g.PivotPoint)};
-}
-
-/// Degrees left, weighted by magnitude, the better of the phase and its half turn.
-double LeftDegrees(std::span<const float> re, std::span<const float> im, const Turn& truth, const Turn& found)
-{
-    const auto n = static_cast<double>(re.size());
-    std::vector<double> magnitude(re.size());
-    double top = 0;
-    for (std::size_t i = 0; i < re.size(); ++i) {
-        magnitude[i] = std::hypot(static_cast<double>(re[i]), static_cast<double>(im[i]));
-        top = std::max(top, magnitude[i]);
-    }
-    double best = 1e9;
-    for (const double half : {0.0, 180.0}) {
-        double sum = 0, weight = 0;
-        for (std::size_t i = 0; i < re.size(); ++i) {
-            if (magnitude[i] < 0.05 * top) continue;
-            const auto at = static_cast<double>(i);
-            const double d = std::remainder(truth.At(at, n) - found.At(at, n) + half, 360.0);
-            sum += magnitude[i] * d * d;
-            weight += magnitude[i];
-        }
-        best = std::min(best, std::sqrt(sum / std::max(weight, 1e-300)));
-    }
-    return best;
-}
-
-struct Score {
-    double plain = 0, robust = 0, quality = 0, plain_ms = 0, robust_ms = 0;
-};
-
-template <class Body>
-double Milliseconds(Body body)
-{
-    // Processor time: other work on the machine does not count.
-    const std::clock_t start = std::clock();
-    body();
-    return 1e3 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-Score Measure(GlobalBlock& g, std::int32_t n, const Turn& truth, double known_p1)
-{
-    const auto row = static_cast<std::size_t>(g.CurrentRow);
-    const auto count = static_cast<std::size_t>(n);
-    const auto re = g.Slots[0].spec.SourceRe[row].first(count), im = g.Slots[0].spec.SourceIm[row].first(count);
-    Score score;
-    score.plain_ms = Milliseconds([&] { Auto_Phase(g, PhaseMode::full, n); });
-    // What the transform form adds where one line tells no first order.
-    if (g.Phase1Deg == 0.0F) g.Phase1Deg = static_cast<float>(known_p1);
-    score.plain = LeftDegrees(re, im, truth, Present(g));
-    score.robust_ms = Milliseconds([&] { score.quality = Auto_Phase_Robust(g, n, known_p1); });
-    score.robust = LeftDegrees(re, im, truth, Present(g));
-    return score;
-}
-
 struct Group {
-    int count = 0, plain = 0, robust = 0;
+    int count = 0, plain = 0, robust = 0, moved = 0, lost = 0;
     double plain_ms = 0, robust_ms = 0;
     void Add(const Score& s)
     {
         ++count;
         plain += s.plain <= 10 ? 1 : 0;
         robust += s.robust <= 10 ? 1 : 0;
+        moved += s.again > 0 ? 1 : 0;
+        lost += s.back > 1 ? 1 : 0;
         plain_ms = std::max(plain_ms, s.plain_ms);
         robust_ms = std::max(robust_ms, s.robust_ms);
     }
 };
+using Groups = std::map<std::string, Group>;
 
-void RealSet(const std::filesystem::path& folder, std::map<std::string, Group>& groups)
+void PrintScore(const std::string& name, const std::string& nucleus, std::int32_t points, const Score& s)
+{
+    fmt::print("{:<38} {:<5} {:>8} {:>7.1f} {:>7.1f} {:>7.0f} {:>7.2f} {:>7.2f} {:>9.1f} {:>9.1f}\n", name, nucleus,
+               points, s.plain, s.robust, s.quality, s.again, s.back, s.plain_ms, s.robust_ms);
+}
+
+/// How an instrument's FID is looked at.
+struct Way {
+    const char *title, *group;
+    bool vendor_window; ///< the operator's window and line broadening, not the usual ones
+    bool phased;        ///< from the operator's own phases, not from the raw row
+};
+
+/// Turns the source by the operator's phases, as the window's start from the vendor's values leaves it.
+void TakePhased(GlobalBlock& g, std::int32_t n, const Turn& truth)
+{
+    g.PivotPoint = static_cast<std::int32_t>(truth.pivot);
+    Phase_Apply(g, static_cast<float>(truth.p0), static_cast<float>(truth.p1), n);
+    CopyDataToSource(g.Slots[0]);
+}
+
+void RealSet(const std::filesystem::path& folder, const Way& way, Groups& groups)
 {
     auto g = std::make_unique<GlobalBlock>();
     Start_Batch(*g);
@@ -121,20 +84,45 @@ void RealSet(const std::filesystem::path& folder, std::map<std::string, Group>& 
     Session session{*g, asker, {}, {}, {}, {}, false};
     session.run_fft_form = [&](FftForm& form) {
         const std::string nucleus = g->Slots[0].par.OBNUC;
+        if (way.vendor_window && (!form.TakeVendorWindow() || !form.WindowChanged())) return std::string("CANCEL");
         const std::int32_t n = form.points();
-        const double known = form.known_phase1();
+        double known = form.known_phase1();
         if (!form.TakeVendorPhase()) return std::string("CANCEL");
-        const Turn truth = Present(*g);
-        const Score s = Measure(*g, n, truth, known);
-        fmt::print("{:<38} {:<5} {:>8} {:>9.1f} {:>9.1f} {:>8.0f} {:>9.1f} {:>9.1f}\n", folder.filename().string(),
-                   nucleus, n, s.plain, s.robust, s.quality, s.plain_ms, s.robust_ms);
-        groups["real " + nucleus].Add(s);
+        Turn truth = bench::PresentTurn(*g);
+        if (way.phased) {
+            TakePhased(*g, n, truth);
+            truth = {};
+            known = 0;
+        }
+        const Score s = bench::Measure(*g, n, truth, known);
+        PrintScore(folder.filename().string(), nucleus, n, s);
+        groups[way.group + nucleus].Add(s);
         return std::string("CANCEL");
     };
     static_cast<void>(Read_Path(session, folder.string()));
 }
 
-void MadeSet(int kind, unsigned seed, bool verbose, std::map<std::string, Group>& groups)
+void RealSets(const char* data, Groups& groups)
+{
+    constexpr Way kWays[] = {
+        {"raw, usual window", "real ", false, false},
+        {"raw, operator's window", "real, own window, ", true, false},
+        {"on the operator's own phases, usual window", "phased ", false, true},
+        {"on the operator's own phases and window", "phased, own window, ", true, true},
+    };
+    std::vector<std::filesystem::path> folders;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(data, error))
+        if (entry.is_directory()) folders.push_back(entry.path());
+    std::ranges::sort(folders);
+    for (const Way& way : kWays) {
+        fmt::print("{:<38} nucl.   points   plain  robust quality   again    back  plain ms robust ms\n", way.title);
+        for (const auto& folder : folders) RealSet(folder, way, groups);
+        fmt::print("\n");
+    }
+}
+
+void MadeSet(int kind, unsigned seed, bool each, Groups& groups)
 {
     const bench::MadeSpectrum made = bench::MakeSpectrum(kind, seed);
     auto g = std::make_unique<GlobalBlock>();
@@ -147,10 +135,8 @@ void MadeSet(int kind, unsigned seed, bool verbose, std::map<std::string, Group>
     if (made.dept) set.par.PulseProg = "dept135";
     std::ranges::copy(made.re, set.spec.SourceRe[0].begin());
     std::ranges::copy(made.im, set.spec.SourceIm[0].begin());
-    const Score s = Measure(*g, n, {made.p0_deg, made.p1_deg, 0}, 0.0);
-    if (verbose)
-        fmt::print("{:<38} seed {:>5} p1 {:>6.0f} {:>9.1f} {:>9.1f} {:>8.0f} {:>9.1f}  found p1 {:.0f}\n", made.kind,
-                   seed, made.p1_deg, s.plain, s.robust, s.quality, s.robust_ms, static_cast<double>(g->Phase1Deg));
+    const Score s = bench::Measure(*g, n, {made.p0_deg, made.p1_deg, 0}, 0.0);
+    if (each) PrintScore(fmt::format("{} {}", made.kind, seed), made.nucleus, n, s);
     groups["made " + made.kind].Add(s);
 }
 
@@ -159,27 +145,22 @@ void MadeSet(int kind, unsigned seed, bool verbose, std::map<std::string, Group>
 int main(int argc, char** argv)
 {
     if (argc < 2) {
-        fmt::print(stderr, "usage: nmr1d-phase-table FOLDER [SEEDS [FIRST]]\n");
+        fmt::print(stderr, "usage: nmr1d-phase-table FOLDER [SEEDS [FIRST [KIND]]]\n");
         return 2;
     }
-    std::map<std::string, Group> groups;
-    fmt::print(
-        "degrees left                           nucl.   points     plain    robust  quality  plain ms robust ms\n");
-    std::vector<std::filesystem::path> folders;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(argv[1], error)) folders.push_back(entry.path());
-    std::ranges::sort(folders);
-    for (const auto& folder : folders)
-        if (std::filesystem::is_directory(folder)) RealSet(folder, groups);
+    Groups groups;
+    RealSets(argv[1], groups);
     const int seeds = argc > 2 ? std::atoi(argv[2]) : 20;
     const int first = argc > 3 ? std::atoi(argv[3]) : 1;
+    const std::string only = argc > 4 ? argv[4] : "";
     for (int kind = 0; kind < bench::MadeKinds(); ++kind)
-        for (int seed = first; seed < first + seeds; ++seed)
+        for (int seed = first; seed < first + seeds && bench::KindName(kind).find(only) != std::string::npos; ++seed)
             MadeSet(kind, static_cast<unsigned>(seed), argc > 4, groups);
-    fmt::print("\nwithin 10 degrees                        sets     plain    robust  plain ms robust ms (longest)\n");
+    fmt::print("within 10 degrees                        sets   plain  robust  moved   lost  plain ms robust ms "
+               "(longest)\n");
     for (const auto& [name, group] : groups)
-        fmt::print("{:<38} {:>6} {:>8.0f}% {:>8.0f}% {:>9.1f} {:>9.1f}\n", name, group.count,
-                   100.0 * group.plain / group.count, 100.0 * group.robust / group.count, group.plain_ms,
-                   group.robust_ms);
+        fmt::print("{:<38} {:>6} {:>6.0f}% {:>6.0f}% {:>6} {:>6} {:>9.1f} {:>9.1f}\n", name, group.count,
+                   100.0 * group.plain / group.count, 100.0 * group.robust / group.count, group.moved, group.lost,
+                   group.plain_ms, group.robust_ms);
     return 0;
 }

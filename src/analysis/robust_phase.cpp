@@ -23,11 +23,10 @@ constexpr std::size_t kAngles = 120; ///< of the table of a block, over a full t
 constexpr double kAngleStep = 360.0 / static_cast<double>(kAngles);
 constexpr double kLargestPhase1 = 1080.0; ///< off what is known
 constexpr double kPhase1Step = 20.0;
-constexpr double kFarPenalty = 0.1; ///< of the cost, for each turn of first order off what is known
-constexpr double kFeetShare = 0.5;
+constexpr double kFarPenalty = 0.05; ///< for each turn of first order off what is known
 constexpr double kLineShare = 0.45;
+constexpr double kTailShare = 1.0;
 constexpr double kAsGood = 1.015;          ///< cost of what is known beforehand, over that of the best
-constexpr double kStay = 1.08;             ///< cost of the row as it stands, over that of the best
 constexpr double kNoTurn = 1.0;            ///< degrees that are not worth a change
 constexpr std::size_t kSideBySide = 16384; ///< points from which a thread is worth its start
 
@@ -204,88 +203,60 @@ double EntropyCost(const Signal& s, const Phases& p, bool same)
     return entropy + (same ? AbsoluteCost(s, p, true) : 0.0);
 }
 
-/// Difference between the two feet of a line. In phase, only the dispersion has one: it is then imaginary. A base
-/// line that rolls slowly hardly tells on it.
-struct Feet {
-    double position, weight, angle_deg;
-};
+/// Phases that single lines, or the tails of groups of them, ask for.
+struct Terms {
+    struct Term {
+        double position, weight, angle_deg;
+    };
+    std::vector<Term> terms;
+    double width_deg = 0; ///< off phase by that costs half of all
+    double share = 0;     ///< of the whole cost
 
-std::vector<Feet> FeetOf(const Smoothed& row, double center)
-{
-    constexpr std::size_t kMostLines = 60;
-    const std::size_t n = row.re.size();
-    std::vector<std::size_t> tops;
-    const auto least = static_cast<float>(std::max(0.02 * static_cast<double>(row.top), 8.0 * row.noise));
-    for (std::size_t i = 1; i + 1 < n; ++i)
-        if (row.magnitude[i] > least && row.magnitude[i] >= row.magnitude[i - 1] &&
-            row.magnitude[i] > row.magnitude[i + 1])
-            tops.push_back(i);
-    std::ranges::sort(tops, [&](std::size_t a, std::size_t b) { return row.magnitude[a] > row.magnitude[b]; });
-    if (tops.size() > kMostLines) tops.resize(kMostLines);
-    std::vector<Feet> feet;
-    for (const std::size_t i : tops) {
-        std::size_t width = 1; // half, at half height
-        while (width < n / 16 && i >= width && i + width < n &&
-               std::max(row.magnitude[i - width], row.magnitude[i + width]) > 0.5F * row.magnitude[i])
-            ++width;
-        const std::size_t near = 2 * width, far = 5 * width;
-        if (i < far || i + far >= n) continue;
-        double re = 0, im = 0;
-        for (std::size_t k = near; k <= far; ++k) {
-            re += static_cast<double>(row.re[i + k]) - static_cast<double>(row.re[i - k]);
-            im += static_cast<double>(row.im[i + k]) - static_cast<double>(row.im[i - k]);
-        }
-        if (re == 0.0 && im == 0.0) continue;
-        feet.push_back({(static_cast<double>(i) - center) / static_cast<double>(n),
-                        std::pow(static_cast<double>(row.magnitude[i]), 0.6), std::atan2(im, re) / kRadians});
+    /// 0 in phase, 1 far out: how far hardly matters, so that few bad ones decide nothing.
+    double OneCost(double off_deg, bool same) const
+    {
+        const double turn = same ? 360.0 : 180.0;
+        const double off = (off_deg - turn * std::nearbyint(off_deg / turn)) / width_deg;
+        return off * off / (1.0 + off * off);
     }
-    double total = 0;
-    for (const Feet& f : feet) total += f.weight;
-    for (Feet& f : feet) f.weight /= total;
-    return feet;
-}
 
-/// 0 where all feet are even, 1 where all are as uneven as can be.
-double FeetCost(const std::vector<Feet>& feet, const Phases& p)
-{
-    double cost = 0;
-    for (const Feet& f : feet)
-        cost += f.weight * std::fabs(std::cos((f.angle_deg + p.p0 + p.p1 * f.position) * kRadians));
-    return cost;
-}
+    double Cost(const Phases& p, bool same) const
+    {
+        double cost = 0;
+        for (const Term& t : terms) cost += t.weight * OneCost(t.angle_deg + p.p0 + p.p1 * t.position, same);
+        return cost;
+    }
 
-/// The phase that one line asks for.
-struct LineTerm {
-    double position, weight, angle_deg;
+    /// The weights' sum becomes 1, less where all of them together are hardly worth one.
+    void Level(double doubt)
+    {
+        double total = doubt;
+        for (const Term& t : terms) total += t.weight;
+        for (Term& t : terms) t.weight /= total;
+    }
 };
 
-std::vector<LineTerm> LineTermsOf(const std::vector<LinePhase>& lines, double center, std::size_t n)
+Terms LineTermsOf(const std::vector<LinePhase>& lines, double center, std::size_t n)
 {
-    std::vector<LineTerm> terms;
-    double total = 0;
+    Terms terms{{}, 22.0, kLineShare};
     for (const LinePhase& l : lines) {
         const double doubt = 0.0025 + l.misfit * l.misfit + 0.1 * l.overlap * l.overlap;
-        const double weight = std::sqrt(l.height) / doubt;
-        terms.push_back({(l.point - center) / static_cast<double>(n), weight, l.angle_deg});
-        total += weight;
+        terms.terms.push_back({(l.point - center) / static_cast<double>(n), std::sqrt(l.height) / doubt, l.angle_deg});
     }
-    for (LineTerm& t : terms) t.weight /= total;
+    terms.Level(1e-300);
     return terms;
 }
 
-/// 0 where the line is in phase, 1 where it is far out: how far hardly matters, so that few bad ones decide nothing.
-double LineTermCost(double off_deg, bool same)
+Terms TailTermsOf(const std::vector<TailPhase>& tails, double center, std::size_t n)
 {
-    constexpr double kWidth = 22.0;
-    const double off = std::remainder(off_deg, same ? 360.0 : 180.0) / kWidth;
-    return off * off / (1.0 + off * off);
-}
-
-double LineCost(const std::vector<LineTerm>& terms, const Phases& p, bool same)
-{
-    double cost = 0;
-    for (const LineTerm& t : terms) cost += t.weight * LineTermCost(t.angle_deg + p.p0 + p.p1 * t.position, same);
-    return cost;
+    Terms terms{{}, 10.0, kTailShare};
+    for (const TailPhase& t : tails) {
+        const double doubt = t.error_deg / 2.0;
+        terms.terms.push_back({(t.point - center) / static_cast<double>(n),
+                               std::sqrt(t.height / tails.front().height) / (1.0 + doubt * doubt), t.angle_deg});
+    }
+    terms.Level(0.5);
+    return terms;
 }
 
 /// What a block of neighbouring runs adds to AbsoluteCost at each angle, as if all its points turned alike.
@@ -350,7 +321,7 @@ std::vector<Rated> CoarseSearch(const std::vector<Block>& blocks, double size, d
         const double p0 = kAngleStep * static_cast<double>(lowest - costs.begin());
         Rated line{{p0, known_p1 + off}, static_cast<double>(*lowest)};
         // What is far from the known first order must be better to be believed.
-        line.cost = line.cost / size * (1.0 + kFarPenalty * std::abs(off) / 360.0);
+        line.cost = line.cost / size + kFarPenalty * std::abs(off) / 360.0;
         best.push_back(line);
     }
     std::vector<Rated> kept;
@@ -407,29 +378,31 @@ Rated Refine(Phases start, double step0, double step1, int rounds, Cost cost)
 struct Judged {
     Signal signal;
     std::vector<Block> blocks;
-    std::vector<Feet> feet;
-    std::vector<LineTerm> lines;
+    Terms lines, tails;
     double known_p1 = 0;
+
+    bool Sound() const { return !signal.runs.empty() && signal.size > 0.0 && std::isfinite(signal.size); }
 
     double Cost(const Phases& p, LineSigns signs) const
     {
         const double far = std::abs(p.p1 - known_p1) / 360.0;
-        return AbsoluteCost(signal, p, signs == LineSigns::same) * (1.0 + kFarPenalty * far) +
-               kFeetShare * FeetCost(feet, p) + kLineShare * LineCost(lines, p, signs == LineSigns::same);
+        const bool same = signs == LineSigns::same;
+        return AbsoluteCost(signal, p, same) + kFarPenalty * far + lines.share * lines.Cost(p, same) +
+               tails.share * tails.Cost(p, same);
     }
 };
 
-/// The lines' phases take part in the search as further blocks.
-void AddLineBlocks(Judged& j)
+/// Terms take part in the search as further blocks.
+void AddBlocks(Judged& j, const Terms& terms)
 {
-    for (const LineTerm& t : j.lines) {
+    for (const Terms::Term& t : terms.terms) {
         Block block;
         block.position = t.position;
-        const double share = kLineShare * t.weight * j.signal.size;
+        const double share = terms.share * t.weight * j.signal.size;
         for (std::size_t k = 0; k < kAngles; ++k) {
             const double off = t.angle_deg + static_cast<double>(k) * kAngleStep;
-            block.one_sign[k] = static_cast<float>(share * LineTermCost(off, true));
-            block.both_signs[k] = static_cast<float>(share * LineTermCost(off, false));
+            block.one_sign[k] = static_cast<float>(share * terms.OneCost(off, true));
+            block.both_signs[k] = static_cast<float>(share * terms.OneCost(off, false));
         }
         j.blocks.push_back(block);
     }
@@ -441,6 +414,16 @@ struct Found {
     std::vector<Rated> others;
 };
 
+/// To the bottom of the valley that the phases lie in.
+Rated Settle(const Judged& j, const Phases& start, LineSigns signs)
+{
+    const auto cost = [&](const Phases& p) { return j.Cost(p, signs); };
+    Rated best = Refine(Refine(start, 1.0, 5.0, 16, cost).phases, 0.3, 1.5, 12, cost);
+    // A single line tells no first order: what is known beforehand stays unless the row says otherwise.
+    const Rated known = Refine({best.phases.p0, j.known_p1}, kAngleStep, 0.0, 16, cost);
+    return known.cost <= kAsGood * best.cost ? known : best;
+}
+
 /// Search and refinement for one opinion on the signs.
 Found Propose(const Judged& j, LineSigns signs)
 {
@@ -450,11 +433,7 @@ Found Propose(const Judged& j, LineSigns signs)
         found.others.push_back(Refine(start.phases, 3.0, 15.0, 5, cost));
         if (found.others.back().cost < found.best.cost) found.best = found.others.back();
     }
-    Rated& best = found.best;
-    best = Refine(best.phases, 1.0, 5.0, 16, cost);
-    // A single line tells no first order: what is known beforehand stays unless the row says otherwise.
-    const Rated known = Refine({best.phases.p0, j.known_p1}, kAngleStep, 0.0, 12, cost);
-    if (known.cost <= kAsGood * best.cost) best = known;
+    found.best = Settle(j, found.best.phases, signs);
     return found;
 }
 
@@ -497,22 +476,24 @@ Choice Choose(const Judged& j, LineSigns expected)
     return ChoiceOf(both, LineSigns::alternate);
 }
 
-/// Takes the other proposal, or its half turn, where it costs less.
+/// Takes what is reached from the other proposal, or from its half turn, where that costs less.
 void Consider(const Judged& j, const Phases& other, PhaseCriterion criterion, Choice& choice)
 {
-    for (const double half : {0.0, 180.0}) {
-        const Phases turned{other.p0 + half, other.p1};
-        if (j.Cost(turned, choice.signs) >= j.Cost(choice.phases, choice.signs)) continue;
-        choice.phases = turned;
-        choice.criterion = criterion;
-    }
+    const auto cost = [&](const Phases& p) { return j.Cost(p, choice.signs); };
+    const double half = cost({other.p0 + 180.0, other.p1}) < cost(other) ? 180.0 : 0.0;
+    const Rated reached = Refine({other.p0 + half, other.p1}, 3.0, 15.0, 5, cost);
+    if (reached.cost >= cost(choice.phases)) return;
+    const Rated settled = Settle(j, reached.phases, choice.signs);
+    if (settled.cost >= cost(choice.phases)) return;
+    choice.phases = settled.phases;
+    choice.criterion = criterion;
 }
 
 /// What the lines' own phases and the entropy of the derivative propose, each by itself.
 void ConsiderOthers(const Judged& j, Choice& choice)
 {
     const bool same = choice.signs == LineSigns::same;
-    const auto lines = [&](const Phases& p) { return LineCost(j.lines, p, same); };
+    const auto lines = [&](const Phases& p) { return j.lines.Cost(p, same); };
     const auto entropy = [&](const Phases& p) { return EntropyCost(j.signal, p, same); };
     Consider(j, Refine(choice.phases, 5.0, 20.0, 12, lines).phases, PhaseCriterion::lines, choice);
     Consider(j, Refine(choice.phases, 5.0, 20.0, 12, entropy).phases, PhaseCriterion::entropy, choice);
@@ -559,17 +540,89 @@ double QualityOf(const Judged& j, const Choice& choice)
     constexpr double kClear =
         0.2; // margin; of made spectra that were phased wrong by more than 25 degrees all had half
     const double clear = 1.0 - std::exp(-std::max(Margin(j, choice), 0.0) / kClear);
-    return clear * (1.0 - LineCost(j.lines, choice.phases, choice.signs == LineSigns::same));
+    return clear * (1.0 - j.lines.Cost(choice.phases, choice.signs == LineSigns::same));
 }
 
-/// The row is as good as it stands: a second press must not wander about in what the criteria can't tell apart.
-bool StaysAsIs(const Judged& j, const Choice& choice)
+/// Largest turn of a point of signal from one phase to the other.
+double LargestTurn(const Signal& s, const Phases& from, const Phases& to)
 {
-    const bool hardly_turns = std::ranges::all_of(j.signal.runs, [&](const Signal::Run& run) {
-        return std::abs(std::remainder(AngleAt(run, choice.phases), 360.0)) < kNoTurn;
-    });
-    return hardly_turns || j.Cost({}, choice.signs) <= kStay * j.Cost(choice.phases, choice.signs);
+    double largest = 0;
+    for (const Signal::Run& run : s.runs)
+        largest = std::max(largest, std::abs(std::remainder(AngleAt(run, to) - AngleAt(run, from), 360.0)));
+    return largest;
 }
+
+Judged Judge(const Smoothed& row, double known_p1)
+{
+    Judged j{SignalOf(row), {}, {}, {}, known_p1};
+    if (!j.Sound()) return j;
+    j.blocks = Blocks(j.signal);
+    j.lines = LineTermsOf(LinesOf(row), j.signal.center, row.re.size());
+    j.tails = TailTermsOf(TailsOf(row), j.signal.center, row.re.size());
+    AddBlocks(j, j.lines);
+    AddBlocks(j, j.tails);
+    return j;
+}
+
+/// The search, and what it stands on.
+struct Looked {
+    const Smoothed& row; ///< with its slow part
+    LineSigns expected;
+    Judged judged;
+    bool flattened = false;
+    Choice choice{};
+    double turned0 = 0, turned1 = 0; ///< how far `judged` is from the row: of point 0, and over the row
+
+    /// The choice as turn of the row: of point 0, and over the row.
+    Phases Whole() const
+    {
+        const double before = judged.signal.center / static_cast<double>(row.re.size());
+        return {turned0 + choice.phases.p0 - choice.phases.p1 * before, turned1 + choice.phases.p1};
+    }
+
+    /// Judges the row turned by what was found. What is slow in a row that turns is not quite the same.
+    void JudgeTurned()
+    {
+        const Phases whole = Whole();
+        Smoothed turned = row;
+        Turn(turned, whole.p0, whole.p1);
+        Flatten(turned);
+        judged = Judge(turned, 0.0);
+        turned0 = whole.p0;
+        turned1 = whole.p1;
+        choice.phases = {};
+    }
+
+    /// Searches anew from what was found, as a press on the phased row will, until that finds the same.
+    void Steady()
+    {
+        constexpr int kRounds = 3;
+        for (int round = 0; round < kRounds; ++round) {
+            if (flattened) JudgeTurned();
+            if (!judged.Sound()) return;
+            judged.known_p1 = choice.phases.p1;
+            Choice next = Choose(judged, expected);
+            const bool steady =
+                next.signs == choice.signs && LargestTurn(judged.signal, choice.phases, next.phases) < 0.5 * kNoTurn;
+            if (steady) { // only what else there is may have changed
+                choice.others = std::move(next.others);
+                return;
+            }
+            choice = std::move(next);
+        }
+    }
+
+    /// Up; where as much points down as up, the way that the row stands.
+    void TakeUpright()
+    {
+        constexpr double kBalanced = 0.02;
+        const Sums sums = AllSums(judged.signal, choice.phases);
+        const Phases whole = Whole();
+        const double middle = whole.p0 + whole.p1 * judged.signal.center / static_cast<double>(row.re.size());
+        const bool balanced = std::abs(sums.plain) < kBalanced * sums.absolute;
+        if (balanced ? std::abs(std::remainder(middle, 360.0)) > 90.0 : sums.plain < 0.0) choice.phases.p0 += 180.0;
+    }
+};
 
 } // namespace
 
@@ -581,33 +634,35 @@ RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> 
     Smoothed row = SmoothToNoise(re.first(n), im.first(n));
     if (!(row.top > 0.0F) || !std::isfinite(row.top)) return result;
     result.pivot = static_cast<std::int32_t>(std::ranges::max_element(row.magnitude) - row.magnitude.begin());
-    const auto factor = static_cast<double>(Thin(row));
-    Flatten(row);
-    Judged j{SignalOf(row), {}, {}, {}, hint.phase1_deg};
-    if (j.signal.runs.empty() || !(j.signal.size > 0.0) || !std::isfinite(j.signal.size)) return result;
-    j.blocks = Blocks(j.signal);
-    j.feet = FeetOf(row, j.signal.center);
-    j.lines = LineTermsOf(LinesOf(row), j.signal.center, row.re.size());
-    AddLineBlocks(j);
-    // The middle of the signal as a point of the whole row.
-    const double center = (j.signal.center + 0.5) * factor - 0.5, points = static_cast<double>(n);
-    Choice choice = Choose(j, hint.signs);
+    const auto factor = static_cast<double>(Thin(row)), points = static_cast<double>(row.re.size());
+    Smoothed flat = row;
+    const bool flattened = Flatten(flat);
+    Looked look{row, hint.signs, Judge(flat, hint.phase1_deg), flattened};
+    Judged& j = look.judged;
+    if (!j.Sound()) return result;
+    look.choice = Choose(j, hint.signs);
     if (hint.circle) {
         const PhaseProposal c = hint.circle();
-        Consider(j, {c.phase0_deg + c.phase1_deg * (center - c.pivot) / points, c.phase1_deg}, PhaseCriterion::circle,
-                 choice);
+        const double pivot = (c.pivot + 0.5) / factor - 0.5;
+        Consider(j, {c.phase0_deg + c.phase1_deg * (j.signal.center - pivot) / points, c.phase1_deg},
+                 PhaseCriterion::circle, look.choice);
     }
-    ConsiderOthers(j, choice);
-    if (AllSums(j.signal, choice.phases).plain < 0.0) choice.phases.p0 += 180.0;
-    result.quality = 100.0 * std::clamp(QualityOf(j, choice), 0.0, 1.0);
-    result.alternating = choice.signs == LineSigns::alternate;
-    if (StaysAsIs(j, choice)) {
+    ConsiderOthers(j, look.choice);
+    look.Steady();
+    if (!j.Sound()) return result;
+    look.TakeUpright();
+    result.quality = 100.0 * std::clamp(QualityOf(j, look.choice), 0.0, 1.0);
+    result.alternating = look.choice.signs == LineSigns::alternate;
+    const Phases whole = look.Whole();
+    const double before = j.signal.center / points;
+    if (LargestTurn(j.signal, {}, {whole.p0 + whole.p1 * before, whole.p1}) < kNoTurn) {
         result.criterion = PhaseCriterion::stays_as_is;
         return result;
     }
-    result.criterion = choice.criterion;
-    result.phase1_deg = choice.phases.p1;
-    result.phase0_deg = std::remainder(choice.phases.p0 + choice.phases.p1 * (result.pivot - center) / points, 360.0);
+    result.criterion = look.choice.criterion;
+    result.phase1_deg = whole.p1;
+    const double pivot = (result.pivot + 0.5) / factor - 0.5;
+    result.phase0_deg = std::remainder(whole.p0 + whole.p1 * pivot / points, 360.0);
     return result;
 }
 

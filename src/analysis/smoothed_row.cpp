@@ -1,6 +1,7 @@
 #include "analysis/smoothed_row.h"
 
 #include "analysis/slow_part.h"
+#include "core/rotation.h"
 
 #include <algorithm>
 #include <cmath>
@@ -118,13 +119,28 @@ std::vector<LinePhase> LinesOf(const Smoothed& row)
     return Find_Line_Phases({row.re, row.im, row.magnitude}, least, row.noise, kMostLines);
 }
 
-void Flatten(Smoothed& row)
+std::vector<TailPhase> TailsOf(const Smoothed& row)
+{
+    constexpr std::size_t kMostGroups = 40;
+    const double least = std::max(0.01 * static_cast<double>(row.top), 8.0 * row.noise);
+    return Find_Tail_Phases({row.re, row.im, row.magnitude}, least, kMostGroups);
+}
+
+void Turn(Smoothed& row, double at0_deg, double over_deg)
+{
+    RotateRow(row.re, row.im, row.re, row.im, static_cast<std::int32_t>(row.re.size()),
+              {static_cast<float>(at0_deg), static_cast<float>(over_deg), 0});
+}
+
+bool Flatten(Smoothed& row)
 {
     constexpr float kQuieter = 0.4F;
     Smoothed flat{row.re, row.im, {}, 0, 0};
     Subtract_Slow_Part(flat.re, flat.im, LinesOf(row));
     Take(flat);
-    if (flat.top > 0.0F && MedianMagnitude(flat) < kQuieter * MedianMagnitude(row)) row = std::move(flat);
+    const bool quieter = flat.top > 0.0F && MedianMagnitude(flat) < kQuieter * MedianMagnitude(row);
+    if (quieter) row = std::move(flat);
+    return quieter;
 }
 
 } // namespace nmr

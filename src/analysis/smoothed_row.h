@@ -3,6 +3,7 @@
 // without its slow part where that is a base line.
 
 #include "analysis/line_phases.h"
+#include "analysis/tail_phases.h"
 
 #include <cstddef>
 #include <span>
@@ -33,7 +34,14 @@ std::size_t Thin(Smoothed& row);
 /// The phases of its highest lines.
 std::vector<LinePhase> LinesOf(const Smoothed& row);
 
-/// Takes the slow part away where that leaves the row far quieter: then it was a base line, not feet of lines.
-void Flatten(Smoothed& row);
+/// The phases of its highest groups of lines, by their tails.
+std::vector<TailPhase> TailsOf(const Smoothed& row);
+
+/// Turns point 0 by `at0_deg` and the row's end by `over_deg` more.
+void Turn(Smoothed& row, double at0_deg, double over_deg);
+
+/// Takes the slow part away where that leaves the row far quieter: then it was a base line, not feet of lines. Whether
+/// it did.
+bool Flatten(Smoothed& row);
 
 } // namespace nmr
