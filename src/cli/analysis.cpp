@@ -88,13 +88,19 @@ constexpr std::array<std::pair<std::string_view, std::optional<double> PeakChoic
 constexpr std::array<std::pair<std::string_view, bool PeakChoice::*>, 2> kSwitches{
     {{"negative", &PeakChoice::negative}, {"interpolate", &PeakChoice::interpolate}}};
 
+constexpr double kNoLevel = 1e38;
+
 /// In place of a value that was not given.
 constexpr char kPlainPeaks[] = "negative=off";
 
 bool SetPeakWord(PeakChoice& choice, std::string_view key, const std::string& value)
 {
     for (const auto& [name, member] : kLevels)
-        if (name == key) return (choice.*member = ParseNumber(value)).has_value();
+        if (name == key) {
+            choice.*member = ParseNumber(value);
+            // Levels are kept as floats.
+            return std::abs((choice.*member).value_or(kNoLevel)) < kNoLevel;
+        }
     for (const auto& [name, member] : kSwitches)
         if (name == key) {
             choice.*member = value == "on";
@@ -266,7 +272,8 @@ Result<std::pair<std::int32_t, double>> ParseReferenceIntegral(const std::string
     const auto equals = text.find('=');
     const auto number = ParseInteger(text.substr(0, equals));
     const auto value = equals == std::string::npos ? std::nullopt : ParseNumber(text.substr(equals + 1));
-    if (!number || !value || *number < 1 || *number > static_cast<std::int64_t>(kMaxIntegrals) || !(*value > 0))
+    if (!number || !value || *number < 1 || *number > static_cast<std::int64_t>(kMaxIntegrals) ||
+        !IsIntegralScale(*value))
         return Usage("--ref-integral takes N=V, a region from 1 and a value above 0, not \"" + text + "\"");
     return std::pair{static_cast<std::int32_t>(*number), *value};
 }

@@ -75,6 +75,7 @@ float Turned(float deg, double by_deg)
 template <class Edit>
 bool Tools::EditLists(UndoKind kind, Edit edit)
 {
+    StopDrag(); // an edit by key under a drag; the end of a drag is none any more
     Lists lists(set());
     if (!edit()) return false;
     lists.Swap(set()); // the step keeps what stood before
@@ -88,6 +89,7 @@ bool Tools::EditLists(UndoKind kind, Edit edit)
 template <class Edit>
 bool Tools::EditBasePoints(PointUndoKind kind, Edit edit)
 {
+    StopDrag();
     std::vector<BasePointEntry> before = g_.BasePoints;
     if (!edit()) return false;
     SetPreview(false);
@@ -614,6 +616,7 @@ bool Tools::SetB1(double value)
 
 bool Tools::PressB0B1()
 {
+    StopDrag();
     if (Selected(set(), selected_) == nullptr) return false;
     PushUndoStep(g_, UndoKind::change_b0_b1);
     MarkChanged(set());

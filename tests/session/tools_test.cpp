@@ -1,7 +1,9 @@
 // The tools of the main form: entering and leaving, the mouse, and what each step takes back.
 
+#include "session/forms.h"
 #include "session/instrument_table.h"
 #include "session/reference_shifts.h"
+#include "session/save_flow.h"
 #include "session/tool_commands.h"
 #include "session/tools.h"
 
@@ -356,6 +358,11 @@ TEST(Tools, ADragUnderWayHoldsNothingUp)
     EXPECT_NEAR(IntegralStartPpm(b.set(), b.set().Integrals[0]), 1.2, 0.003);
     m20_Click(b.s);
     EXPECT_EQ(b.set().Integrals.size(), 1U);
+    b.tools.MouseDown({4, 0, 0.02});
+    b.tools.MouseMove({5, 0, 0.02});
+    b.tools.DeleteIntegrals({0});
+    b.tools.MouseUp({5, 0, 0.02});
+    EXPECT_TRUE(b.set().Integrals.empty());
 }
 
 TEST(Tools, PhaseStepsGoRoundTheCircleAndEachRowKeepsItsOwnTurn)
@@ -427,6 +434,20 @@ TEST(Tools, WhatIsEditedBesideAToolIsNotForgottenByItsEnd)
     EXPECT_LT(b.set().Integrals[0].Value, value) << "values go with what is shown";
     b.tools.Cancel();
     EXPECT_EQ(b.set().Integrals[0].Value, value);
+    b.set().Integrals[0].B1 = 0.25F;
+    ASSERT_TRUE(Save_Ver4(b.s, b.folder / "kept.tvo1"));
+    EXPECT_NE(b.asker.notices.back().find("no B1"), std::string::npos) << "what a file does not keep is told";
+}
+
+TEST(Instruments, AreAskedAboutOnlyWhenTheTableHasChanged)
+{
+    Desk b({FormAnswer{"OK", {{forms::kRows, "1\n2\n"}}}, FormAnswer{"OK", {{forms::kRows, "2\n"}}}});
+    b.g.Instruments = {{"a", "p", "1H", 400, 400, ""}, {"b", "p", "1H", 400, 400, ""}};
+    m44_Click(b.s);
+    EXPECT_FALSE(b.g.InstrumentsChanged);
+    m44_Click(b.s);
+    EXPECT_TRUE(b.g.InstrumentsChanged);
+    EXPECT_EQ(b.g.Instruments.at(0).instrument, "b");
 }
 
 TEST(Reference, MovesTheAxisAndWhatBelongsToIt)

@@ -9,6 +9,7 @@
 #include "window_rig.h"
 
 #include <QClipboard>
+#include <QLabel>
 #include <QListWidget>
 #include <QMimeData>
 #include <QPlainTextEdit>
