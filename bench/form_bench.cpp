@@ -1,6 +1,7 @@
 // From a moved control of "FFT & Phase" to both plots repainted, as a user waits for it.
 
 #include "bench.h"
+#include "offscreen.h"
 #include "sample_block.h"
 #include "session/fft_form.h"
 #include "ui/fft_dialog.h"
@@ -50,11 +51,7 @@ std::vector<BenchRow> AtLength(std::int32_t points, double limit_ms)
 
 std::vector<BenchRow> Form()
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    int argc = 1;
-    char name[] = "nmr1d-bench";
-    char* argv[] = {name, nullptr};
-    const QApplication application(argc, argv);
+    const Offscreen<QApplication> application;
     auto rows = AtLength(131072, 10);
     for (BenchRow& row : AtLength(kMaxPoints, 60)) rows.push_back(std::move(row));
     return rows;

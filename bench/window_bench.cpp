@@ -2,6 +2,7 @@
 // length. The peak list stands open from "pick everything" on.
 
 #include "bench.h"
+#include "offscreen.h"
 #include "sample_block.h"
 #include "session/display_commands.h"
 #include "session/fft_form.h"
@@ -34,11 +35,7 @@ void AddNoise(DataSet& set)
 
 std::vector<BenchRow> Window()
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    int argc = 1;
-    char name[] = "nmr1d-bench";
-    char* argv[] = {name, nullptr};
-    const QApplication application(argc, argv);
+    const Offscreen<QApplication> application;
     SampleBlock sample(kMaxPoints);
     GlobalBlock& g = sample.g();
     FftForm form(g, sample.asker());

@@ -206,7 +206,7 @@ std::vector<std::size_t> Base_Points_On_Lines(const GlobalBlock& g)
     const auto row = SourceRow(g);
     const auto mask = Signal_Mask(row);
     const std::vector<float> curve = Whittaker_Base_Line(row);
-    const double limit = kFarOff * Noise_Level(row);
+    const double limit = kFarOff * Noise_Deviation(row);
     std::vector<std::size_t> found;
     for (std::size_t k = 0; k < g.BasePoints.size(); ++k) {
         const auto i = static_cast<std::size_t>(g.BasePoints[k].Point);

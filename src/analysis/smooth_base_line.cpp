@@ -167,7 +167,7 @@ std::vector<double> BernsteinFit(std::span<const double> y, std::span<const doub
 
 } // namespace
 
-double Noise_Level(std::span<const float> row)
+double Noise_Deviation(std::span<const float> row)
 {
     constexpr std::size_t kPieces = 256, kShortest = 16;
     const std::size_t length = std::max(row.size() / kPieces, std::min(row.size(), kShortest));
@@ -196,7 +196,7 @@ std::vector<std::uint8_t> Signal_Mask(std::span<const float> row)
     const std::size_t n = row.size();
     std::vector<std::uint8_t> mask(n, 0);
     if (n < kFewestPoints) return mask;
-    const double noise = Noise_Level(row);
+    const double noise = Noise_Deviation(row);
     // Coarse level of the surroundings: medians of pieces, which a few lines do not move.
     const std::size_t pieces = std::min<std::size_t>(64, n / 4), length = (n + pieces - 1) / pieces;
     std::vector<double> level;

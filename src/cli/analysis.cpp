@@ -3,6 +3,7 @@
 #include "analysis/base_line.h"
 #include "analysis/integrals.h"
 #include "analysis/peak_pick.h"
+#include "analysis/robust_phase.h"
 #include "analysis/shown_row.h"
 #include "analysis/smooth_base_line.h"
 #include "cli/options.h"
@@ -87,13 +88,19 @@ constexpr std::array<std::pair<std::string_view, std::optional<double> PeakChoic
 constexpr std::array<std::pair<std::string_view, bool PeakChoice::*>, 2> kSwitches{
     {{"negative", &PeakChoice::negative}, {"interpolate", &PeakChoice::interpolate}}};
 
+constexpr double kNoLevel = 1e38;
+
 /// In place of a value that was not given.
 constexpr char kPlainPeaks[] = "negative=off";
 
 bool SetPeakWord(PeakChoice& choice, std::string_view key, const std::string& value)
 {
     for (const auto& [name, member] : kLevels)
-        if (name == key) return (choice.*member = ParseNumber(value)).has_value();
+        if (name == key) {
+            choice.*member = ParseNumber(value);
+            // Levels are kept as floats.
+            return std::abs((choice.*member).value_or(kNoLevel)) < kNoLevel;
+        }
     for (const auto& [name, member] : kSwitches)
         if (name == key) {
             choice.*member = value == "on";
@@ -124,9 +131,10 @@ void CorrectBaseLine(GlobalBlock& g, const BaseLineChoice& choice)
         Subtract_Straight_Base_Line(g);
     } else {
         const auto row = set.spec.SourceRe[ShownRowIndex(g, set)].first(HeldPoints(set));
-        const bool whittaker = choice.kind == Kind::whittaker;
-        Subtract_Base_Line(g,
-                           whittaker ? Whittaker_Base_Line(row, choice.shape) : Bernstein_Base_Line(row, choice.shape));
+        BaseLineShape shape = choice.shape;
+        shape.asymmetry = Expected_Signs(set.par) == LineSigns::alternate ? 0.0 : 1.0;
+        Subtract_Base_Line(g, choice.kind == Kind::whittaker ? Whittaker_Base_Line(row, shape)
+                                                             : Bernstein_Base_Line(row, shape));
     }
     set.spec.SourceRe = set.spec.DataRe;
     set.par.BaseLineDone = 1;
@@ -183,9 +191,10 @@ Json PeakJson(const PeakLine& line, bool interpolate)
 
 Json IntegralJson(const IntegralLine& line)
 {
+    // The sum is kept as a float: the shortest decimal that reads back as the same one.
     return {{"from_ppm", line.start_ppm},
             {"to_ppm", line.end_ppm},
-            {"value", static_cast<float>(line.sum)},
+            {"value", ShortestDouble(static_cast<float>(line.sum))},
             {"relative", line.value ? Json(*line.value) : Json(nullptr)}};
 }
 
@@ -263,7 +272,8 @@ Result<std::pair<std::int32_t, double>> ParseReferenceIntegral(const std::string
     const auto equals = text.find('=');
     const auto number = ParseInteger(text.substr(0, equals));
     const auto value = equals == std::string::npos ? std::nullopt : ParseNumber(text.substr(equals + 1));
-    if (!number || !value || *number < 1 || *number > static_cast<std::int64_t>(kMaxIntegrals) || !(*value > 0))
+    if (!number || !value || *number < 1 || *number > static_cast<std::int64_t>(kMaxIntegrals) ||
+        !IsIntegralScale(*value))
         return Usage("--ref-integral takes N=V, a region from 1 and a value above 0, not \"" + text + "\"");
     return std::pair{static_cast<std::int32_t>(*number), *value};
 }
@@ -284,7 +294,8 @@ void AddAnalysisOptions(CLI::App& app, AnalysisOptions& options)
     AddText(
         app, "--ref-integral", ParseReferenceIntegral,
         [&](const auto& pair) { std::tie(options.reference, options.reference_value) = pair; },
-        "N=V: region N counts V; 1=1 without it");
+        "N=V: region N counts V; 1=1 without it")
+        ->needs("--integrate");
 }
 
 std::vector<std::string> SettlePeaks(std::vector<std::string> arguments)

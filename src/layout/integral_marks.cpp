@@ -61,6 +61,16 @@ void DrawIntegral(Canvas& canvas, const Places& places, const IntegralMark& mark
     canvas.Polyline(line);
 }
 
+/// What B0 and B1 add is what lies between zero and a line through the spectrum: a sum over that line is 0.
+void DrawBaseLine(Canvas& canvas, const Places& places, const IntegralMark& mark, const IntegralMarks& integrals)
+{
+    const IntegralRamp ramp(mark.entry, static_cast<std::int32_t>(integrals.curves->size()));
+    const auto end = [&](std::int32_t p) -> PointD {
+        return {places.X(p), places.frame.Y(-(ramp.a - p * ramp.b) * integrals.full)};
+    };
+    canvas.Lines(std::vector<Segment>{{end(mark.start), end(mark.end)}});
+}
+
 /// Brackets under the axis, and the values below them.
 void DrawValues(Canvas& canvas, const Places& places, const IntegralMarks& integrals, double row_y)
 {
@@ -118,6 +128,7 @@ IntegralMarks MakeIntegralMarks(const DataSet& set, std::span<const float> row, 
         if (start <= end) continue;
         integrals.marks.push_back({entry, i, start, end, integrals.curves->Total(entry), ValueText(set, i, settings)});
     }
+    integrals.full = static_cast<double>(set.par.DispLeft);
     integrals.show_base = settings.integ_base_disp != 0;
     integrals.text = text;
     integrals.curve.width = std::clamp(settings.disp_integ_width, 1.0, 20.0);
@@ -155,7 +166,7 @@ void DrawIntegralMarks(Canvas& canvas, const PlotFrame& frame, const IntegralMar
         const double left = places.X(mark.start), right = places.X(mark.end);
         if (std::max(left, right) < frame.rect.x || std::min(left, right) > frame.rect.right()) continue;
         DrawIntegral(canvas, places, mark, *marks.curves, heights);
-        if (marks.show_base) canvas.Lines(std::vector<Segment>{{{left, heights.foot}, {right, heights.foot}}});
+        if (marks.show_base) DrawBaseLine(canvas, places, mark, marks);
     }
     canvas.PopClip();
     DrawValues(canvas, places, marks, row_y);

@@ -30,14 +30,6 @@ void Show(const Session& s, const std::string& file_before)
     if (s.display_changed) s.display_changed();
 }
 
-/// During a drag a step back is the drag itself, and there is nothing to step forth to.
-bool TookDragBack(const Session& s)
-{
-    if (s.tools == nullptr || !s.tools->dragging()) return false;
-    s.tools->Cancel();
-    return true;
-}
-
 /// Peaks, integrals and regions stand in the undo stack edit by edit, so that their tools stay open; the
 /// others hold a step that isn't pushed yet.
 bool ReadyForUndo(Session& s)
@@ -81,7 +73,8 @@ void m242_Click(Session& s)
 
 void m20_Click(Session& s)
 {
-    if (TookDragBack(s) || (s.tools != nullptr && s.tools->UndoBasePoint())) return;
+    if (s.tools != nullptr && s.tools->StopDrag()) return; // the newest change is the one under the mouse
+    if (s.tools != nullptr && s.tools->UndoBasePoint()) return;
     if (!ReadyForUndo(s)) return;
     const std::string file = s.g.Slots[0].par.FileName;
     if (s.g.Undo.UnDo(s.g)) Show(s, file);
@@ -89,7 +82,8 @@ void m20_Click(Session& s)
 
 void ReDo_Click(Session& s)
 {
-    if (TookDragBack(s) || (s.tools != nullptr && s.tools->RedoBasePoint())) return;
+    if (s.tools != nullptr && s.tools->StopDrag()) return;
+    if (s.tools != nullptr && s.tools->RedoBasePoint()) return;
     if (!ReadyForUndo(s)) return;
     const std::string file = s.g.Slots[0].par.FileName;
     if (s.g.Undo.ReDo(s.g)) Show(s, file);

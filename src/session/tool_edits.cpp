@@ -26,6 +26,14 @@ void MarkChanged(DataSet& set)
     set.par.DataFromFile = 0;
 }
 
+/// Whether a set differs from its file. Lists may be edited while a tool is open, so a step or state of its
+/// entry knows less of that than the set does when it ends.
+void CopyFlags(const DataSet& from, DataSet& to)
+{
+    to.par.DataChanged = from.par.DataChanged;
+    to.par.DataFromFile = from.par.DataFromFile;
+}
+
 /// What the list kinds keep of a set.
 struct Lists {
     std::vector<PeakEntry> peaks;
@@ -57,11 +65,18 @@ bool EraseEach(std::vector<std::size_t> indices, Erase erase)
     return any;
 }
 
+/// A phase and a turn as one phase from -180 to 180 degrees.
+float Turned(float deg, double by_deg)
+{
+    return static_cast<float>(std::remainder(static_cast<double>(deg) + by_deg, 360.0));
+}
+
 } // namespace
 
 template <class Edit>
 bool Tools::EditLists(UndoKind kind, Edit edit)
 {
+    StopDrag(); // an edit by key under a drag; the end of a drag is none any more
     Lists lists(set());
     if (!edit()) return false;
     lists.Swap(set()); // the step keeps what stood before
@@ -75,6 +90,7 @@ bool Tools::EditLists(UndoKind kind, Edit edit)
 template <class Edit>
 bool Tools::EditBasePoints(PointUndoKind kind, Edit edit)
 {
+    StopDrag();
     std::vector<BasePointEntry> before = g_.BasePoints;
     if (!edit()) return false;
     SetPreview(false);
@@ -214,9 +230,13 @@ double Tools::phase1() const
 void Tools::TakePhases()
 {
     const std::size_t row = ShownRowIndex(g_, set());
+    // The pivot is one for all rows, and the phases of the others must go on saying how those are turned.
+    const std::int32_t before = std::exchange(pivot_of_rows_, g_.PivotPoint);
+    const double moved = static_cast<double>(g_.PivotPoint - before) / std::max(set().par.POINT, 1);
+    for (std::size_t i = 0; i < g_.RowPhase0.size() && moved != 0; ++i)
+        g_.RowPhase0[i] = Turned(g_.RowPhase0[i], moved * static_cast<double>(g_.RowPhase1[i]));
     if (row < g_.RowPhase0.size()) g_.RowPhase0[row] = g_.Phase0Deg;
     if (row < g_.RowPhase1.size()) g_.RowPhase1[row] = g_.Phase1Deg;
-    if (row < row_pivots_.size()) row_pivots_[row] = g_.PivotPoint;
     Moved(ToolChange::points);
 }
 
@@ -232,6 +252,11 @@ void Tools::SetPhase0(double deg)
     if (open() != Tool::phase || !std::isfinite(deg)) return;
     g_.Phase0Deg = static_cast<float>(std::clamp(deg, -kPhase0Limit, kPhase0Limit));
     RotateRow();
+}
+
+void Tools::TurnPhase0(double by_deg)
+{
+    if (std::isfinite(by_deg)) SetPhase0(static_cast<double>(Turned(g_.Phase0Deg, by_deg)));
 }
 
 void Tools::SetPhase1(double deg)
@@ -278,16 +303,11 @@ void Tools::SetPivot(std::int32_t point)
 {
     const std::int32_t n = set().par.POINT;
     if (open() != Tool::phase || n < 1) return;
-    const std::int32_t before = std::exchange(g_.PivotPoint, std::clamp(point, 0, n - 1));
-    TurnToPivot(before);
+    const std::int32_t moved = std::clamp(point, 0, n - 1);
+    const double turn = static_cast<double>(moved - g_.PivotPoint) * static_cast<double>(g_.Phase1Deg) / n;
+    g_.PivotPoint = moved;
+    g_.Phase0Deg = Turned(g_.Phase0Deg, turn);
     RotateRow();
-}
-
-void Tools::TurnToPivot(std::int32_t from)
-{
-    const double turn = static_cast<double>(g_.PivotPoint - from) * static_cast<double>(g_.Phase1Deg) / set().par.POINT;
-    if (turn == 0) return;
-    g_.Phase0Deg = static_cast<float>(std::remainder(static_cast<double>(g_.Phase0Deg) + turn, 360.0));
 }
 
 void Tools::SamePhaseToAllRows()
@@ -301,7 +321,6 @@ void Tools::SamePhaseToAllRows()
     g_.CurrentRow = shown;
     std::ranges::fill(g_.RowPhase0, g_.Phase0Deg);
     std::ranges::fill(g_.RowPhase1, g_.Phase1Deg);
-    std::ranges::fill(row_pivots_, g_.PivotPoint);
     Changed();
 }
 
@@ -314,16 +333,16 @@ void Tools::SetSecond(std::int32_t point)
 
 void Tools::FixPhase()
 {
-    // The next session starts from the rotated rows: Cancel must not undo this one.
-    CopyDataToSource(set());
     const auto none = [](const std::vector<float>& v) {
         return std::ranges::all_of(v, [](float x) { return x == 0; });
     };
-    const bool turned = !none(g_.RowPhase0) || !none(g_.RowPhase1);
+    if (none(g_.RowPhase0) && none(g_.RowPhase1)) return CancelPhase();
+    // The next session starts from the rotated rows: Cancel must not undo this one.
+    CopyDataToSource(set());
     std::ranges::fill(g_.RowPhase0, 0.0F);
     std::ranges::fill(g_.RowPhase1, 0.0F);
     g_.Phase0Deg = g_.Phase1Deg = 0.0F;
-    if (!turned) return;
+    CopyFlags(set(), points_before_.Extra.set);
     MarkChanged(set());
     Calc_All_Integrals(g_);
     g_.Undo.Commit(g_, std::exchange(points_before_, {}));
@@ -336,6 +355,8 @@ void Tools::CancelPhase()
     std::ranges::fill(g_.RowPhase0, 0.0F);
     std::ranges::fill(g_.RowPhase1, 0.0F);
     g_.Phase0Deg = g_.Phase1Deg = 0.0F;
+    set().par.PhaseP0 = points_before_.Extra.set.par.PhaseP0; // an automatic phase has looked for the strongest line
+    Calc_All_Integrals(g_);                                   // lists may have been edited over the turned points
 }
 
 // Base line.
@@ -422,6 +443,7 @@ void Tools::SetPreview(bool on)
     if (open() != Tool::base_line || !std::exchange(previewed_, false)) return;
     const std::size_t row = ShownRowIndex(g_, set());
     std::ranges::copy(set().spec.SourceRe[row], set().spec.DataRe[row].begin());
+    Calc_All_Integrals(g_);
     Changed();
 }
 
@@ -434,6 +456,7 @@ void Tools::PreviewBaseLine()
         Subtract_Straight_Base_Line(g_);
     else
         Subtract_Base_Line(g_, curve);
+    Calc_All_Integrals(g_);
     Changed();
 }
 
@@ -444,8 +467,8 @@ void Tools::FixBaseLine()
     previewed_ = false;
     const std::size_t row = ShownRowIndex(g_, set());
     std::ranges::copy(set().spec.DataRe[row], set().spec.SourceRe[row].begin());
+    CopyFlags(set(), points_before_.Extra.set);
     MarkChanged(set());
-    Calc_All_Integrals(g_);
     g_.Undo.Commit(g_, std::exchange(points_before_, {}));
     set().par.BaseLineDone = 1;
     g_.BasePoints.clear();
@@ -462,6 +485,7 @@ void Tools::CancelBaseLine()
     g_.PointUndo.Empty();
     on_lines_.reset();
     previewed_ = false;
+    Calc_All_Integrals(g_);
 }
 
 bool Tools::UndoBasePoint()
@@ -571,7 +595,7 @@ void Tools::MakeReference(std::int32_t index)
 
 bool Tools::SetIntegralScale(double value)
 {
-    if (!(value > 0.0) || !std::isfinite(value)) return false;
+    if (!IsIntegralScale(value)) return false;
     if (static_cast<float>(value) == set().IntegralScale) return true;
     return EditLists(UndoKind::set_integral_reference, [&] {
         set().IntegralScale = static_cast<float>(value);
@@ -605,6 +629,7 @@ bool Tools::SetB1(double value)
 
 bool Tools::PressB0B1()
 {
+    StopDrag();
     if (Selected(set(), selected_) == nullptr) return false;
     PushUndoStep(g_, UndoKind::change_b0_b1);
     MarkChanged(set());
@@ -640,9 +665,9 @@ bool Tools::SetReference(double line_ppm, double shift_ppm)
 
 void Tools::FixReference()
 {
-    const auto& kept = reference_before_.Extra.set.spec.XAxis;
-    if (kept == set().spec.XAxis) return;
+    if (!ReferenceMoved()) return;
     // The step is made of what stood before.
+    CopyFlags(set(), reference_before_.Extra.set);
     ExchangeParts(g_, reference_before_, kUndoReference);
     PushUndoStep(g_, UndoKind::set_reference);
     ExchangeParts(g_, reference_before_, kUndoReference);
@@ -650,8 +675,16 @@ void Tools::FixReference()
     if (update_instrument_) StoreInstrument(g_);
 }
 
+bool Tools::ReferenceMoved() const
+{
+    return reference_before_.Extra.set.spec.XAxis != set().spec.XAxis;
+}
+
 void Tools::CancelReference()
 {
+    // Where the axis still stands, a zoom since the entry stays.
+    if (!ReferenceMoved()) return;
+    CopyFlags(set(), reference_before_.Extra.set);
     ExchangeParts(g_, reference_before_, kUndoReference);
 }
 

@@ -57,6 +57,20 @@ ToolAction FirstAction(Tool tool)
     return ToolAction::none;
 }
 
+/// The tool whose bar has the button of an action; they stand in the order of the bars.
+Tool ToolOf(ToolAction action)
+{
+    constexpr std::pair<ToolAction, Tool> kLast[] = {{ToolAction::none, Tool::none},
+                                                     {ToolAction::second, Tool::phase},
+                                                     {ToolAction::pick_reference, Tool::reference},
+                                                     {ToolAction::move_base_point, Tool::base_line},
+                                                     {ToolAction::base_level, Tool::peaks},
+                                                     {ToolAction::reference_integral, Tool::integrals},
+                                                     {ToolAction::delete_region, Tool::regions}};
+    const auto row = std::ranges::find_if(kLast, [&](const auto& last) { return action <= last.first; });
+    return row == std::end(kLast) ? Tool::none : row->second;
+}
+
 struct StatusRow {
     ToolAction action;
     const char* text;
@@ -131,7 +145,7 @@ void Tools::Start(Tool tool)
         float top = 0;
         Find_Main_Peak(g_, g_.PivotPoint, top, set().par.POINT);
         g_.P2Point = -1;
-        row_pivots_.assign(g_.RowPhase0.size(), g_.PivotPoint);
+        pivot_of_rows_ = g_.PivotPoint;
     }
     if (tool == Tool::base_line) {
         g_.BasePoints.clear();
@@ -164,6 +178,7 @@ bool Tools::Close()
         Fix();
         return true;
     case Button::no:
+        StopDrag(); // which alone would be what Cancel takes back
         Cancel();
         return true;
     default:
@@ -191,17 +206,19 @@ void Tools::Fix()
     End();
 }
 
+bool Tools::StopDrag()
+{
+    if (open() == Tool::none || !down_) return false;
+    TakeDragBack();
+    down_ = false;
+    action_ = pressed_;
+    Changed();
+    return true;
+}
+
 void Tools::Cancel()
 {
-    if (open() == Tool::none) return;
-    if (down_) {
-        // Esc during a drag takes back the drag alone.
-        TakeDragBack();
-        down_ = false;
-        action_ = pressed_;
-        Changed();
-        return;
-    }
+    if (open() == Tool::none || StopDrag()) return; // Esc during a drag takes back the drag alone
     if (open() == Tool::phase) CancelPhase();
     if (open() == Tool::base_line) CancelBaseLine();
     if (open() == Tool::reference) CancelReference();
@@ -210,7 +227,7 @@ void Tools::Cancel()
 
 void Tools::SetAction(ToolAction action)
 {
-    if (open() == Tool::none || down_) return;
+    if (open() == Tool::none || down_ || ToolOf(action) != open()) return;
     const std::size_t count = set().Integrals.size();
     if (action == ToolAction::add_integral && count >= kMaxIntegrals) return;
     if (action == ToolAction::divide_integral && (count < 1 || count >= kMaxIntegrals)) return;
@@ -220,7 +237,7 @@ void Tools::SetAction(ToolAction action)
 
 void Tools::SetRow(std::int16_t row)
 {
-    if (down_) Cancel(); // a drag belongs to its row
+    StopDrag(); // a drag belongs to its row
     std::vector<BasePointEntry> base_points;
     if (open() == Tool::base_line) {
         base_points = g_.BasePoints;
@@ -233,7 +250,6 @@ void Tools::SetRow(std::int16_t row)
         const std::size_t shown = ShownRowIndex(g_, set());
         g_.Phase0Deg = shown < g_.RowPhase0.size() ? g_.RowPhase0[shown] : 0.0F;
         g_.Phase1Deg = shown < g_.RowPhase1.size() ? g_.RowPhase1[shown] : 0.0F;
-        if (shown < row_pivots_.size()) TurnToPivot(row_pivots_[shown]);
         quality_.reset();
     }
     Calc_All_Integrals(g_);
@@ -255,8 +271,7 @@ ToolMarks Tools::Marks() const
         // between them are left to the one who draws.
         for (const BasePointEntry& e : g_.BasePoints)
             if (straight)
-                marks.points.push_back(
-                    {PointToPpm(set(), e.Point), previewed_ ? 0.0 : static_cast<double>(e.Value), false});
+                marks.points.push_back({PointToPpm(set(), e.Point), previewed_ ? 0.0 : static_cast<double>(e.Value)});
         if (straight)
             for (const std::size_t index : BasePointsOnLines())
                 if (index < marks.points.size()) marks.points[index].on_line = true;

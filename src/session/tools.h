@@ -98,13 +98,14 @@ public:
     bool Close();
     void Fix();    ///< Enter: "Fix", "OK", "Close" of the panel
     void Cancel(); ///< Esc: "Cancel"
+    /// A drag under way is taken back, as by Esc; before what changes the lists under it. Whether there was one.
+    bool StopDrag();
     void SetAction(ToolAction action);
     ToolMarks Marks() const;
     /// Text of the status line for the place under the mouse: "Delete Integral".
     std::string StatusText(const PlotPoint& at) const;
     /// Row selector while a tool is open. Base points stay where they are, at the level of the new row.
     void SetRow(std::int16_t row);
-    bool dragging() const { return down_; }
 
     // The left button in the plot. A press and release at one place is a click.
     /// Whether a press does anything; a smooth base line has no points to click.
@@ -120,6 +121,7 @@ public:
     double phase1() const;
     void SetPhase0(double deg); ///< a value beyond the limits is put back to them
     void SetPhase1(double deg);
+    void TurnPhase0(double by_deg); ///< a step; past the limits it goes on at the other end of the circle
     std::string PhaseText1() const; ///< "####0.0#"
     std::string PhaseText2() const;
     void AutoPhase();     ///< PhaseCommand4
@@ -203,8 +205,6 @@ private:
     const DataSet& set() const { return g_.Slots[0]; }
 
     void RotateRow();
-    /// The zero order at the present pivot of a row that has its phase at another.
-    void TurnToPivot(std::int32_t from);
     void FixPhase();
     void CancelPhase();
     void TakePhases();
@@ -212,6 +212,7 @@ private:
     void CancelBaseLine();
     void FixReference();
     void CancelReference();
+    bool ReferenceMoved() const;
 
     /// Runs an edit of the lists as one step; nothing is kept of one that changes nothing.
     template <class Edit>
@@ -230,7 +231,7 @@ private:
     UndoStep points_before_; ///< of phase and base line, kept at entry
     UndoStep reference_before_;
     std::optional<double> quality_;
-    std::vector<std::int32_t> row_pivots_; ///< of the phases of each row: the pivot may move while another is shown
+    std::int32_t pivot_of_rows_ = 0; ///< to which the phases of all rows count
     double reference_line_ = 0;
     bool referenced_ = false, reference_in_noise_ = false, update_instrument_ = false;
     std::int32_t selected_ = -1;

@@ -293,6 +293,7 @@ void ListDock::Show(std::size_t entry)
     const IntegralEntry& region = set.Integrals[entry];
     plot_.CentreOn((IntegralStartPpm(set, region) + IntegralEndPpm(set, region)) / 2);
     tools_.SelectIntegral(static_cast<std::int32_t>(entry));
+    if (session_.display_changed) session_.display_changed(); // the fields of the tool are the selected region's
 }
 
 bool ListDock::eventFilter(QObject* object, QEvent* event)

@@ -63,7 +63,7 @@ void PhaseToolbar::AddOrders()
                              .limit_tenths = Tenths(Tools::kPhase0Limit),
                              .get = [this] { return tools_.phase0(); },
                              .set = [this](double deg) { tools_.SetPhase0(deg); },
-                             .add = [this](double deg) { tools_.SetPhase0(tools_.phase0() + deg); }},
+                             .add = [this](double deg) { tools_.TurnPhase0(deg); }},
                             {.caption = "First order",
                              .field_name = "PhaseText2",
                              .bar_name = "Phase1ScrollBar",
@@ -94,7 +94,7 @@ bool PhaseToolbar::TakeKey(int key, Qt::KeyboardModifiers keys)
     switch (key) {
     case Qt::Key_Left:
     case Qt::Key_Right:
-        tools_.SetPhase0(tools_.phase0() + (key == Qt::Key_Right ? step : -step));
+        tools_.TurnPhase0(key == Qt::Key_Right ? step : -step);
         return true;
     case Qt::Key_Up:
     case Qt::Key_Down:
@@ -109,7 +109,7 @@ bool PhaseToolbar::TakeWheel(int notches, Qt::KeyboardModifiers keys)
 {
     const double turn = (keys & Qt::ControlModifier ? kFineKeyStep : kKeyStep) * notches;
     if (keys & Qt::ShiftModifier)
-        tools_.SetPhase0(tools_.phase0() + turn);
+        tools_.TurnPhase0(turn);
     else if (keys & Qt::AltModifier)
         tools_.SetPhase1(tools_.phase1() + turn);
     else

@@ -110,7 +110,7 @@ SpectrumScene PlotWidget::Scene() const
     options.instead = absolute_;
     // Made for the first paint that needs them; a drag of a region asks the same ones again.
     if (!integrals_ && !g_.Slots[0].Integrals.empty())
-        integrals_ = std::make_shared<IntegralCurves>(ShownRow(), static_cast<double>(g_.Slots[0].par.DispLeft));
+        integrals_ = std::make_shared<IntegralCurves>(RealRow(), static_cast<double>(g_.Slots[0].par.DispLeft));
     options.integrals = integrals_;
     return MakeScene(g_.Slots[0], g_.settings, options, pyramid_);
 }

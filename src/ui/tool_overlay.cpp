@@ -20,7 +20,7 @@ constexpr double kFlagPadding = 4, kFlagGap = 6;
 constexpr double kDash = 6, kDashGap = 4;
 constexpr int kBandAlpha = 50;
 // Visible on light and dark ground, and on a curve in its usual colour.
-const QColor kMark(213, 94, 0), kSelection(0, 158, 115), kOnLine(204, 51, 17);
+const QColor kMark(213, 94, 0), kSelection(0, 158, 115);
 
 struct LevelRow {
     ToolAction action;
@@ -220,7 +220,8 @@ void ToolOverlay::DrawPoints(QtCanvas& canvas, const PlotFrame& frame) const
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(Qt::white, 1));
     for (const ToolMarks::Point& point : marks_.points) {
-        painter.setBrush(point.on_line ? kOnLine : kSelection);
+        painter.setPen(point.on_line ? QPen(kMark, 2) : QPen(Qt::white, 1)); // hollow, whatever one sees of colours
+        painter.setBrush(point.on_line ? Qt::white : kMark);
         painter.drawEllipse(QPointF(frame.X(point.ppm), frame.Y(point.height)), 3.5, 3.5);
     }
 }

@@ -231,6 +231,15 @@ TEST(Lists, StandBesideTheSpectrumAndFollowIt)
     EXPECT_EQ(view.model()->rowCount(), 3);
     rig.Press("ShowPeaks");
     EXPECT_FALSE(dock.isVisible());
+
+    rig.window->tools().Enter(Tool::integrals);
+    for (const double ppm : {2.0, 5.0}) Add_Integral(rig.g, ppm + 0.2, ppm - 0.2);
+    rig.set().Integrals[0].B0 = 0.25F;
+    rig.window->tools().SelectIntegral(1);
+    rig.Press("IntegralCommand3");
+    auto& regions = Find<QTableView>(rig.Get<ListDock>("IntegralList"), {});
+    emit regions.doubleClicked(regions.model()->index(0, 0));
+    EXPECT_EQ(rig.Get<QLineEdit>("IntegralText2").text(), "0.25") << "the fields are those of the region chosen";
 }
 
 TEST(Lists, TheNameToSaveGoesWithTheFilter)
