@@ -297,6 +297,20 @@ void Tools::SetPivot(std::int32_t point)
     RotateRow();
 }
 
+void Tools::SamePhaseToAllRows()
+{
+    if (open() != Tool::phase) return;
+    const std::int16_t shown = g_.CurrentRow;
+    for (std::size_t row = 0; row < set().spec.DataRe.rows(); ++row) {
+        g_.CurrentRow = static_cast<std::int16_t>(row);
+        Phase_Apply(g_, g_.Phase0Deg, g_.Phase1Deg, set().par.POINT);
+    }
+    g_.CurrentRow = shown;
+    std::ranges::fill(g_.RowPhase0, g_.Phase0Deg);
+    std::ranges::fill(g_.RowPhase1, g_.Phase1Deg);
+    Changed();
+}
+
 void Tools::SetSecond(std::int32_t point)
 {
     if (open() != Tool::phase) return;
@@ -383,14 +397,16 @@ void Tools::SetBaseLineBend(double percent)
 {
     if (!std::isfinite(percent)) return;
     SetPreview(false);
-    shape_.stiffness = std::clamp(percent, 0.1, 100.0) / 100;
+    g_.settings.base_line_bend = std::clamp(percent, 0.1, 100.0);
+    g_.SettingsChanged = true;
     Changed();
 }
 
 void Tools::SetBaseLineDegree(std::int32_t degree)
 {
     SetPreview(false);
-    shape_.degree = std::clamp(degree, 1, 20);
+    g_.settings.base_line_degree = std::clamp(degree, 1, 20);
+    g_.SettingsChanged = true;
     Changed();
 }
 
@@ -400,8 +416,9 @@ std::vector<float> Tools::BaseLineCurve() const
     const std::size_t row = ShownRowIndex(g_, data), n = HeldPoints(data);
     if (open() != Tool::base_line || row >= data.spec.SourceRe.rows()) return {};
     const auto source = data.spec.SourceRe[row].first(n);
-    BaseLineShape shape = shape_;
-    shape.asymmetry = Expected_Signs(data.par) == LineSigns::alternate ? 0.0 : 1.0;
+    const BaseLineShape shape{.stiffness = g_.settings.base_line_bend / 100,
+                              .asymmetry = Expected_Signs(data.par) == LineSigns::alternate ? 0.0 : 1.0,
+                              .degree = g_.settings.base_line_degree};
     if (g_.settings.base_line_method == 1) return Whittaker_Base_Line(source, shape);
     if (g_.settings.base_line_method == 2) return Bernstein_Base_Line(source, shape);
     return g_.BasePoints.empty() ? std::vector<float>() : Straight_Base_Line(g_);

@@ -82,6 +82,11 @@ constexpr StatusRow kStatus[] = {
     {ToolAction::noise_level, "Move Noise Level"},          {ToolAction::base_level, "Move Base Level"},
 };
 
+// Of levels that lie on each other the first goes up and the last goes down; the base takes the noise along.
+constexpr ToolAction kUpwards[] = {ToolAction::detect_level, ToolAction::noise_level, ToolAction::base_level,
+                                   ToolAction::pivot, ToolAction::second};
+constexpr double kSameLine = 1.0 / 6; // of the reach: levels nearer to each other than this are one line to the eye
+
 bool NeedsIntegral(ToolAction action)
 {
     return action >= ToolAction::divide_integral && action <= ToolAction::reference_integral;
@@ -232,10 +237,15 @@ void Tools::SetAction(ToolAction action)
 
 void Tools::SetRow(std::int16_t row)
 {
-    StopDrag();
-    if (open() == Tool::base_line) CancelBaseLine(); // a preview stays with its row
+    StopDrag(); // a drag belongs to its row
+    std::vector<BasePointEntry> base_points;
+    if (open() == Tool::base_line) {
+        base_points = g_.BasePoints;
+        CancelBaseLine(); // a preview stays with its row
+    }
     const auto last = static_cast<std::int32_t>(set().spec.DataRe.rows()) - 1;
     g_.CurrentRow = static_cast<std::int16_t>(std::clamp<std::int32_t>(row, 0, std::max(last, 0)));
+    for (const BasePointEntry& point : base_points) Add_Base_Point(g_, point.Point, g_.settings.average_point);
     if (open() == Tool::phase) {
         const std::size_t shown = ShownRowIndex(g_, set());
         g_.Phase0Deg = shown < g_.RowPhase0.size() ? g_.RowPhase0[shown] : 0.0F;
@@ -256,18 +266,15 @@ ToolMarks Tools::Marks() const
     }
     if (open() == Tool::reference && referenced_) marks.verticals.push_back({reference_line_, ""});
     if (open() == Tool::base_line) {
-        const bool needed = !previewed_ || !g_.BasePoints.empty();
-        std::vector<float> curve = needed ? BaseLineCurve() : std::vector<float>();
-        // On a row whose base line is off, the points lie where they will lie.
-        const auto off = [&](std::int32_t point) {
-            const auto at = static_cast<std::size_t>(point);
-            return previewed_ && at < curve.size() ? static_cast<double>(curve[at]) : 0.0;
-        };
+        const bool straight = g_.settings.base_line_method == 0;
+        // On a row whose base line is off, the points lie where they will lie. A drag asks at each step, so the lines
+        // between them are left to the one who draws.
         for (const BasePointEntry& e : g_.BasePoints)
-            marks.points.push_back({PointToPpm(set(), e.Point), static_cast<double>(e.Value) - off(e.Point), false});
+            if (straight)
+                marks.points.push_back({PointToPpm(set(), e.Point), previewed_ ? 0.0 : static_cast<double>(e.Value)});
         for (const std::size_t index : BasePointsOnLines())
             if (index < marks.points.size()) marks.points[index].on_line = true;
-        if (!previewed_) marks.base_line = std::move(curve);
+        if (!straight && !previewed_) marks.base_line = BaseLineCurve();
     }
     if (open() == Tool::peaks) {
         marks.levels = {{full * static_cast<double>(set().PeakThreshold), ToolAction::noise_level},
@@ -283,8 +290,10 @@ ToolMarks Tools::Marks() const
 std::string Tools::StatusText(const PlotPoint& at) const
 {
     if (NeedsIntegral(action_) && Find_Integral(set(), at.ppm) < 0) return {};
+    const auto marks = down_ ? std::vector<ToolAction>() : MarksAt(at);
+    const ToolAction meant = marks.empty() ? action_ : marks.front();
     for (const StatusRow& row : kStatus)
-        if (row.action == action_) return row.text;
+        if (row.action == meant) return row.text;
     return {};
 }
 
@@ -296,7 +305,7 @@ void Tools::MouseDown(const PlotPoint& at)
     start_ = now_ = at;
     dragged_ = -1;
     pressed_ = action_;
-    if (const ToolAction mark = MarkAt(at); mark != ToolAction::none) action_ = mark;
+    TakeMark(at);
     before_ = {g_.PivotPoint, g_.P2Point, g_.Phase0Deg, Noise_Level(set()), Detect_Level(set()), Base_Level(set())};
     integrals_before_ = set().Integrals;
     reference_index_before_ = set().IntegralRef;
@@ -329,20 +338,65 @@ void Tools::MouseMove(const PlotPoint& at)
     now_ = at;
     if (at.ppm != start_.ppm || at.height != start_.height) moved_ = true;
     if (!moved_) return;
+    ChooseMark(at);
     DragTo(at);
     Moved(ToolChange::marks);
 }
 
-ToolAction Tools::MarkAt(const PlotPoint& at) const
+bool Tools::UsesMouse() const
 {
+    return open() != Tool::none && (open() != Tool::base_line || g_.settings.base_line_method == 0);
+}
+
+std::vector<ToolAction> Tools::MarksAt(const PlotPoint& at) const
+{
+    struct Mark {
+        double away;
+        ToolAction action;
+    };
+    std::vector<Mark> near;
+    const auto add = [&](double away, double reach, ToolAction action) {
+        if (away <= reach && reach > 0) near.push_back({away, action});
+    };
     const ToolMarks marks = open() == Tool::base_line ? ToolMarks{} : Marks();
     if (open() == Tool::phase)
         for (const auto& mark : marks.verticals)
-            if (std::abs(mark.ppm - at.ppm) <= at.reach_ppm)
-                return mark.label == "P2" ? ToolAction::second : ToolAction::pivot;
-    for (const auto& level : marks.levels)
-        if (std::abs(level.height - at.height) <= at.reach_height && at.reach_height > 0) return level.action;
-    return ToolAction::none;
+            add(std::abs(mark.ppm - at.ppm), at.reach_ppm, mark.label == "P2" ? ToolAction::second : ToolAction::pivot);
+    for (const auto& level : marks.levels) add(std::abs(level.height - at.height), at.reach_height, level.action);
+    if (near.empty()) return {};
+    const double least = std::ranges::min(near, {}, &Mark::away).away;
+    const double same = kSameLine * (marks.levels.empty() ? at.reach_ppm : at.reach_height);
+    std::vector<ToolAction> found;
+    for (const ToolAction action : kUpwards)
+        for (const Mark& mark : near)
+            if (mark.action == action && mark.away <= least + same) found.push_back(action);
+    return found;
+}
+
+void Tools::TakeMark(const PlotPoint& at)
+{
+    stacked_ = MarksAt(at);
+    grip_ = 0;
+    if (stacked_.empty()) return;
+    action_ = stacked_.front();
+    if (open() != Tool::peaks) return stacked_.clear();
+    for (const auto& level : Marks().levels)
+        if (level.action == action_) grip_ = level.height - at.height;
+}
+
+/// Of levels on each other the upper one goes up and the lower one down, so that a drag always parts them.
+void Tools::ChooseMark(const PlotPoint& at)
+{
+    if (stacked_.size() < 2 || at.height == start_.height) return;
+    action_ = at.height > start_.height ? stacked_.front() : stacked_.back();
+    stacked_.clear();
+}
+
+double Tools::DraggedLevel(const PlotPoint& at) const
+{
+    const double height = (at.height + grip_) / static_cast<double>(set().par.DispLeft);
+    // The drawn line of the noise is noise plus base.
+    return action_ == ToolAction::noise_level ? height - Base_Level(set()) : height;
 }
 
 void Tools::TakeDragBack()
@@ -370,7 +424,6 @@ void Tools::TakeDragBack()
 
 void Tools::DragTo(const PlotPoint& at)
 {
-    const double full = static_cast<double>(set().par.DispLeft);
     switch (action_) {
     case ToolAction::pivot:
         return SetPivot(PpmToPoint(set(), at.ppm));
@@ -385,12 +438,9 @@ void Tools::DragTo(const PlotPoint& at)
                                start_.height));
         return;
     case ToolAction::noise_level:
-        // The drawn line is noise plus base.
-        if (full != 0.0) SetLevel(action_, at.height / full - Base_Level(set()));
-        return;
     case ToolAction::detect_level:
     case ToolAction::base_level:
-        if (full != 0.0) SetLevel(action_, at.height / full);
+        if (set().par.DispLeft != 0.0F) SetLevel(action_, DraggedLevel(at));
         return;
     case ToolAction::move_integral:
     case ToolAction::enlarge_integral:

@@ -78,8 +78,8 @@ struct ToolMarks {
     };
     std::vector<Vertical> verticals;
     std::vector<Level> levels;
-    std::vector<Point> points;                          ///< base points
-    std::vector<float> base_line;                       ///< one level a point of the row; empty for none
+    std::vector<Point> points;                          ///< base points, the line between them straight
+    std::vector<float> base_line;                       ///< a smooth one: one level a point of the row
     std::optional<std::pair<double, double>> range_ppm; ///< under the mouse while it is dragged
 };
 
@@ -104,10 +104,12 @@ public:
     ToolMarks Marks() const;
     /// Text of the status line for the place under the mouse: "Delete Integral".
     std::string StatusText(const PlotPoint& at) const;
-    /// Row selector while a tool is open.
+    /// Row selector while a tool is open. Base points stay where they are, at the level of the new row.
     void SetRow(std::int16_t row);
 
     // The left button in the plot. A press and release at one place is a click.
+    /// Whether a press does anything; a smooth base line has no points to click.
+    bool UsesMouse() const;
     void MouseDown(const PlotPoint& at);
     void MouseMove(const PlotPoint& at);
     void MouseUp(const PlotPoint& at);
@@ -127,6 +129,7 @@ public:
     void AutoPhaseRobust();
     std::optional<double> phase_quality() const { return quality_; } ///< of the last robust phase, percent
     void SetPivot(std::int32_t point);                               ///< the spectrum keeps its look
+    void SamePhaseToAllRows();                                       ///< the shown row's; one step with Fix
     void SetSecond(std::int32_t point);
 
     // Base line. Points, the average and the method of the settings make the curve.
@@ -137,12 +140,11 @@ public:
     void DeleteBasePointsOnLines();
     void SetAveragePoints(std::int32_t points);
     void SetBaseLineMethod(std::int32_t method); ///< 0 straight lines, 1 Whittaker, 2 Bernstein
+    // Bend and degree are kept in the settings, as the method is.
     void SetBaseLineBend(double percent);        ///< Whittaker: length over which the curve may bend, of the row
     void SetBaseLineDegree(std::int32_t degree); ///< Bernstein, 1 to 20
-    double base_line_bend() const { return 100 * shape_.stiffness; }
-    std::int32_t base_line_degree() const { return shape_.degree; }
-    void PreviewBaseLine();                   ///< BaseCorCommand1
-    std::vector<float> BaseLineCurve() const; ///< empty when there is none
+    void PreviewBaseLine();                      ///< BaseCorCommand1
+    std::vector<float> BaseLineCurve() const;    ///< empty when there is none
     /// Shows the row with the curve taken off, or as it was; a change of the points shows it as it was.
     void SetPreview(bool on);
     bool previewed() const { return previewed_; }
@@ -190,8 +192,13 @@ private:
     void End();
     void Changed();
     void Moved(ToolChange change);
-    /// The mark under a press is what a drag takes, whatever button is down.
-    ToolAction MarkAt(const PlotPoint& at) const;
+    /// The marks under a press, of which a drag takes one whatever button is down: the nearest, and with it those
+    /// that lie on it, the one that moves upwards first.
+    std::vector<ToolAction> MarksAt(const PlotPoint& at) const;
+    void TakeMark(const PlotPoint& at);
+    void ChooseMark(const PlotPoint& at);
+    /// Fraction of the full height that a dragged level is to have.
+    double DraggedLevel(const PlotPoint& at) const;
     DataSet& set() { return g_.Slots[0]; }
     const DataSet& set() const { return g_.Slots[0]; }
 
@@ -226,13 +233,14 @@ private:
     bool referenced_ = false, update_instrument_ = false;
     std::int32_t selected_ = -1;
     bool previewed_ = false;
-    BaseLineShape shape_;
     mutable std::optional<std::vector<std::size_t>> on_lines_; ///< found when it is asked for
 
     // A drag under way.
     bool down_ = false, moved_ = false;
     PlotPoint start_, now_;
     ToolAction pressed_ = ToolAction::none; ///< the action that comes back with the release
+    std::vector<ToolAction> stacked_;       ///< levels on each other: the way of the drag tells which is meant
+    double grip_ = 0;                       ///< height of the level above the place where it was taken hold of
     struct DragStart {
         std::int32_t pivot, second;
         float phase0;

@@ -82,15 +82,15 @@ void BaselineToolbar::AddShapes()
     groups_[1].push_back(BeginGroup());
     bend_ = AddValue("BaseLineBend", QStringLiteral("Bend over"),
                      QStringLiteral("The part of the spectrum over which the curve may bend: more is stiffer"), 56);
-    bend_->shown = [this] { return FormatNumber("##0.0#", tools_.base_line_bend()); };
+    bend_->shown = [this] { return FormatNumber("##0.0#", g_.settings.base_line_bend); };
     bend_->typed = [this](double percent) { tools_.SetBaseLineBend(percent); };
-    bend_->stepped = [this](int steps) { tools_.SetBaseLineBend(tools_.base_line_bend() + steps); };
+    bend_->stepped = [this](int steps) { tools_.SetBaseLineBend(g_.settings.base_line_bend + steps); };
     AddLabel(QStringLiteral("% of the spectrum"));
     groups_[2].push_back(BeginGroup());
     degree_ = AddValue("BaseLineDegree", QStringLiteral("Degree"), QStringLiteral("Of the polynomial, 1 to 20"), 56);
-    degree_->shown = [this] { return std::to_string(tools_.base_line_degree()); };
+    degree_->shown = [this] { return std::to_string(g_.settings.base_line_degree); };
     degree_->typed = [this](double degree) { tools_.SetBaseLineDegree(RoundHalfEven(degree)); };
-    degree_->stepped = [this](int steps) { tools_.SetBaseLineDegree(tools_.base_line_degree() + steps); };
+    degree_->stepped = [this](int steps) { tools_.SetBaseLineDegree(g_.settings.base_line_degree + steps); };
 }
 
 void BaselineToolbar::Refresh()
@@ -106,7 +106,7 @@ void BaselineToolbar::Refresh()
     delete_on_lines_->setEnabled(doubtful > 0);
     delete_on_lines_->setToolTip(doubtful == 0
                                      ? QStringLiteral("No base point seems to stand on a line")
-                                     : QStringLiteral("Deletes the %1 base points, drawn red, that seem to stand on "
+                                     : QStringLiteral("Deletes the %1 base points, drawn hollow, that seem to stand on "
                                                       "lines: they would spoil the integrals there")
                                            .arg(doubtful));
     undo_->setEnabled(!g_.PointUndo.empty());

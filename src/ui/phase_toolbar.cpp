@@ -41,6 +41,10 @@ PhaseToolbar::PhaseToolbar(Tools& tools, Session& session) :
     quality_->setToolTip(QStringLiteral("How well the robust phase fits, 0 to 100 %"));
     // Its room is kept, or the bar would jump with each press.
     quality_->setMinimumWidth(quality_->fontMetrics().horizontalAdvance(QualityText(100)));
+    all_rows_ = BeginGroup();
+    AddButton("PhaseAllRows", QStringLiteral("Same Phase to All Rows"),
+              QStringLiteral("All rows of the array take the phase of the shown one"),
+              [this] { tools_.SamePhaseToAllRows(); });
     BeginGroup();
     AddLabel(QStringLiteral("Drag"));
     AddAction(ToolAction::pivot, QStringLiteral("PP"), QStringLiteral("Click or drag moves the pivot, which stays"));
@@ -79,6 +83,7 @@ void PhaseToolbar::Refresh()
 {
     ToolPanel::Refresh();
     for (PhaseControl* order : orders_) order->Show();
+    all_rows_->setVisible(g_.Slots[0].spec.DataRe.rows() > 1);
     quality_->setText(QualityText(tools_.phase_quality()));
 }
 

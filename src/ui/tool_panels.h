@@ -82,6 +82,7 @@ private:
     void AddOrders();
 
     std::vector<PhaseControl*> orders_;
+    QWidget* all_rows_ = nullptr; ///< for arrays only
     QLabel* quality_ = nullptr;
 };
 

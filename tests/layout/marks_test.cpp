@@ -132,6 +132,14 @@ TEST(PeakLabels, OfTooManyTheTallestKeepTheirs)
     const auto labels = Labels(f.Draw());
     EXPECT_LT(labels.size(), 100U);
     EXPECT_EQ(std::ranges::count(labels, "2.222", &RecordingCanvas::TextItem::text), 1);
+    // A crowd at one place has the labels around it, and no farther than a line can be followed.
+    f.set.Peaks.clear();
+    for (int i = 0; i < 60; ++i) f.Pick(5 + i * 0.0001, i);
+    f.Pick(9, 1);
+    const auto crowd = Labels(f.Draw());
+    EXPECT_EQ(crowd.front().text, "9.000") << "low, but with room of its own";
+    EXPECT_GT(crowd.size(), 12U);
+    for (std::size_t i = 1; i < crowd.size(); ++i) EXPECT_NEAR(crowd[i].at.x, f.frame.X(5), 10 * 15);
 }
 
 // Against a plain descent on the same sum of squares.
