@@ -1,11 +1,11 @@
 // From a moved control of "FFT & Phase" to both plots repainted, as a user waits for it.
 
 #include "bench.h"
+#include "offscreen.h"
 #include "sample_block.h"
 #include "session/fft_form.h"
 #include "ui/fft_dialog.h"
 #include "ui/fft_panels.h"
-#include "ui/main_window.h"
 
 #include <QApplication>
 
@@ -49,39 +49,11 @@ std::vector<BenchRow> AtLength(std::int32_t points, double limit_ms)
     return rows;
 }
 
-/// A step of the phase tool to the whole main window repainted.
-BenchRow PhaseTool(std::int32_t points, double limit_ms)
-{
-    SampleBlock sample(points);
-    GlobalBlock& g = sample.g();
-    FftForm form(g, sample.asker());
-    if (!form.Open() || !form.SetZeroFill(1) || !form.Command3()) return {};
-    QtAsker asker;
-    Session session{g, asker, {}, {}, {}, {}};
-    NMR1D_Form1 window(session, asker);
-    window.resize(1180, 780);
-    window.show();
-    window.tools().Enter(Tool::phase);
-    QApplication::processEvents();
-    double deg = 0;
-    const double ms = BestMs(15, [&] {
-        window.tools().SetPhase0(deg += 1);
-        window.repaint(); // all of it: plot, overview, bar, menu and status line
-    });
-    return {fmt::format("{} points, phase tool of the main window", g.Slots[0].par.POINT), ms, "ms", limit_ms, {}};
-}
-
 std::vector<BenchRow> Form()
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    int argc = 1;
-    char name[] = "nmr1d-bench";
-    char* argv[] = {name, nullptr};
-    const QApplication application(argc, argv);
+    const Offscreen<QApplication> application;
     auto rows = AtLength(131072, 10);
     for (BenchRow& row : AtLength(kMaxPoints, 60)) rows.push_back(std::move(row));
-    rows.push_back(PhaseTool(131072, 4));
-    rows.push_back(PhaseTool(kMaxPoints, 20));
     return rows;
 }
 

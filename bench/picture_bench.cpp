@@ -1,6 +1,7 @@
 // A page-wide plot with its axis as a picture file of each format: processor time and size.
 
 #include "bench.h"
+#include "offscreen.h"
 
 #include "layout/spectrum_scene.h"
 #include "ui/canvas/picture_writer.h"
@@ -75,10 +76,7 @@ void Measure(std::vector<BenchRow>& rows, const std::string& name, float noise)
 
 std::vector<BenchRow> Measurements()
 {
-    static int count = 3;
-    static char name[] = "nmr1d-bench", option[] = "-platform", platform[] = "offscreen";
-    static char* arguments[] = {name, option, platform, nullptr};
-    const QGuiApplication application(count, arguments);
+    const Offscreen<QGuiApplication> application;
     std::vector<BenchRow> rows;
     Measure(rows, "A4, 65536 points", 0.003F);
     Measure(rows, "A4, 65536 points of strong noise", 0.2F);

@@ -1,6 +1,7 @@
 // Repaint of the plot into a picture in memory, with axis and background, as the window does it.
 
 #include "bench.h"
+#include "offscreen.h"
 
 #include "layout/spectrum_scene.h"
 #include "ui/canvas/qt_canvas.h"
@@ -78,10 +79,7 @@ BenchRow Repaint(const std::string& name, SpectrumScene& scene, double span_ppm,
 
 std::vector<BenchRow> Measurements()
 {
-    static int count = 3;
-    static char name[] = "nmr1d-bench", option[] = "-platform", platform[] = "offscreen";
-    static char* arguments[] = {name, option, platform, nullptr};
-    const QGuiApplication application(count, arguments);
+    const Offscreen<QGuiApplication> application;
     const auto spectrum = SpectrumRow(), noise = NoiseRow();
     std::vector<BenchRow> rows;
     MinMaxPyramid pyramid;

@@ -1,6 +1,7 @@
 // Labels of a page: formatted texts drawn into a picture in memory.
 
 #include "bench.h"
+#include "offscreen.h"
 
 #include "layout/code_text.h"
 #include "ui/canvas/qt_canvas.h"
@@ -46,10 +47,7 @@ BenchRow Row(const Case& c, double angle_deg)
 
 std::vector<BenchRow> Measurements()
 {
-    static int count = 3;
-    static char name[] = "nmr1d-bench", option[] = "-platform", platform[] = "offscreen";
-    static char* arguments[] = {name, option, platform, nullptr};
-    const QGuiApplication application(count, arguments);
+    const Offscreen<QGuiApplication> application;
     std::vector<BenchRow> rows;
     for (const Case& c : kCases)
         for (const double angle : {0.0, 30.0}) rows.push_back(Row(c, angle));

@@ -1,7 +1,9 @@
 #include "analysis/base_line.h"
 
 #include "analysis/shown_row.h"
+#include "analysis/smooth_base_line.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace nmr {
@@ -9,7 +11,8 @@ namespace nmr {
 namespace {
 
 constexpr double kFirstLimit = 1.4, kSecondLimit = 1.2;
-constexpr double kFlatRatio = 4.0;      ///< taken where the points lie on the line exactly
+constexpr double kFarOff = 5.0;    ///< noise levels between a base point and the smooth curve, when it is on a line
+constexpr double kFlatRatio = 4.0; ///< taken where the points lie on the line exactly
 constexpr std::int32_t kMostParts = 50; ///< a point is looked for in each fiftieth of the row
 
 std::span<const float> SourceRow(const GlobalBlock& g)
@@ -197,6 +200,30 @@ std::span<float> DataRow(GlobalBlock& g, std::size_t n)
 }
 
 } // namespace
+
+std::vector<std::size_t> Base_Points_On_Lines(const GlobalBlock& g)
+{
+    const auto row = SourceRow(g);
+    const auto mask = Signal_Mask(row);
+    const std::vector<float> curve = Whittaker_Base_Line(row);
+    const double limit = kFarOff * Noise_Deviation(row);
+    std::vector<std::size_t> found;
+    for (std::size_t k = 0; k < g.BasePoints.size(); ++k) {
+        const auto i = static_cast<std::size_t>(g.BasePoints[k].Point);
+        if (i >= row.size() || mask[i] == 0) continue;
+        const double off = static_cast<double>(g.BasePoints[k].Value) - static_cast<double>(curve[i]);
+        if (std::abs(off) > limit) found.push_back(k);
+    }
+    return found;
+}
+
+std::size_t Drop_Base_Points_On_Lines(GlobalBlock& g)
+{
+    const std::vector<std::size_t> found = Base_Points_On_Lines(g);
+    for (auto index = found.rbegin(); index != found.rend(); ++index)
+        g.BasePoints.erase(g.BasePoints.begin() + static_cast<std::ptrdiff_t>(*index));
+    return found.size();
+}
 
 std::vector<float> Straight_Base_Line(const GlobalBlock& g)
 {

@@ -36,6 +36,13 @@ bool Delete_Base_Point(GlobalBlock& g, std::int32_t index);
 /// Drags a base point up or down.
 bool Set_Base_Level_Of(GlobalBlock& g, std::int32_t index, float value);
 
+/// Indices of the base points that seem to stand on lines: their levels lie well outside the noise around the smooth
+/// curve, at places that carry signal. The noise test takes a slope for quiet where zero filling has made neighbours
+/// alike.
+std::vector<std::size_t> Base_Points_On_Lines(const GlobalBlock& g);
+/// Takes those out of the list; how many they were.
+std::size_t Drop_Base_Points_On_Lines(GlobalBlock& g);
+
 /// The level at each point: straight lines between the base points, constant outside. All zero without points.
 std::vector<float> Straight_Base_Line(const GlobalBlock& g);
 

@@ -3,6 +3,7 @@
 #include "analysis/shown_row.h"
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace nmr {
@@ -155,10 +156,16 @@ void Delete_All_Integrals(DataSet& set)
     set.IntegralRef = 0;
 }
 
+bool IsIntegralScale(double value)
+{
+    constexpr double kMost = static_cast<double>(std::numeric_limits<float>::max());
+    return value <= kMost && value >= static_cast<double>(std::numeric_limits<float>::min());
+}
+
 bool Set_Integral_Reference(DataSet& set, std::int32_t index, std::optional<double> value)
 {
     if (EntryOf(set, index) == nullptr) return false;
-    if (value && !(*value > 0.0 && std::isfinite(*value))) return false;
+    if (value && !IsIntegralScale(*value)) return false;
     set.IntegralRef = static_cast<std::int16_t>(index);
     if (value) set.IntegralScale = static_cast<float>(*value);
     return true;

@@ -34,6 +34,8 @@ enum class IntegralEnd { start, end };
 bool Enlarge_Integral(GlobalBlock& g, std::int32_t index, IntegralEnd which, double ppm);
 bool Delete_Integral(GlobalBlock& g, std::int32_t index);
 void Delete_All_Integrals(DataSet& set);
+/// A value that the reference may have: above 0, and finite as the float that is kept.
+bool IsIntegralScale(double value);
 /// Makes a region the reference; with a value also its listed value, which must be above 0.
 bool Set_Integral_Reference(DataSet& set, std::int32_t index, std::optional<double> value = std::nullopt);
 /// New base-line terms; false when neither differs or one is no number.

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 namespace nmr {
@@ -150,7 +151,7 @@ std::size_t TopNear(const GlobalBlock& g, double ppm, double reach_ppm, bool neg
 
 bool SetLevel(float& word, double value)
 {
-    if (!std::isfinite(value)) return false;
+    if (!(std::abs(value) <= static_cast<double>(std::numeric_limits<float>::max()))) return false;
     word = static_cast<float>(value);
     return true;
 }

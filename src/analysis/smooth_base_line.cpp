@@ -21,32 +21,6 @@ double Median(std::vector<double> values)
     return *middle;
 }
 
-/// Deviation of the noise from a straight line in the quiet quarter of many short pieces. Not from point to
-/// point: in a zero-filled spectrum neighbours follow each other.
-double NoiseOf(std::span<const float> row)
-{
-    constexpr std::size_t kPieces = 256, kShortest = 16;
-    const std::size_t length = std::max(row.size() / kPieces, std::min(row.size(), kShortest));
-    std::vector<double> deviations;
-    for (std::size_t from = 0; from + length <= row.size(); from += length) {
-        const double middle = 0.5 * static_cast<double>(length - 1), first = static_cast<double>(row[from]);
-        double sy = 0, sxy = 0, sxx = 0, syy = 0;
-        for (std::size_t i = 0; i < length; ++i) {
-            const double x = static_cast<double>(i) - middle, y = static_cast<double>(row[from + i]) - first;
-            sy += y;
-            sxy += x * y;
-            sxx += x * x;
-            syy += y * y;
-        }
-        const auto count = static_cast<double>(length);
-        const double rest = syy - sy * sy / count - (sxx > 0.0 ? sxy * sxy / sxx : 0.0);
-        deviations.push_back(std::sqrt(std::max(rest, 0.0) / count));
-    }
-    if (deviations.empty()) return 0.0;
-    std::ranges::sort(deviations);
-    return deviations[deviations.size() / 4];
-}
-
 struct Blocks {
     std::vector<double> mean, share; ///< of the points outside the mask; share of them
     std::size_t length = 1;          ///< points a block; the last one may be shorter
@@ -193,12 +167,36 @@ std::vector<double> BernsteinFit(std::span<const double> y, std::span<const doub
 
 } // namespace
 
+double Noise_Deviation(std::span<const float> row)
+{
+    constexpr std::size_t kPieces = 256, kShortest = 16;
+    const std::size_t length = std::max(row.size() / kPieces, std::min(row.size(), kShortest));
+    std::vector<double> deviations;
+    for (std::size_t from = 0; from + length <= row.size(); from += length) {
+        const double middle = 0.5 * static_cast<double>(length - 1), first = static_cast<double>(row[from]);
+        double sy = 0, sxy = 0, sxx = 0, syy = 0;
+        for (std::size_t i = 0; i < length; ++i) {
+            const double x = static_cast<double>(i) - middle, y = static_cast<double>(row[from + i]) - first;
+            sy += y;
+            sxy += x * y;
+            sxx += x * x;
+            syy += y * y;
+        }
+        const auto count = static_cast<double>(length);
+        const double rest = syy - sy * sy / count - (sxx > 0.0 ? sxy * sxy / sxx : 0.0);
+        deviations.push_back(std::sqrt(std::max(rest, 0.0) / count));
+    }
+    if (deviations.empty()) return 0.0;
+    std::ranges::sort(deviations);
+    return deviations[deviations.size() / 4];
+}
+
 std::vector<std::uint8_t> Signal_Mask(std::span<const float> row)
 {
     const std::size_t n = row.size();
     std::vector<std::uint8_t> mask(n, 0);
     if (n < kFewestPoints) return mask;
-    const double noise = NoiseOf(row);
+    const double noise = Noise_Deviation(row);
     // Coarse level of the surroundings: medians of pieces, which a few lines do not move.
     const std::size_t pieces = std::min<std::size_t>(64, n / 4), length = (n + pieces - 1) / pieces;
     std::vector<double> level;

@@ -16,6 +16,10 @@ struct BaseLineShape {
     int degree = 6;          ///< Bernstein: 1 to 20
 };
 
+/// Deviation of the noise from a straight line in the quiet quarter of many short pieces. Not from point to
+/// point: in a zero-filled spectrum neighbours follow each other.
+double Noise_Deviation(std::span<const float> row);
+
 /// 1 where a row carries signal: what stands out of the noise against its surroundings, with the feet of each line.
 /// Sources of the idea: D. E. Brown, J. Magn. Reson. A 114 (1995) 268; A. S. L. Dietrich et al., J. Magn. Reson.
 /// 91 (1991) 1 (power of the derivative as detector).

@@ -3,6 +3,7 @@
 #include "analysis/base_line.h"
 #include "analysis/integrals.h"
 #include "analysis/peak_pick.h"
+#include "analysis/robust_phase.h"
 #include "analysis/shown_row.h"
 #include "analysis/smooth_base_line.h"
 #include "cli/options.h"
@@ -14,6 +15,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cmath>
 
 namespace nmr {
 namespace {
@@ -25,16 +27,68 @@ Error Usage(std::string text)
     return Error{ErrorCode::bad_value, "nmr1d-cli", std::move(text)};
 }
 
-constexpr std::array<std::pair<std::string_view, BaseLineChoice>, 4> kBaseLines{
-    {{"off", BaseLineChoice::off},
-     {"auto", BaseLineChoice::automatic},
-     {"whittaker", BaseLineChoice::whittaker},
-     {"bernstein", BaseLineChoice::bernstein}}};
+using Kind = BaseLineChoice::Kind;
+constexpr std::array<std::pair<std::string_view, Kind>, 4> kBaseLines{
+    {{"off", Kind::off}, {"auto", Kind::automatic}, {"whittaker", Kind::whittaker}, {"bernstein", Kind::bernstein}}};
+
+/// What a method of the base line takes: numbers in a range, or on and off for a range of 0 to 1.
+struct BaseLineParameter {
+    Kind kind;
+    std::string_view key;
+    double least, most;
+    bool whole;
+    void (*set)(BaseLineChoice&, double);
+    bool is_switch() const { return most == 1; }
+};
+constexpr std::array<BaseLineParameter, 4> kBaseLineParameters{
+    {{Kind::automatic, "points", 1, 10000, true,
+      [](BaseLineChoice& c, double v) { c.points = static_cast<std::int32_t>(v); }},
+     {Kind::automatic, "lines", 0, 1, true, [](BaseLineChoice& c, double v) { c.on_lines = v != 0; }},
+     {Kind::whittaker, "bend", 0.1, 100, false, [](BaseLineChoice& c, double v) { c.shape.stiffness = v / 100; }},
+     {Kind::bernstein, "degree", 1, 20, true,
+      [](BaseLineChoice& c, double v) { c.shape.degree = static_cast<int>(v); }}}};
+
+/// No number for what does not fit.
+double BaseLineValue(const BaseLineParameter& parameter, const std::string& text)
+{
+    if (parameter.is_switch()) return text == "on" ? 1 : text == "off" ? 0 : std::nan("");
+    const double value = ParseNumber(text).value_or(std::nan(""));
+    const bool fits = value >= parameter.least && value <= parameter.most;
+    return fits && (!parameter.whole || value == std::floor(value)) ? value : std::nan("");
+}
+
+/// "points=1 to 10000 and lines=on or off".
+std::string BaseLineUsage(Kind kind)
+{
+    std::string text;
+    for (const BaseLineParameter& p : kBaseLineParameters)
+        if (p.kind == kind)
+            text +=
+                (text.empty() ? "" : " and ") + (p.is_switch() ? fmt::format("{}=on or off", p.key)
+                                                               : fmt::format("{}={} to {}", p.key, p.least, p.most));
+    return text.empty() ? "no parameter" : text;
+}
+
+bool SetBaseLineWord(BaseLineChoice& choice, const std::string& part)
+{
+    const auto equals = part.find('=');
+    if (equals == std::string::npos) return false;
+    for (const BaseLineParameter& p : kBaseLineParameters) {
+        if (p.kind != choice.kind || p.key != part.substr(0, equals)) continue;
+        const double value = BaseLineValue(p, part.substr(equals + 1));
+        if (std::isnan(value)) return false;
+        p.set(choice, value);
+        return true;
+    }
+    return false;
+}
 
 constexpr std::array<std::pair<std::string_view, std::optional<double> PeakChoice::*>, 3> kLevels{
     {{"noise", &PeakChoice::noise}, {"detect", &PeakChoice::detect}, {"base", &PeakChoice::base}}};
 constexpr std::array<std::pair<std::string_view, bool PeakChoice::*>, 2> kSwitches{
     {{"negative", &PeakChoice::negative}, {"interpolate", &PeakChoice::interpolate}}};
+
+constexpr double kNoLevel = 1e38;
 
 /// In place of a value that was not given.
 constexpr char kPlainPeaks[] = "negative=off";
@@ -42,7 +96,11 @@ constexpr char kPlainPeaks[] = "negative=off";
 bool SetPeakWord(PeakChoice& choice, std::string_view key, const std::string& value)
 {
     for (const auto& [name, member] : kLevels)
-        if (name == key) return (choice.*member = ParseNumber(value)).has_value();
+        if (name == key) {
+            choice.*member = ParseNumber(value);
+            // Levels are kept as floats.
+            return std::abs((choice.*member).value_or(kNoLevel)) < kNoLevel;
+        }
     for (const auto& [name, member] : kSwitches)
         if (name == key) {
             choice.*member = value == "on";
@@ -51,19 +109,32 @@ bool SetPeakWord(PeakChoice& choice, std::string_view key, const std::string& va
     return false;
 }
 
-void CorrectBaseLine(GlobalBlock& g, BaseLineChoice choice)
+/// A level taken from a line spoils the integrals around it, and nobody looks at the points of a batch.
+void SettleBasePoints(GlobalBlock& g, bool keep_on_lines)
+{
+    std::vector<std::string>& warnings = g.Slots[0].Warnings;
+    const std::size_t found = g.BasePoints.size();
+    const std::size_t doubtful = keep_on_lines ? Base_Points_On_Lines(g).size() : Drop_Base_Points_On_Lines(g);
+    if (doubtful > 0)
+        warnings.push_back(fmt::format("{} of {} base points seem to stand on lines{}", doubtful, found,
+                                       keep_on_lines ? "." : ": they were left out."));
+    if (g.BasePoints.empty()) warnings.emplace_back("No place for base points was found: no base line is taken.");
+}
+
+void CorrectBaseLine(GlobalBlock& g, const BaseLineChoice& choice)
 {
     DataSet& set = g.Slots[0];
-    if (choice == BaseLineChoice::off) return;
-    if (choice == BaseLineChoice::automatic) {
-        Auto_Base_Points(g, g.settings.average_point);
-        if (g.BasePoints.empty())
-            set.Warnings.emplace_back("No place for base points was found: no base line is taken.");
+    if (choice.kind == Kind::off) return;
+    if (choice.kind == Kind::automatic) {
+        Auto_Base_Points(g, choice.points.value_or(g.settings.average_point));
+        SettleBasePoints(g, choice.on_lines);
         Subtract_Straight_Base_Line(g);
     } else {
         const auto row = set.spec.SourceRe[ShownRowIndex(g, set)].first(HeldPoints(set));
-        Subtract_Base_Line(g,
-                           choice == BaseLineChoice::whittaker ? Whittaker_Base_Line(row) : Bernstein_Base_Line(row));
+        BaseLineShape shape = choice.shape;
+        shape.asymmetry = Expected_Signs(set.par) == LineSigns::alternate ? 0.0 : 1.0;
+        Subtract_Base_Line(g, choice.kind == Kind::whittaker ? Whittaker_Base_Line(row, shape)
+                                                             : Bernstein_Base_Line(row, shape));
     }
     set.spec.SourceRe = set.spec.DataRe;
     set.par.BaseLineDone = 1;
@@ -120,9 +191,10 @@ Json PeakJson(const PeakLine& line, bool interpolate)
 
 Json IntegralJson(const IntegralLine& line)
 {
+    // The sum is kept as a float: the shortest decimal that reads back as the same one.
     return {{"from_ppm", line.start_ppm},
             {"to_ppm", line.end_ppm},
-            {"value", static_cast<float>(line.sum)},
+            {"value", ShortestDouble(static_cast<float>(line.sum))},
             {"relative", line.value ? Json(*line.value) : Json(nullptr)}};
 }
 
@@ -150,6 +222,22 @@ CLI::Option* AddText(CLI::App& app, const std::string& name, Parser parse, Take 
 }
 
 } // namespace
+
+Result<BaseLineChoice> ParseBaseLine(const std::string& text)
+{
+    const auto colon = text.find(':');
+    const std::string name = text.substr(0, colon);
+    const auto row = std::ranges::find(kBaseLines, name, &std::pair<std::string_view, Kind>::first);
+    if (row == kBaseLines.end())
+        return Usage("--baseline takes auto, whittaker, bernstein or off, not \"" + name + "\"");
+    BaseLineChoice choice;
+    choice.kind = row->second;
+    if (colon == std::string::npos) return choice;
+    for (const std::string& part : Split(text.substr(colon + 1), ','))
+        if (!SetBaseLineWord(choice, part))
+            return Usage(fmt::format("--baseline {} takes {}, not \"{}\"", name, BaseLineUsage(choice.kind), part));
+    return choice;
+}
 
 Result<PeakChoice> ParsePeaks(const std::string& text)
 {
@@ -184,21 +272,19 @@ Result<std::pair<std::int32_t, double>> ParseReferenceIntegral(const std::string
     const auto equals = text.find('=');
     const auto number = ParseInteger(text.substr(0, equals));
     const auto value = equals == std::string::npos ? std::nullopt : ParseNumber(text.substr(equals + 1));
-    if (!number || !value || *number < 1 || *number > static_cast<std::int64_t>(kMaxIntegrals) || !(*value > 0))
+    if (!number || !value || *number < 1 || *number > static_cast<std::int64_t>(kMaxIntegrals) ||
+        !IsIntegralScale(*value))
         return Usage("--ref-integral takes N=V, a region from 1 and a value above 0, not \"" + text + "\"");
     return std::pair{static_cast<std::int32_t>(*number), *value};
 }
 
 void AddAnalysisOptions(CLI::App& app, AnalysisOptions& options)
 {
-    app.add_option_function<std::string>(
-           "--baseline",
-           [&](const std::string& text) {
-               for (const auto& [name, choice] : kBaseLines)
-                   if (name == text) options.base_line = choice;
-           },
-           "auto: straight lines between quiet places; whittaker or bernstein: smooth curves; off")
-        ->check(CLI::IsMember({"auto", "whittaker", "bernstein", "off"}));
+    AddText(
+        app, "--baseline", ParseBaseLine, [&](const BaseLineChoice& choice) { options.base_line = choice; },
+        "auto[:points=N,lines=off]: straight lines between quiet places, each the mean of 2N+1 points, without those "
+        "that "
+        "seem to stand on lines; whittaker[:bend=%] or bernstein[:degree=N]: smooth curves; off");
     AddText(
         app, "--peaks", ParsePeaks, [&](const PeakChoice& choice) { options.peaks = choice; },
         "picks peaks; [noise=..,detect=..,base=..] as fractions of the highest point, negative=on, interpolate=on");
@@ -208,7 +294,8 @@ void AddAnalysisOptions(CLI::App& app, AnalysisOptions& options)
     AddText(
         app, "--ref-integral", ParseReferenceIntegral,
         [&](const auto& pair) { std::tie(options.reference, options.reference_value) = pair; },
-        "N=V: region N counts V; 1=1 without it");
+        "N=V: region N counts V; 1=1 without it")
+        ->needs("--integrate");
 }
 
 std::vector<std::string> SettlePeaks(std::vector<std::string> arguments)

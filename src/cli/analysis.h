@@ -1,6 +1,7 @@
 #pragma once
 // Base line, peaks and integrals of `process`: their options, and what they add to the report.
 
+#include "analysis/smooth_base_line.h"
 #include "core/global_block.h"
 #include "core/result.h"
 
@@ -19,7 +20,13 @@ class App;
 
 namespace nmr {
 
-enum class BaseLineChoice { off, automatic, whittaker, bernstein };
+struct BaseLineChoice {
+    enum class Kind { off, automatic, whittaker, bernstein };
+    Kind kind = Kind::off;
+    std::optional<std::int32_t> points; ///< half-width of the line fit at a base point; by the settings without
+    bool on_lines = false;              ///< base points that seem to stand on lines stay
+    BaseLineShape shape;
+};
 
 struct PeakChoice {
     std::optional<double> noise, detect, base; ///< fractions of the highest point; as the data have them without
@@ -27,13 +34,15 @@ struct PeakChoice {
 };
 
 struct AnalysisOptions {
-    BaseLineChoice base_line = BaseLineChoice::off;
+    BaseLineChoice base_line;
     std::optional<PeakChoice> peaks;
     std::vector<std::pair<double, double>> regions_ppm;
     std::int32_t reference = 1; ///< region, from 1, as given
     double reference_value = 1;
 };
 
+/// "auto:points=20,lines=on": the method, after a colon the parameters it has.
+Result<BaseLineChoice> ParseBaseLine(const std::string& text);
 Result<PeakChoice> ParsePeaks(const std::string& text);
 Result<std::vector<std::pair<double, double>>> ParseRegions(const std::string& text);
 Result<std::pair<std::int32_t, double>> ParseReferenceIntegral(const std::string& text);

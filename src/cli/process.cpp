@@ -42,9 +42,9 @@ std::int32_t PowerOfTwoFactor(const ZeroFill& fill, std::int32_t raw)
     return static_cast<std::int32_t>(factor);
 }
 
-void Warn(FftForm& form, const char* text)
+void Warn(FftForm& form, std::string text)
 {
-    form.block().Slots[0].Warnings.emplace_back(text);
+    form.block().Slots[0].Warnings.push_back(std::move(text));
 }
 
 Status ApplyVendorWindow(FftForm& form)
@@ -88,6 +88,15 @@ void ApplyPhase(FftForm& form, const PhaseChoice& choice, bool shift_given)
     form.SetPhase1(choice.p1_deg);
 }
 
+/// Without them the phases of neighbouring lines have nothing to do with each other.
+Status FillMissingPoints(FftForm& form)
+{
+    if (!form.TakeMissingPoints()) return {};
+    Warn(form, fmt::format("By its files the FID lacks its first {} points: zeros stand for them.",
+                           -form.block().Slots[0].par.FIDShift));
+    return form.WindowChanged();
+}
+
 Status ApplyOptions(FftForm& form, const ProcessOptions& options)
 {
     const GlobalBlock& g = form.block();
@@ -98,7 +107,10 @@ Status ApplyOptions(FftForm& form, const ProcessOptions& options)
     }
     if (options.window)
         if (const Status status = ApplyWindow(form, *options.window); !status) return status;
-    if (options.shift) form.SetShift(*options.shift);
+    if (options.shift)
+        form.SetShift(*options.shift);
+    else if (const Status status = FillMissingPoints(form); !status)
+        return status;
     ApplyPhase(form, options.phase, options.shift.has_value());
     return {};
 }

@@ -88,7 +88,7 @@ void AppendText(std::string& text, const std::string& key, const Json& value)
     } else if (value.is_array()) {
         for (const Json& inner : value) AppendText(text, key, inner);
     } else {
-        text += fmt::format("{:<20}{}\n", key, value.is_string() ? value.get<std::string>() : value.dump());
+        text += fmt::format("{:<19} {}\n", key, value.is_string() ? value.get<std::string>() : value.dump());
     }
 }
 

@@ -157,18 +157,6 @@ struct Alias {
 };
 constexpr Alias kAliases[] = {{"FLT", "FILTR"}, {"IFR", "FREQU"}, {"INIWT", "IWT"}};
 
-template <class Block, class T>
-auto& Member(Block& block, T ParamBlock::*member)
-{
-    return block.*member;
-}
-
-template <class Block, class T, std::size_t N>
-auto& Member(Block& block, const ElementOf<T, N>& element)
-{
-    return (block.*element.member)[element.index];
-}
-
 bool Assign(std::string& target, std::string_view text)
 {
     target = text;
@@ -235,12 +223,12 @@ const ParamField* FindParam(std::string_view key)
 
 std::string ParamText(const ParamBlock& block, const ParamField& field)
 {
-    return std::visit([&](const auto& member) { return Text(Member(block, member), field.pattern); }, field.member);
+    return std::visit([&](const auto& member) { return Text(FieldOf(block, member), field.pattern); }, field.member);
 }
 
 bool SetParam(ParamBlock& block, const ParamField& field, std::string_view text)
 {
-    return std::visit([&](const auto& member) { return Assign(Member(block, member), text); }, field.member);
+    return std::visit([&](const auto& member) { return Assign(FieldOf(block, member), text); }, field.member);
 }
 
 } // namespace nmr

@@ -16,6 +16,23 @@ struct ElementOf {
     std::array<T, N> ParamBlock::*member;
     std::size_t index;
 };
+template <std::size_t N>
+constexpr ElementOf<float, N> Element(std::array<float, N> ParamBlock::*member, std::size_t index)
+{
+    return {member, index};
+}
+
+/// The field that a row of a table stands for.
+template <class Block, class T>
+auto& FieldOf(Block& par, T ParamBlock::*member)
+{
+    return par.*member;
+}
+template <class Block, class T, std::size_t N>
+auto& FieldOf(Block& par, ElementOf<T, N> element)
+{
+    return (par.*element.member)[element.index];
+}
 
 using ParamMember =
     std::variant<std::int16_t ParamBlock::*, std::int32_t ParamBlock::*, float ParamBlock::*, double ParamBlock::*,

@@ -753,6 +753,8 @@ struct Settings {
     std::int32_t ask_data_type = 0;
     std::int32_t robust_phase = 1;     ///< automatic phase of a transform: 1 the robust one, 0 the circle fit
     std::int32_t base_line_method = 0; ///< of the tool: 0 straight lines, 1 Whittaker, 2 Bernstein polynomial
+    double base_line_bend = 5;         ///< Whittaker: the part of the row over which the curve may bend, percent
+    std::int32_t base_line_degree = 6; ///< Bernstein
     std::int32_t negative_peaks = 0;   ///< 1: picking takes tops below the base line too
     std::int32_t interpolate_tops = 0; ///< 1: lists and marks show the top of a parabola beside the sample
     /// Group delay, in points, of the data that each fid_shift_... and fid_shft_... came from, in the

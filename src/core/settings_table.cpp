@@ -20,6 +20,8 @@ constexpr SettingRow kOwnRows[] = {
     settings_rows::Count("ASK DATA TYPE", &Settings::ask_data_type, 0, 1),
     settings_rows::Count("ROBUST PHASE", &Settings::robust_phase, 0, 1),
     settings_rows::Count("BASE LINE METHOD", &Settings::base_line_method, 0, 2),
+    settings_rows::Number("BASE LINE BEND", &Settings::base_line_bend, 0.1, 100),
+    settings_rows::Count("BASE LINE DEGREE", &Settings::base_line_degree, 1, 20),
     settings_rows::Count("NEGATIVE PEAKS", &Settings::negative_peaks, 0, 1),
     settings_rows::Count("INTERPOLATE TOPS", &Settings::interpolate_tops, 0, 1),
 };

@@ -50,6 +50,7 @@ constexpr UndoKindRow kKinds[] = {
     {71, "UnDo(Change View)", kUndoViews},
     {81, "UnDo(Move Multi Spec)", kUndoMulti},
     {91, "UnDo(Set Reference)", kUndoReference},
+    {105, "UnDo(Axis Label)", kUndoLabels},
     {141, "UnDo(Set Color Region)", kUndoRegions},
     {142, "UnDo(ReSet Color Region)", kUndoRegions},
     {201, "UnDo(Change Multi Specrum)", kUndoMulti},
@@ -223,7 +224,8 @@ bool UndoStack::Exchange(GlobalBlock& g, UndoStep& step)
     const bool points = (row->parts & kUndoPoints) != 0;
     if (points && !ExchangePoints(g, step)) return false;
     ExchangeParts(g, step, row->parts);
-    if ((row->parts & (kUndoGrid | kUndoArrayDisplay | kUndoMulti | kUndoDept)) != 0) g.SettingsChanged = true;
+    if ((row->parts & (kUndoGrid | kUndoArrayDisplay | kUndoMulti | kUndoDept | kUndoLabels)) != 0)
+        g.SettingsChanged = true;
     return !points || !step.DataFile.empty();
 }
 

@@ -54,6 +54,7 @@ enum class UndoKind : std::int32_t {
     change_view = 71,
     move_multi = 81,
     set_reference = 91,
+    axis_label = 105,
     set_color_region = 141,
     reset_color_region = 142,
     change_multi = 201,
@@ -67,8 +68,8 @@ enum class PointUndoKind : std::int32_t { delete_point = 1, add_point = 2, add_p
 enum UndoPart : std::uint32_t {
     kUndoPoints = 1U << 0,       ///< DataRe/DataIm by a snapshot file, and what was computed from them
     kUndoPhase = 1U << 1,        ///< phases of all rows, pivot, phase words
-    kUndoPeaks = 1U << 2,        ///< list and its settings
-    kUndoIntegrals = 1U << 3,    ///< likewise
+    kUndoPeaks = 1U << 2,        ///< the list
+    kUndoIntegrals = 1U << 3,    ///< list, reference and its value
     kUndoViews = 1U << 4,        ///< enlarged views
     kUndoRegions = 1U << 5,      ///< coloured regions
     kUndoReference = 1U << 6,    ///< axis, its parameters, shown range
@@ -79,6 +80,7 @@ enum UndoPart : std::uint32_t {
     kUndoDept = 1U << 11,        ///< factors of the DEPT calculation
     kUndoBasePoints = 1U << 12,  ///< points of the base line
     kUndoBackup = 1U << 13,      ///< slot 0 by a backup file
+    kUndoLabels = 1U << 14,      ///< labels of the axis, and those of the settings for data to come
 };
 
 struct UndoKindRow {
@@ -107,6 +109,7 @@ struct UndoExtra {
     std::array<double, 3> GroupObsCenter{}, GroupCentre{};
     std::array<std::int32_t, 4> switches{}; ///< settings of the kind
     std::array<double, 9> numbers{};        ///< likewise
+    std::array<std::string, 3> labels{};    ///< likewise
     std::int16_t DEPTMode = 0, DiffMode = 0, DiffCount = 0, ArrayMode = 0, ArrayReverse = 0;
     std::vector<BasePointEntry> BasePoints;
 };

@@ -72,10 +72,8 @@ struct Peaks {
     template <class Op>
     static void Visit(GlobalBlock& g, UndoStep& step, Op op)
     {
-        DataSet &live = LiveSet(g, step), &kept = step.Extra.set;
-        op(live.Peaks, step.OldPeaks);
-        EachOf(live, kept, op, &DataSet::PeakFlags, &DataSet::PeakThreshold, &DataSet::PeakNoise, &DataSet::PeakWidth);
-        op(live.par.PeakDigits, kept.par.PeakDigits);
+        // The list alone: levels that were moved after a picking with too many peaks are for the next one.
+        op(LiveSet(g, step).Peaks, step.OldPeaks);
     }
 };
 
@@ -127,6 +125,17 @@ struct Reference {
         op(g.LastCentre, extra.LastCentre);
         op(g.GroupObsCenter, extra.GroupObsCenter);
         op(g.GroupCentre, extra.GroupCentre);
+    }
+};
+
+struct Labels {
+    template <class Op>
+    static void Visit(GlobalBlock& g, UndoStep& step, Op op)
+    {
+        EachOf(LiveSet(g, step), step.Extra.set, op, &DataSet::XLabelPpm, &DataSet::XLabelHz, &DataSet::XLabelKHz);
+        op(g.settings.xlabel, step.Extra.labels[0]);
+        op(g.settings.xlabel_hz, step.Extra.labels[1]);
+        op(g.settings.xlabel_khz, step.Extra.labels[2]);
     }
 };
 
@@ -251,7 +260,7 @@ struct BasePointList {
 };
 
 constexpr std::uint32_t kOfTheSet = kUndoPoints | kUndoPhase | kUndoPeaks | kUndoIntegrals | kUndoViews | kUndoRegions |
-                                    kUndoReference | kUndoParameters;
+                                    kUndoReference | kUndoParameters | kUndoLabels;
 
 struct PartRow {
     std::uint32_t parts; ///< any of them
@@ -275,6 +284,7 @@ constexpr PartRow kParts[] = {
     Row<Views>(kUndoViews),
     Row<Regions>(kUndoRegions),
     Row<Reference>(kUndoReference),
+    Row<Labels>(kUndoLabels),
     Row<Parameters>(kUndoParameters),
     Row<Grid>(kUndoGrid),
     Row<ArrayDisplay>(kUndoArrayDisplay),

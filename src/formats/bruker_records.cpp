@@ -26,12 +26,6 @@ struct BrukerRecord {
     bool fid_only = false;         ///< a spectrum has it from procs
 };
 
-template <std::size_t N>
-constexpr ElementOf<float, N> Element(std::array<float, N> ParamBlock::*member, std::size_t index)
-{
-    return {member, index};
-}
-
 // Pulses are microseconds and delays seconds in the file as in the fields; RO is Hz, FW Hz, DE microseconds.
 const BrukerRecord kRecords[] = {
     {"PULPROG", &ParamBlock::PulseProg},
@@ -93,18 +87,6 @@ void Store(T& field, const BrukerParameters& acqus, const BrukerRecord& record)
     } else {
         field = value;
     }
-}
-
-/// The field a table row stands for.
-template <class T>
-T& FieldOf(ParamBlock& par, T ParamBlock::*member)
-{
-    return par.*member;
-}
-template <class T, std::size_t N>
-T& FieldOf(ParamBlock& par, ElementOf<T, N> element)
-{
-    return (par.*element.member)[element.index];
 }
 
 /// "23Na" of NUC1; what is switched off or unknown there may stand in NUCLEUS (old programs), and what

@@ -52,12 +52,6 @@ struct CmxField {
     ParamMember member;
 };
 
-template <std::size_t N>
-constexpr ElementOf<float, N> Element(std::array<float, N> ParamBlock::*member, std::size_t index)
-{
-    return {member, index};
-}
-
 constexpr double kSecondsToMicro = 1e6, kKilo = 1e3;
 // The file has seconds throughout, kHz for widths; the fields have microseconds for pulses and dead time.
 const CmxField kFields[] = {
@@ -98,17 +92,6 @@ template <class T>
 void Store(T& field, const std::string& value, double factor)
 {
     if (const auto number = ParseCmxNumber(value)) Store(field, *number, factor);
-}
-
-template <class T>
-T& FieldOf(ParamBlock& par, T ParamBlock::*member)
-{
-    return par.*member;
-}
-template <class T, std::size_t N>
-T& FieldOf(ParamBlock& par, ElementOf<T, N> element)
-{
-    return (par.*element.member)[element.index];
 }
 
 /// Frequency of a channel, MHz; 0 when it is not told.

@@ -28,12 +28,6 @@ struct DeltaField {
     ParamMember member;
 };
 
-template <std::size_t N>
-constexpr ElementOf<float, N> Element(std::array<float, N> ParamBlock::*member, std::size_t index)
-{
-    return {member, index};
-}
-
 // A later row of the same field wins where its parameter is there.
 const DeltaField kFields[] = {
     {"EXPERIMENT", 1, &ParamBlock::EXMOD},
@@ -85,17 +79,6 @@ void Store(T& field, const DeltaParameter& parameter, double factor)
         field = static_cast<T>(RoundHalfEven(value));
     else
         field = static_cast<T>(value);
-}
-
-template <class T>
-T& FieldOf(ParamBlock& par, T ParamBlock::*member)
-{
-    return par.*member;
-}
-template <class T, std::size_t N>
-T& FieldOf(ParamBlock& par, ElementOf<T, N> element)
-{
-    return (par.*element.member)[element.index];
 }
 
 bool IsObserveFrequency(double mhz)

@@ -541,7 +541,9 @@ private:
         par_.SMTMS = 0;
         par_.OBFRQ0PPM = axis->mhz0;
         if (axis->has_reference) par_.FileRefMHz = axis->mhz0;
-        par_.Resolution2 = std::copysign(par_.RESOL / par_.OBFRQ0PPM, axis->step_ppm);
+        // Of the axis itself: RESOL over OBFRQ0PPM is another one where ppm count in the observe frequency, and
+        // files that keep only the step would come back with every line shifted.
+        par_.Resolution2 = axis->step_ppm;
         for (std::size_t i = 0; i < set_.spec.XAxis.size(); ++i)
             set_.spec.XAxis[i] = axis->first_ppm + static_cast<double>(i) * axis->step_ppm;
         if (!(par_.ObsCenter > 0)) { // the middle of the axis

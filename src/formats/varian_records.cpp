@@ -26,12 +26,6 @@ struct VarianField {
     ParamMember member;
 };
 
-template <std::size_t N>
-constexpr ElementOf<float, N> Element(std::array<float, N> ParamBlock::*member, std::size_t index)
-{
-    return {member, index};
-}
-
 // Pulses and alfa are microseconds and delays seconds in the file as in the fields. A later row of the
 // same field wins where its parameter is there.
 const VarianField kFields[] = {
@@ -88,17 +82,6 @@ void Store(T& field, const VarianParameters& parameters, std::string_view name)
     } else {
         field = *number;
     }
-}
-
-template <class T>
-T& FieldOf(ParamBlock& par, T ParamBlock::*member)
-{
-    return par.*member;
-}
-template <class T, std::size_t N>
-T& FieldOf(ParamBlock& par, ElementOf<T, N> element)
-{
-    return (par.*element.member)[element.index];
 }
 
 std::string Nucleus(const VarianParameters& parameters, std::string_view name, const NuclearTable& nuclides)

@@ -30,6 +30,7 @@ struct Places {
     const PlotFrame& frame;
     double first_ppm, step_ppm;
     double X(double point) const { return frame.X(first_ppm + step_ppm * point); }
+    double Point(double x) const { return step_ppm != 0 ? (frame.Ppm(x) - first_ppm) / step_ppm : 0; }
 };
 
 /// The sum at a point of a curve that rises from the left of the display, whichever way the axis runs.
@@ -39,7 +40,7 @@ double Rise(const IntegralMark& mark, const IntegralCurves& curves, bool starts_
     return p == mark.start ? mark.total : mark.total - curves.At(mark.entry, p + 1);
 }
 
-/// Drawn from every point that can be told apart, at full data.
+/// Drawn from every point in sight that can be told apart, at full data.
 void DrawIntegral(Canvas& canvas, const Places& places, const IntegralMark& mark, const IntegralCurves& curves,
                   const IntegralPlaces& heights)
 {
@@ -47,15 +48,27 @@ void DrawIntegral(Canvas& canvas, const Places& places, const IntegralMark& mark
     const double unit = std::abs(places.X(1) - places.X(0));
     const bool starts_right = places.X(1) > places.X(0);
     const auto stride = static_cast<std::int32_t>(std::clamp(kLeastStep / std::max(unit, 1e-9), 1.0, 1e6));
+    // Of a region that is longer than what is shown, the steps out of sight are left out: there may be a million.
+    const auto [low, high] = std::minmax({places.Point(rect.x - unit), places.Point(rect.right() + unit)});
+    const double unseen = std::floor(std::clamp(mark.start - high, 0.0, double(mark.start - mark.end)) / stride);
+    const auto end = static_cast<std::int32_t>(std::clamp(std::floor(low), double(mark.end), double(mark.start)));
     std::vector<PointD> line;
-    for (std::int32_t p = mark.start;; p = std::max(p - stride, mark.end)) {
-        const double x = places.X(p);
-        const bool seen = x > rect.x - unit && x < rect.right() + unit;
-        if (seen || p == mark.start || p == mark.end)
-            line.push_back({x, heights.Y(Rise(mark, curves, starts_right, p))});
-        if (p == mark.end) break;
+    for (auto p = std::max(mark.start - static_cast<std::int32_t>(unseen) * stride, end);;
+         p = std::max(p - stride, end)) {
+        line.push_back({places.X(p), heights.Y(Rise(mark, curves, starts_right, p))});
+        if (p == end) break;
     }
     canvas.Polyline(line);
+}
+
+/// What B0 and B1 add is what lies between zero and a line through the spectrum: a sum over that line is 0.
+void DrawBaseLine(Canvas& canvas, const Places& places, const IntegralMark& mark, const IntegralMarks& integrals)
+{
+    const IntegralRamp ramp(mark.entry, static_cast<std::int32_t>(integrals.curves->size()));
+    const auto end = [&](std::int32_t p) -> PointD {
+        return {places.X(p), places.frame.Y(-(ramp.a - p * ramp.b) * integrals.full)};
+    };
+    canvas.Lines(std::vector<Segment>{{end(mark.start), end(mark.end)}});
 }
 
 /// Brackets under the axis, and the values below them.
@@ -115,6 +128,7 @@ IntegralMarks MakeIntegralMarks(const DataSet& set, std::span<const float> row, 
         if (start <= end) continue;
         integrals.marks.push_back({entry, i, start, end, integrals.curves->Total(entry), ValueText(set, i, settings)});
     }
+    integrals.full = static_cast<double>(set.par.DispLeft);
     integrals.show_base = settings.integ_base_disp != 0;
     integrals.text = text;
     integrals.curve.width = std::clamp(settings.disp_integ_width, 1.0, 20.0);
@@ -152,7 +166,7 @@ void DrawIntegralMarks(Canvas& canvas, const PlotFrame& frame, const IntegralMar
         const double left = places.X(mark.start), right = places.X(mark.end);
         if (std::max(left, right) < frame.rect.x || std::min(left, right) > frame.rect.right()) continue;
         DrawIntegral(canvas, places, mark, *marks.curves, heights);
-        if (marks.show_base) canvas.Lines(std::vector<Segment>{{{left, heights.foot}, {right, heights.foot}}});
+        if (marks.show_base) DrawBaseLine(canvas, places, mark, marks);
     }
     canvas.PopClip();
     DrawValues(canvas, places, marks, row_y);

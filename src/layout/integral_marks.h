@@ -22,7 +22,8 @@ struct IntegralMark {
 struct IntegralMarks {
     std::vector<IntegralMark> marks;
     std::shared_ptr<const IntegralCurves> curves;
-    bool show_base = false;
+    double full = 0;        ///< DispLeft, the unit of base lines and sums
+    bool show_base = false; ///< the level that each sum counts as zero, on the spectrum
     Pen curve;
     Rgba text;
     FontSpecD font;

@@ -13,6 +13,7 @@ namespace {
 constexpr double kLeader = 1.4;    // height of the slanted part of a line, in letter heights
 constexpr double kGap = 0.3;       // between label and line, and above a top, likewise
 constexpr double kRowPitch = 1.05; // of labels beside each other, likewise
+constexpr double kMostAside = 9;   // labels' pitches that a label may stand off its peak
 constexpr double kCross = 0.15;    // half of the cross on a top between the samples, likewise
 constexpr int kMostDigits = 9;
 
@@ -25,20 +26,43 @@ std::string TextOf(const DataSet& set, const PeakEntry& peak, std::size_t number
     return fmt::format("{}: {}", number, position);
 }
 
-/// Labels that fit side by side: the tallest of those in sight, in the order of the plot.
-std::vector<const PeakLabel*> Fitting(const PeakMarks& marks, const PlotFrame& frame, double pitch)
-{
-    std::vector<const PeakLabel*> seen;
-    for (const PeakLabel& label : marks.labels)
-        if (!label.text.empty() && label.ppm <= frame.left_ppm && label.ppm >= frame.right_ppm) seen.push_back(&label);
-    const auto room = static_cast<std::size_t>(std::max(1.0, std::floor(frame.rect.width / pitch)));
-    if (seen.size() > room) {
-        std::ranges::stable_sort(
-            seen, [](const PeakLabel* a, const PeakLabel* b) { return std::abs(a->top) > std::abs(b->top); });
-        seen.resize(room);
+struct PlacedLabel {
+    double wanted; ///< place of the peak
+    const PeakLabel* label;
+};
+
+/// Room for a row of labels: how near they may stand, how far off their peaks, and between which limits.
+struct LabelRoom {
+    double pitch, aside, low, high;
+    bool Holds(const std::vector<PlacedLabel>& row) const
+    {
+        double next = low;
+        for (const PlacedLabel& placed : row) {
+            const double at = std::max(next, placed.wanted - aside);
+            if (at > std::min(high, std::max(low, placed.wanted + aside))) return false;
+            next = at + pitch;
+        }
+        return true;
     }
-    std::ranges::stable_sort(seen, [](const PeakLabel* a, const PeakLabel* b) { return a->ppm > b->ppm; });
-    return seen;
+};
+
+/// Labels that fit side by side without standing so far off that their lines can't be followed: the tallest in
+/// sight first, each with its room; in the order of the plot.
+std::vector<PlacedLabel> Fitting(const PeakMarks& marks, const PlotFrame& frame, const LabelRoom& room)
+{
+    std::vector<PlacedLabel> seen, row;
+    for (const PeakLabel& label : marks.labels)
+        if (!label.text.empty() && label.ppm <= frame.left_ppm && label.ppm >= frame.right_ppm)
+            seen.push_back({frame.X(label.ppm), &label});
+    std::ranges::stable_sort(seen, std::ranges::greater{},
+                             [](const PlacedLabel& placed) { return std::abs(placed.label->top); });
+    const auto most = static_cast<std::size_t>(std::max(1.0, std::floor((room.high - room.low) / room.pitch) + 1));
+    for (const PlacedLabel& placed : seen) {
+        if (row.size() == most) break;
+        const auto at = row.insert(std::ranges::upper_bound(row, placed.wanted, {}, &PlacedLabel::wanted), placed);
+        if (!room.Holds(row)) row.erase(at);
+    }
+    return row;
 }
 
 void DrawTops(Canvas& canvas, const PlotFrame& frame, const PeakMarks& marks, double letter)
@@ -129,25 +153,26 @@ void DrawPeakMarks(Canvas& canvas, const PlotFrame& frame, const PeakMarks& mark
     const TextExtent letter = canvas.Measure("X");
     const double pitch = kRowPitch * letter.height();
     if (marks.show_tops) DrawTops(canvas, frame, marks, letter.height());
-    const auto labels = Fitting(marks, frame, pitch);
+    const LabelRoom room{pitch, kMostAside * pitch, frame.rect.x + pitch / 2,
+                         std::max(frame.rect.right() - pitch / 2, frame.rect.x + pitch / 2)};
+    const auto labels = Fitting(marks, frame, room);
     std::vector<double> wanted;
-    for (const PeakLabel* label : labels) wanted.push_back(frame.X(label->ppm));
-    const auto places =
-        SpreadApart(wanted, pitch, frame.rect.x + pitch / 2, std::max(frame.rect.right() - pitch / 2, frame.rect.x));
+    for (const PlacedLabel& placed : labels) wanted.push_back(placed.wanted);
+    const auto places = SpreadApart(wanted, pitch, room.low, room.high);
     // Below the axis everything is turned upside down.
     const double down = marks.at_bottom ? -1 : 1;
     const double text_y = row_y - down * (kLeader + kGap) * letter.height();
     std::vector<Segment> lines;
     canvas.SetPen({marks.text, 1, PenStyle::solid});
     for (std::size_t i = 0; i < labels.size(); ++i) {
-        const double peak = frame.Y(labels[i]->top) - kGap * letter.height();
+        const double peak = frame.Y(labels[i].label->top) - kGap * letter.height();
         const double foot = marks.at_bottom ? row_y : std::clamp(peak, row_y, frame.rect.bottom());
         lines.push_back({{places[i], text_y + down * kGap * letter.height()}, {wanted[i], row_y}});
         // Long lines through the plot would hide it: a short one shows the way.
         if (!marks.at_bottom)
             lines.push_back({{wanted[i], row_y}, {wanted[i], std::min(foot, row_y + 0.8 * letter.height())}});
         const double middle = places[i] + (letter.ascent - letter.descent) / 2;
-        canvas.Text({middle, text_y}, labels[i]->text, marks.at_bottom ? TextAlign::right : TextAlign::left, 90);
+        canvas.Text({middle, text_y}, labels[i].label->text, marks.at_bottom ? TextAlign::right : TextAlign::left, 90);
     }
     canvas.SetPen(marks.line);
     canvas.Lines(lines);

@@ -36,7 +36,8 @@ PeakMarks MakePeakMarks(const DataSet& set, std::span<const float> row, const Se
 double PeakRowHeight(Canvas& canvas, const PeakMarks& marks);
 
 /// Draws the marks inside the frame's shown range; `row_y` is the foot of the row of labels, or its head when
-/// it stands below. Labels never touch: where there are too many, those of the lowest peaks are left out.
+/// it stands below. Labels never touch nor stand far off: where there are too many, those of the lowest
+/// peaks are left out.
 void DrawPeakMarks(Canvas& canvas, const PlotFrame& frame, const PeakMarks& marks, double row_y);
 
 /// Positions as near as possible to the wanted ones (ascending) that keep a distance and stay inside of two

@@ -152,7 +152,9 @@ void AddMarks(SpectrumScene& scene, const DataSet& set, const Settings& settings
     };
     scene.peaks = MakePeakMarks(set, row, settings, color(settings.peak_num_col));
     scene.peaks.top = {color(settings.peak_top_col), std::clamp(settings.disp_peaktopwidt, 1.0, 20.0), PenStyle::solid};
-    scene.integrals = MakeIntegralMarks(set, row, settings, color(settings.col_integ_value), options.integrals);
+    // Their values are those of the real row, whatever is shown in its place.
+    const auto real = set.spec.DataRe[static_cast<std::size_t>(options.row)].first(row.size());
+    scene.integrals = MakeIntegralMarks(set, real, settings, color(settings.col_integ_value), options.integrals);
     scene.integrals.curve.color = color(settings.integral_col);
 }
 

@@ -101,8 +101,8 @@ std::string Escaped(std::string_view text)
 /// The face itself, then faces of the same widths that other systems have.
 std::string FamilyList(std::string_view family)
 {
-    if (family.starts_with("Liberation Sans")) return fmt::format("{},Arial,Helvetica,sans-serif", family);
-    return fmt::format("{},sans-serif", Escaped(family));
+    const bool own = family.starts_with("Liberation Sans");
+    return Escaped(family) + (own ? ",Arial,Helvetica,sans-serif" : ",sans-serif");
 }
 
 std::string Base64(std::string_view bytes)

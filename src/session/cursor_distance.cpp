@@ -22,9 +22,16 @@ double NearestTop(const DataSet& set, std::int32_t row, double ppm, double reach
     const std::int32_t a = PpmToPoint(set, ppm - reach_ppm), b = PpmToPoint(set, ppm + reach_ppm);
     const auto values = set.spec.DataRe[static_cast<std::size_t>(row)];
     const auto height = [&](std::int32_t point) { return std::abs(values[static_cast<std::size_t>(point)]); };
-    std::int32_t top = std::min(a, b);
-    for (std::int32_t point = top; point <= std::max(a, b); ++point)
-        if (height(point) > height(top)) top = point;
+    // On the flank of a taller line the edge of the reach is higher than the top that was meant.
+    const std::int32_t last = set.par.POINT - 1;
+    const auto is_top = [&](std::int32_t point) {
+        return (point == 0 || height(point) >= height(point - 1)) &&
+               (point == last || height(point) >= height(point + 1));
+    };
+    std::int32_t top = -1;
+    for (std::int32_t point = std::min(a, b); point <= std::max(a, b); ++point)
+        if (is_top(point) && (top < 0 || height(point) > height(top))) top = point;
+    if (top < 0) return ppm;
     const double found = PointToPpm(set, top);
     return std::abs(found - ppm) <= reach_ppm ? found : ppm;
 }

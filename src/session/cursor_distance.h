@@ -8,8 +8,8 @@
 
 namespace nmr {
 
-/// ppm of the farthest top (or, upside down, bottom) of a row within `reach_ppm` of a position; the position
-/// itself when no point of the row lies there.
+/// ppm of the tallest top (or, upside down, bottom) of a row within `reach_ppm` of a position; the position
+/// itself when none lies there.
 double NearestTop(const DataSet& set, std::int32_t row, double ppm, double reach_ppm);
 
 class CursorDistance {

@@ -31,6 +31,21 @@ void CopyRows(const RowArray<float>& from, RowArray<float>& to, std::int32_t poi
     for (std::size_t row = 0; row < rows; ++row) std::copy_n(from[row].begin(), count, to[row].begin());
 }
 
+/// A window that begins far below its top makes lines sharper, with wings of the other sign and hardly an area:
+/// no criterion finds their phase.
+bool Sharpens(const OffsetLine<float>& window)
+{
+    constexpr float kHead = 0.75F;
+    return !window.empty() && window[0] < kHead;
+}
+
+OffsetLine<float> FlatWindow(const OffsetLine<float>& like)
+{
+    OffsetLine<float> flat = like;
+    for (std::ptrdiff_t i = flat.first(); i <= flat.last(); ++i) flat[i] = 1.0F;
+    return flat;
+}
+
 } // namespace
 
 Status FftForm::Open()
@@ -78,7 +93,18 @@ void FftForm::PhaseAfterTransform()
 
 void FftForm::AutoRobust()
 {
+    // No window turns a phase, so that of the FID as it was measured is the one wanted.
+    const bool sharpens = Sharpens(g_.WindowCurve);
+    OffsetLine<float> other = sharpens ? FlatWindow(g_.WindowCurve) : OffsetLine<float>(0);
+    if (sharpens) {
+        std::swap(g_.WindowCurve, other);
+        FFT_Preview(g_, g_.Slots[0].par.FIDShift);
+    }
     quality_ = Auto_Phase_Robust(g_, points(), known_phase1());
+    if (!sharpens) return;
+    std::swap(g_.WindowCurve, other);
+    FFT_Preview(g_, g_.Slots[0].par.FIDShift);
+    Phase_Apply(g_, g_.Phase0Deg, g_.Phase1Deg, points());
 }
 
 void FftForm::RotateShownRow()

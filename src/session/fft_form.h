@@ -53,6 +53,8 @@ public:
     bool TakeVendorSize();
     bool TakeVendorWindow();
     bool TakeVendorShift();
+    /// The shift alone, where the head of the FID lacks more points than any phase could make up for.
+    bool TakeMissingPoints();
     bool TakeVendorPhase(); ///< for the present shift; automatic phasing is off from then on
     /// Whether Open takes them, and whether this FID has any.
     bool vendor_start() const { return g_.settings.vendor_start == 1; }

@@ -123,6 +123,13 @@ bool FftForm::TakeVendorShift()
     return true;
 }
 
+bool FftForm::TakeMissingPoints()
+{
+    const auto& phase = g_.Slots[0].vendor.phase;
+    const bool missing = phase && WholeShift(*phase) < 0 && std::abs(Phase1At(*phase, 0)) > kLargestPhase1;
+    return missing && TakeVendorShift();
+}
+
 bool FftForm::TakeVendorPhase()
 {
     const auto& phase = g_.Slots[0].vendor.phase;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace nmr {
 namespace {
@@ -78,6 +79,10 @@ void m44_Click(Session& s)
         if (index == forms::kPresentRow && own) rows.push_back(*own);
         if (index >= 1 && index <= g.Instruments.size()) rows.push_back(g.Instruments[index - 1]);
     }
+    const auto line = [](const InstrumentRow& r) {
+        return std::tie(r.instrument, r.probe, r.nucleus, r.frequency, r.ppm0, r.date);
+    };
+    if (std::ranges::equal(rows, g.Instruments, {}, line, line)) return; // nothing for the exit to ask about
     g.Instruments = std::move(rows);
     g.InstrumentsChanged = true;
 }

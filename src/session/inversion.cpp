@@ -65,7 +65,17 @@ void MirrorIntegrals(DataSet& set, double sum_ppm)
         integral.End = mirrored(old.Start);
         integral.StartPoint = set.par.POINT - 1 - old.EndPoint;
         integral.EndPoint = set.par.POINT - 1 - old.StartPoint;
+        // The same base line, told from its other end.
+        const double points = static_cast<double>(old.StartPoint) - old.EndPoint;
+        integral.B0 = static_cast<float>(static_cast<double>(old.B0) +
+                                         static_cast<double>(old.B1) * points / std::max(set.par.POINT, 1));
+        integral.B1 = -old.B1;
     }
+    // In order of the point index again, with the reference at its region.
+    std::ranges::reverse(set.Integrals);
+    const auto count = static_cast<std::int32_t>(set.Integrals.size());
+    if (set.IntegralRef >= 0 && set.IntegralRef < count)
+        set.IntegralRef = static_cast<std::int16_t>(count - 1 - set.IntegralRef);
 }
 
 void MirrorRegions(DataSet& set, double about)
@@ -97,7 +107,7 @@ Status Invert_Spectrum(GlobalBlock& g)
     MirrorPeaks(set, sum);
     MirrorIntegrals(set, sum);
     MirrorRegions(set, about);
-    Calc_All_Integrals(g); // a ramp begins at the other end
+    Calc_All_Integrals(g);
     set.par.DataChanged = 1;
     set.par.DataFromFile = 0;
     static_cast<void>(g.Undo.Commit(g, std::move(step))); // without a step the inversion stands all the same

@@ -193,6 +193,9 @@ Status Save_Ver4(Session& s, const std::string& path, std::int16_t slot)
         return Tell(s.asker, written.error());
     }
     RememberSaved(s, file, slot);
+    const auto ramp = [](const IntegralEntry& entry) { return entry.B1 != 0; };
+    if (std::ranges::any_of(set.Integrals, ramp))
+        s.asker.Notice("Files keep no B1 of integrals: read again, those with one will have other values.");
     return {};
 }
 

@@ -52,9 +52,11 @@ void Edit_Axis_Label(Session& s)
                                 {forms::kFontBold, forms::Switch(settings.disp_axfont_bold != 0)},
                                 {forms::kFontItalic, forms::Switch(settings.disp_axfont_italic != 0)}});
     if (!edited || *edited == label) return;
+    PushUndoStep(s.g, UndoKind::axis_label);
     label = *edited;
     s.g.settings.*row.setting = *edited;
     s.g.Slots[0].par.DataChanged = 1;
+    s.g.Slots[0].par.DataFromFile = 0;
     s.g.SettingsChanged = true;
     if (s.display_changed) s.display_changed();
 }

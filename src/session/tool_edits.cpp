@@ -9,6 +9,7 @@
 #include "core/undo_parts.h"
 #include "session/color_regions.h"
 #include "session/cursor_distance.h"
+#include "session/display_scope.h"
 #include "session/instrument_table.h"
 #include "session/tools.h"
 
@@ -23,6 +24,14 @@ void MarkChanged(DataSet& set)
 {
     set.par.DataChanged = 1;
     set.par.DataFromFile = 0;
+}
+
+/// Whether a set differs from its file. Lists may be edited while a tool is open, so a step or state of its
+/// entry knows less of that than the set does when it ends.
+void CopyFlags(const DataSet& from, DataSet& to)
+{
+    to.par.DataChanged = from.par.DataChanged;
+    to.par.DataFromFile = from.par.DataFromFile;
 }
 
 /// What the list kinds keep of a set.
@@ -56,11 +65,18 @@ bool EraseEach(std::vector<std::size_t> indices, Erase erase)
     return any;
 }
 
+/// A phase and a turn as one phase from -180 to 180 degrees.
+float Turned(float deg, double by_deg)
+{
+    return static_cast<float>(std::remainder(static_cast<double>(deg) + by_deg, 360.0));
+}
+
 } // namespace
 
 template <class Edit>
 bool Tools::EditLists(UndoKind kind, Edit edit)
 {
+    StopDrag(); // an edit by key under a drag; the end of a drag is none any more
     Lists lists(set());
     if (!edit()) return false;
     lists.Swap(set()); // the step keeps what stood before
@@ -74,12 +90,14 @@ bool Tools::EditLists(UndoKind kind, Edit edit)
 template <class Edit>
 bool Tools::EditBasePoints(PointUndoKind kind, Edit edit)
 {
+    StopDrag();
     std::vector<BasePointEntry> before = g_.BasePoints;
     if (!edit()) return false;
     SetPreview(false);
     std::swap(before, g_.BasePoints);
     PushPointUndoStep(g_, kind);
     std::swap(before, g_.BasePoints);
+    on_lines_.reset();
     Changed();
     return true;
 }
@@ -93,11 +111,8 @@ void Tools::Click(const PlotPoint& at)
         return SetPivot(point);
     case ToolAction::second:
         return SetSecond(point);
-    case ToolAction::pick_reference: {
-        reference_line_ = NearestTop(set(), g_.CurrentRow, at.ppm, at.reach_ppm);
-        referenced_ = true;
-        return;
-    }
+    case ToolAction::pick_reference:
+        return PickReference(at);
     case ToolAction::add_base_point:
         EditBasePoints(PointUndoKind::add_point, [&] { return Add_Base_Point(g_, point, average) >= 0; });
         return;
@@ -133,6 +148,18 @@ void Tools::Click(const PlotPoint& at)
     default:
         return;
     }
+}
+
+void Tools::PickReference(const PlotPoint& at)
+{
+    reference_line_ = NearestTop(set(), g_.CurrentRow, at.ppm, at.reach_ppm);
+    referenced_ = true;
+    const std::vector<std::uint8_t> signal =
+        Signal_Mask(set().spec.DataRe[ShownRowIndex(g_, set())].first(HeldPoints(set())));
+    const auto [first, last] =
+        std::minmax({PpmToPoint(set(), at.ppm - at.reach_ppm), PpmToPoint(set(), at.ppm + at.reach_ppm)});
+    reference_in_noise_ =
+        std::none_of(signal.begin() + first, signal.begin() + last + 1, [](auto s) { return s != 0; });
 }
 
 void Tools::DragEnd(const PlotPoint& at)
@@ -173,9 +200,12 @@ void Tools::DragEnd(const PlotPoint& at)
         });
         return;
     }
-    case ToolAction::add_region:
-        if (SetColorRegion(g_, start_.ppm, at.ppm, g_.settings.def_region_color)) Changed();
+    case ToolAction::add_region: {
+        const ShownRange axis = AxisEnds(set()); // the plot may show more than there is
+        const auto inside = [&](double ppm) { return std::clamp(ppm, axis.right, axis.left); };
+        if (SetColorRegion(g_, inside(start_.ppm), inside(at.ppm), g_.settings.def_region_color)) Changed();
         return;
+    }
     default:
         // What works by clicks takes a shaky one too.
         if (action_ != ToolAction::pivot && action_ != ToolAction::second && action_ < ToolAction::noise_level)
@@ -200,6 +230,11 @@ double Tools::phase1() const
 void Tools::TakePhases()
 {
     const std::size_t row = ShownRowIndex(g_, set());
+    // The pivot is one for all rows, and the phases of the others must go on saying how those are turned.
+    const std::int32_t before = std::exchange(pivot_of_rows_, g_.PivotPoint);
+    const double moved = static_cast<double>(g_.PivotPoint - before) / std::max(set().par.POINT, 1);
+    for (std::size_t i = 0; i < g_.RowPhase0.size() && moved != 0; ++i)
+        g_.RowPhase0[i] = Turned(g_.RowPhase0[i], moved * static_cast<double>(g_.RowPhase1[i]));
     if (row < g_.RowPhase0.size()) g_.RowPhase0[row] = g_.Phase0Deg;
     if (row < g_.RowPhase1.size()) g_.RowPhase1[row] = g_.Phase1Deg;
     Moved(ToolChange::points);
@@ -217,6 +252,11 @@ void Tools::SetPhase0(double deg)
     if (open() != Tool::phase || !std::isfinite(deg)) return;
     g_.Phase0Deg = static_cast<float>(std::clamp(deg, -kPhase0Limit, kPhase0Limit));
     RotateRow();
+}
+
+void Tools::TurnPhase0(double by_deg)
+{
+    if (std::isfinite(by_deg)) SetPhase0(static_cast<double>(Turned(g_.Phase0Deg, by_deg)));
 }
 
 void Tools::SetPhase1(double deg)
@@ -266,8 +306,22 @@ void Tools::SetPivot(std::int32_t point)
     const std::int32_t moved = std::clamp(point, 0, n - 1);
     const double turn = static_cast<double>(moved - g_.PivotPoint) * static_cast<double>(g_.Phase1Deg) / n;
     g_.PivotPoint = moved;
-    g_.Phase0Deg = static_cast<float>(std::remainder(static_cast<double>(g_.Phase0Deg) + turn, 360.0));
+    g_.Phase0Deg = Turned(g_.Phase0Deg, turn);
     RotateRow();
+}
+
+void Tools::SamePhaseToAllRows()
+{
+    if (open() != Tool::phase) return;
+    const std::int16_t shown = g_.CurrentRow;
+    for (std::size_t row = 0; row < set().spec.DataRe.rows(); ++row) {
+        g_.CurrentRow = static_cast<std::int16_t>(row);
+        Phase_Apply(g_, g_.Phase0Deg, g_.Phase1Deg, set().par.POINT);
+    }
+    g_.CurrentRow = shown;
+    std::ranges::fill(g_.RowPhase0, g_.Phase0Deg);
+    std::ranges::fill(g_.RowPhase1, g_.Phase1Deg);
+    Changed();
 }
 
 void Tools::SetSecond(std::int32_t point)
@@ -279,16 +333,16 @@ void Tools::SetSecond(std::int32_t point)
 
 void Tools::FixPhase()
 {
-    // The next session starts from the rotated rows: Cancel must not undo this one.
-    CopyDataToSource(set());
     const auto none = [](const std::vector<float>& v) {
         return std::ranges::all_of(v, [](float x) { return x == 0; });
     };
-    const bool turned = !none(g_.RowPhase0) || !none(g_.RowPhase1);
+    if (none(g_.RowPhase0) && none(g_.RowPhase1)) return CancelPhase();
+    // The next session starts from the rotated rows: Cancel must not undo this one.
+    CopyDataToSource(set());
     std::ranges::fill(g_.RowPhase0, 0.0F);
     std::ranges::fill(g_.RowPhase1, 0.0F);
     g_.Phase0Deg = g_.Phase1Deg = 0.0F;
-    if (!turned) return;
+    CopyFlags(set(), points_before_.Extra.set);
     MarkChanged(set());
     Calc_All_Integrals(g_);
     g_.Undo.Commit(g_, std::exchange(points_before_, {}));
@@ -301,6 +355,8 @@ void Tools::CancelPhase()
     std::ranges::fill(g_.RowPhase0, 0.0F);
     std::ranges::fill(g_.RowPhase1, 0.0F);
     g_.Phase0Deg = g_.Phase1Deg = 0.0F;
+    set().par.PhaseP0 = points_before_.Extra.set.par.PhaseP0; // an automatic phase has looked for the strongest line
+    Calc_All_Integrals(g_);                                   // lists may have been edited over the turned points
 }
 
 // Base line.
@@ -324,6 +380,18 @@ void Tools::DeleteAllBasePoints()
     });
 }
 
+const std::vector<std::size_t>& Tools::BasePointsOnLines() const
+{
+    if (!on_lines_) on_lines_ = g_.BasePoints.empty() ? std::vector<std::size_t>() : Base_Points_On_Lines(g_);
+    return *on_lines_;
+}
+
+void Tools::DeleteBasePointsOnLines()
+{
+    if (open() != Tool::base_line) return;
+    EditBasePoints(PointUndoKind::delete_point, [&] { return Drop_Base_Points_On_Lines(g_) > 0; });
+}
+
 void Tools::SetAveragePoints(std::int32_t points)
 {
     g_.settings.average_point = std::clamp(points, 0, 10000);
@@ -342,14 +410,16 @@ void Tools::SetBaseLineBend(double percent)
 {
     if (!std::isfinite(percent)) return;
     SetPreview(false);
-    shape_.stiffness = std::clamp(percent, 0.1, 100.0) / 100;
+    g_.settings.base_line_bend = std::clamp(percent, 0.1, 100.0);
+    g_.SettingsChanged = true;
     Changed();
 }
 
 void Tools::SetBaseLineDegree(std::int32_t degree)
 {
     SetPreview(false);
-    shape_.degree = std::clamp(degree, 1, 20);
+    g_.settings.base_line_degree = std::clamp(degree, 1, 20);
+    g_.SettingsChanged = true;
     Changed();
 }
 
@@ -359,8 +429,9 @@ std::vector<float> Tools::BaseLineCurve() const
     const std::size_t row = ShownRowIndex(g_, data), n = HeldPoints(data);
     if (open() != Tool::base_line || row >= data.spec.SourceRe.rows()) return {};
     const auto source = data.spec.SourceRe[row].first(n);
-    BaseLineShape shape = shape_;
-    shape.asymmetry = Expected_Signs(data.par) == LineSigns::alternate ? 0.0 : 1.0;
+    const BaseLineShape shape{.stiffness = g_.settings.base_line_bend / 100,
+                              .asymmetry = Expected_Signs(data.par) == LineSigns::alternate ? 0.0 : 1.0,
+                              .degree = g_.settings.base_line_degree};
     if (g_.settings.base_line_method == 1) return Whittaker_Base_Line(source, shape);
     if (g_.settings.base_line_method == 2) return Bernstein_Base_Line(source, shape);
     return g_.BasePoints.empty() ? std::vector<float>() : Straight_Base_Line(g_);
@@ -372,6 +443,7 @@ void Tools::SetPreview(bool on)
     if (open() != Tool::base_line || !std::exchange(previewed_, false)) return;
     const std::size_t row = ShownRowIndex(g_, set());
     std::ranges::copy(set().spec.SourceRe[row], set().spec.DataRe[row].begin());
+    Calc_All_Integrals(g_);
     Changed();
 }
 
@@ -384,6 +456,7 @@ void Tools::PreviewBaseLine()
         Subtract_Straight_Base_Line(g_);
     else
         Subtract_Base_Line(g_, curve);
+    Calc_All_Integrals(g_);
     Changed();
 }
 
@@ -394,12 +467,13 @@ void Tools::FixBaseLine()
     previewed_ = false;
     const std::size_t row = ShownRowIndex(g_, set());
     std::ranges::copy(set().spec.DataRe[row], set().spec.SourceRe[row].begin());
+    CopyFlags(set(), points_before_.Extra.set);
     MarkChanged(set());
-    Calc_All_Integrals(g_);
     g_.Undo.Commit(g_, std::exchange(points_before_, {}));
     set().par.BaseLineDone = 1;
     g_.BasePoints.clear();
     g_.PointUndo.Empty();
+    on_lines_.reset();
 }
 
 void Tools::CancelBaseLine()
@@ -409,12 +483,15 @@ void Tools::CancelBaseLine()
     std::ranges::copy(set().spec.SourceIm[row], set().spec.DataIm[row].begin());
     g_.BasePoints.clear();
     g_.PointUndo.Empty();
+    on_lines_.reset();
     previewed_ = false;
+    Calc_All_Integrals(g_);
 }
 
 bool Tools::UndoBasePoint()
 {
     const bool done = open() == Tool::base_line && g_.PointUndo.UnDo(g_);
+    on_lines_.reset();
     if (done) SetPreview(false);
     if (done) Changed();
     return done;
@@ -423,6 +500,7 @@ bool Tools::UndoBasePoint()
 bool Tools::RedoBasePoint()
 {
     const bool done = open() == Tool::base_line && g_.PointUndo.ReDo(g_);
+    on_lines_.reset();
     if (done) SetPreview(false);
     if (done) Changed();
     return done;
@@ -517,7 +595,7 @@ void Tools::MakeReference(std::int32_t index)
 
 bool Tools::SetIntegralScale(double value)
 {
-    if (!(value > 0.0) || !std::isfinite(value)) return false;
+    if (!IsIntegralScale(value)) return false;
     if (static_cast<float>(value) == set().IntegralScale) return true;
     return EditLists(UndoKind::set_integral_reference, [&] {
         set().IntegralScale = static_cast<float>(value);
@@ -551,6 +629,7 @@ bool Tools::SetB1(double value)
 
 bool Tools::PressB0B1()
 {
+    StopDrag();
     if (Selected(set(), selected_) == nullptr) return false;
     PushUndoStep(g_, UndoKind::change_b0_b1);
     MarkChanged(set());
@@ -586,9 +665,9 @@ bool Tools::SetReference(double line_ppm, double shift_ppm)
 
 void Tools::FixReference()
 {
-    const auto& kept = reference_before_.Extra.set.spec.XAxis;
-    if (kept == set().spec.XAxis) return;
+    if (!ReferenceMoved()) return;
     // The step is made of what stood before.
+    CopyFlags(set(), reference_before_.Extra.set);
     ExchangeParts(g_, reference_before_, kUndoReference);
     PushUndoStep(g_, UndoKind::set_reference);
     ExchangeParts(g_, reference_before_, kUndoReference);
@@ -596,8 +675,16 @@ void Tools::FixReference()
     if (update_instrument_) StoreInstrument(g_);
 }
 
+bool Tools::ReferenceMoved() const
+{
+    return reference_before_.Extra.set.spec.XAxis != set().spec.XAxis;
+}
+
 void Tools::CancelReference()
 {
+    // Where the axis still stands, a zoom since the entry stays.
+    if (!ReferenceMoved()) return;
+    CopyFlags(set(), reference_before_.Extra.set);
     ExchangeParts(g_, reference_before_, kUndoReference);
 }
 

@@ -57,6 +57,20 @@ ToolAction FirstAction(Tool tool)
     return ToolAction::none;
 }
 
+/// The tool whose bar has the button of an action; they stand in the order of the bars.
+Tool ToolOf(ToolAction action)
+{
+    constexpr std::pair<ToolAction, Tool> kLast[] = {{ToolAction::none, Tool::none},
+                                                     {ToolAction::second, Tool::phase},
+                                                     {ToolAction::pick_reference, Tool::reference},
+                                                     {ToolAction::move_base_point, Tool::base_line},
+                                                     {ToolAction::base_level, Tool::peaks},
+                                                     {ToolAction::reference_integral, Tool::integrals},
+                                                     {ToolAction::delete_region, Tool::regions}};
+    const auto row = std::ranges::find_if(kLast, [&](const auto& last) { return action <= last.first; });
+    return row == std::end(kLast) ? Tool::none : row->second;
+}
+
 struct StatusRow {
     ToolAction action;
     const char* text;
@@ -67,6 +81,11 @@ constexpr StatusRow kStatus[] = {
     {ToolAction::reference_integral, "Set Ref Value Here"}, {ToolAction::detect_level, "Move Threshold Level"},
     {ToolAction::noise_level, "Move Noise Level"},          {ToolAction::base_level, "Move Base Level"},
 };
+
+// Of levels that lie on each other the first goes up and the last goes down; the base takes the noise along.
+constexpr ToolAction kUpwards[] = {ToolAction::detect_level, ToolAction::noise_level, ToolAction::base_level,
+                                   ToolAction::pivot, ToolAction::second};
+constexpr double kSameLine = 1.0 / 6; // of the reach: levels nearer to each other than this are one line to the eye
 
 bool NeedsIntegral(ToolAction action)
 {
@@ -126,10 +145,12 @@ void Tools::Start(Tool tool)
         float top = 0;
         Find_Main_Peak(g_, g_.PivotPoint, top, set().par.POINT);
         g_.P2Point = -1;
+        pivot_of_rows_ = g_.PivotPoint;
     }
     if (tool == Tool::base_line) {
         g_.BasePoints.clear();
         g_.PointUndo.Empty();
+        on_lines_.reset();
         previewed_ = false;
     }
     // What is coloured is to be seen.
@@ -157,6 +178,7 @@ bool Tools::Close()
         Fix();
         return true;
     case Button::no:
+        StopDrag(); // which alone would be what Cancel takes back
         Cancel();
         return true;
     default:
@@ -184,17 +206,19 @@ void Tools::Fix()
     End();
 }
 
+bool Tools::StopDrag()
+{
+    if (open() == Tool::none || !down_) return false;
+    TakeDragBack();
+    down_ = false;
+    action_ = pressed_;
+    Changed();
+    return true;
+}
+
 void Tools::Cancel()
 {
-    if (open() == Tool::none) return;
-    if (down_) {
-        // Esc during a drag takes back the drag alone.
-        TakeDragBack();
-        down_ = false;
-        action_ = pressed_;
-        Changed();
-        return;
-    }
+    if (open() == Tool::none || StopDrag()) return; // Esc during a drag takes back the drag alone
     if (open() == Tool::phase) CancelPhase();
     if (open() == Tool::base_line) CancelBaseLine();
     if (open() == Tool::reference) CancelReference();
@@ -203,7 +227,7 @@ void Tools::Cancel()
 
 void Tools::SetAction(ToolAction action)
 {
-    if (open() == Tool::none || down_) return;
+    if (open() == Tool::none || down_ || ToolOf(action) != open()) return;
     const std::size_t count = set().Integrals.size();
     if (action == ToolAction::add_integral && count >= kMaxIntegrals) return;
     if (action == ToolAction::divide_integral && (count < 1 || count >= kMaxIntegrals)) return;
@@ -213,9 +237,15 @@ void Tools::SetAction(ToolAction action)
 
 void Tools::SetRow(std::int16_t row)
 {
-    if (open() == Tool::base_line) CancelBaseLine(); // a preview stays with its row
+    StopDrag(); // a drag belongs to its row
+    std::vector<BasePointEntry> base_points;
+    if (open() == Tool::base_line) {
+        base_points = g_.BasePoints;
+        CancelBaseLine(); // a preview stays with its row
+    }
     const auto last = static_cast<std::int32_t>(set().spec.DataRe.rows()) - 1;
     g_.CurrentRow = static_cast<std::int16_t>(std::clamp<std::int32_t>(row, 0, std::max(last, 0)));
+    for (const BasePointEntry& point : base_points) Add_Base_Point(g_, point.Point, g_.settings.average_point);
     if (open() == Tool::phase) {
         const std::size_t shown = ShownRowIndex(g_, set());
         g_.Phase0Deg = shown < g_.RowPhase0.size() ? g_.RowPhase0[shown] : 0.0F;
@@ -236,15 +266,16 @@ ToolMarks Tools::Marks() const
     }
     if (open() == Tool::reference && referenced_) marks.verticals.push_back({reference_line_, ""});
     if (open() == Tool::base_line) {
-        std::vector<float> curve = BaseLineCurve();
-        // On a row whose base line is off, the points lie where they will lie.
-        const auto off = [&](std::int32_t point) {
-            const auto at = static_cast<std::size_t>(point);
-            return previewed_ && at < curve.size() ? static_cast<double>(curve[at]) : 0.0;
-        };
+        const bool straight = g_.settings.base_line_method == 0;
+        // On a row whose base line is off, the points lie where they will lie. A drag asks at each step, so the lines
+        // between them are left to the one who draws.
         for (const BasePointEntry& e : g_.BasePoints)
-            marks.points.push_back({PointToPpm(set(), e.Point), static_cast<double>(e.Value) - off(e.Point)});
-        if (!previewed_) marks.base_line = std::move(curve);
+            if (straight)
+                marks.points.push_back({PointToPpm(set(), e.Point), previewed_ ? 0.0 : static_cast<double>(e.Value)});
+        if (straight)
+            for (const std::size_t index : BasePointsOnLines())
+                if (index < marks.points.size()) marks.points[index].on_line = true;
+        if (!straight && !previewed_) marks.base_line = BaseLineCurve();
     }
     if (open() == Tool::peaks) {
         marks.levels = {{full * static_cast<double>(set().PeakThreshold), ToolAction::noise_level},
@@ -260,8 +291,10 @@ ToolMarks Tools::Marks() const
 std::string Tools::StatusText(const PlotPoint& at) const
 {
     if (NeedsIntegral(action_) && Find_Integral(set(), at.ppm) < 0) return {};
+    const auto marks = down_ ? std::vector<ToolAction>() : MarksAt(at);
+    const ToolAction meant = marks.empty() ? action_ : marks.front();
     for (const StatusRow& row : kStatus)
-        if (row.action == action_) return row.text;
+        if (row.action == meant) return row.text;
     return {};
 }
 
@@ -273,7 +306,7 @@ void Tools::MouseDown(const PlotPoint& at)
     start_ = now_ = at;
     dragged_ = -1;
     pressed_ = action_;
-    if (const ToolAction mark = MarkAt(at); mark != ToolAction::none) action_ = mark;
+    TakeMark(at);
     before_ = {g_.PivotPoint, g_.P2Point, g_.Phase0Deg, Noise_Level(set()), Detect_Level(set()), Base_Level(set())};
     integrals_before_ = set().Integrals;
     reference_index_before_ = set().IntegralRef;
@@ -306,20 +339,65 @@ void Tools::MouseMove(const PlotPoint& at)
     now_ = at;
     if (at.ppm != start_.ppm || at.height != start_.height) moved_ = true;
     if (!moved_) return;
+    ChooseMark(at);
     DragTo(at);
     Moved(ToolChange::marks);
 }
 
-ToolAction Tools::MarkAt(const PlotPoint& at) const
+bool Tools::UsesMouse() const
 {
+    return open() != Tool::none && (open() != Tool::base_line || g_.settings.base_line_method == 0);
+}
+
+std::vector<ToolAction> Tools::MarksAt(const PlotPoint& at) const
+{
+    struct Mark {
+        double away;
+        ToolAction action;
+    };
+    std::vector<Mark> near;
+    const auto add = [&](double away, double reach, ToolAction action) {
+        if (away <= reach && reach > 0) near.push_back({away, action});
+    };
     const ToolMarks marks = open() == Tool::base_line ? ToolMarks{} : Marks();
     if (open() == Tool::phase)
         for (const auto& mark : marks.verticals)
-            if (std::abs(mark.ppm - at.ppm) <= at.reach_ppm)
-                return mark.label == "P2" ? ToolAction::second : ToolAction::pivot;
-    for (const auto& level : marks.levels)
-        if (std::abs(level.height - at.height) <= at.reach_height && at.reach_height > 0) return level.action;
-    return ToolAction::none;
+            add(std::abs(mark.ppm - at.ppm), at.reach_ppm, mark.label == "P2" ? ToolAction::second : ToolAction::pivot);
+    for (const auto& level : marks.levels) add(std::abs(level.height - at.height), at.reach_height, level.action);
+    if (near.empty()) return {};
+    const double least = std::ranges::min(near, {}, &Mark::away).away;
+    const double same = kSameLine * (marks.levels.empty() ? at.reach_ppm : at.reach_height);
+    std::vector<ToolAction> found;
+    for (const ToolAction action : kUpwards)
+        for (const Mark& mark : near)
+            if (mark.action == action && mark.away <= least + same) found.push_back(action);
+    return found;
+}
+
+void Tools::TakeMark(const PlotPoint& at)
+{
+    stacked_ = MarksAt(at);
+    grip_ = 0;
+    if (stacked_.empty()) return;
+    action_ = stacked_.front();
+    if (open() != Tool::peaks) return stacked_.clear();
+    for (const auto& level : Marks().levels)
+        if (level.action == action_) grip_ = level.height - at.height;
+}
+
+/// Of levels on each other the upper one goes up and the lower one down, so that a drag always parts them.
+void Tools::ChooseMark(const PlotPoint& at)
+{
+    if (stacked_.size() < 2 || at.height == start_.height) return;
+    action_ = at.height > start_.height ? stacked_.front() : stacked_.back();
+    stacked_.clear();
+}
+
+double Tools::DraggedLevel(const PlotPoint& at) const
+{
+    const double height = (at.height + grip_) / static_cast<double>(set().par.DispLeft);
+    // The drawn line of the noise is noise plus base.
+    return action_ == ToolAction::noise_level ? height - Base_Level(set()) : height;
 }
 
 void Tools::TakeDragBack()
@@ -347,7 +425,6 @@ void Tools::TakeDragBack()
 
 void Tools::DragTo(const PlotPoint& at)
 {
-    const double full = static_cast<double>(set().par.DispLeft);
     switch (action_) {
     case ToolAction::pivot:
         return SetPivot(PpmToPoint(set(), at.ppm));
@@ -362,12 +439,9 @@ void Tools::DragTo(const PlotPoint& at)
                                start_.height));
         return;
     case ToolAction::noise_level:
-        // The drawn line is noise plus base.
-        if (full != 0.0) SetLevel(action_, at.height / full - Base_Level(set()));
-        return;
     case ToolAction::detect_level:
     case ToolAction::base_level:
-        if (full != 0.0) SetLevel(action_, at.height / full);
+        if (set().par.DispLeft != 0.0F) SetLevel(action_, DraggedLevel(at));
         return;
     case ToolAction::move_integral:
     case ToolAction::enlarge_integral:

@@ -74,11 +74,12 @@ struct ToolMarks {
     };
     struct Point {
         double ppm, height;
+        bool on_line = false; ///< of a base point that seems to stand on a line
     };
     std::vector<Vertical> verticals;
     std::vector<Level> levels;
-    std::vector<Point> points;                          ///< base points
-    std::vector<float> base_line;                       ///< one level a point of the row; empty for none
+    std::vector<Point> points;                          ///< base points, the line between them straight
+    std::vector<float> base_line;                       ///< a smooth one: one level a point of the row
     std::optional<std::pair<double, double>> range_ppm; ///< under the mouse while it is dragged
 };
 
@@ -97,14 +98,18 @@ public:
     bool Close();
     void Fix();    ///< Enter: "Fix", "OK", "Close" of the panel
     void Cancel(); ///< Esc: "Cancel"
+    /// A drag under way is taken back, as by Esc; before what changes the lists under it. Whether there was one.
+    bool StopDrag();
     void SetAction(ToolAction action);
     ToolMarks Marks() const;
     /// Text of the status line for the place under the mouse: "Delete Integral".
     std::string StatusText(const PlotPoint& at) const;
-    /// Row selector while a tool is open.
+    /// Row selector while a tool is open. Base points stay where they are, at the level of the new row.
     void SetRow(std::int16_t row);
 
     // The left button in the plot. A press and release at one place is a click.
+    /// Whether a press does anything; a smooth base line has no points to click.
+    bool UsesMouse() const;
     void MouseDown(const PlotPoint& at);
     void MouseMove(const PlotPoint& at);
     void MouseUp(const PlotPoint& at);
@@ -116,6 +121,7 @@ public:
     double phase1() const;
     void SetPhase0(double deg); ///< a value beyond the limits is put back to them
     void SetPhase1(double deg);
+    void TurnPhase0(double by_deg); ///< a step; past the limits it goes on at the other end of the circle
     std::string PhaseText1() const; ///< "####0.0#"
     std::string PhaseText2() const;
     void AutoPhase();     ///< PhaseCommand4
@@ -123,19 +129,22 @@ public:
     void AutoPhaseRobust();
     std::optional<double> phase_quality() const { return quality_; } ///< of the last robust phase, percent
     void SetPivot(std::int32_t point);                               ///< the spectrum keeps its look
+    void SamePhaseToAllRows();                                       ///< the shown row's; one step with Fix
     void SetSecond(std::int32_t point);
 
     // Base line. Points, the average and the method of the settings make the curve.
     void AutoBasePoints();
     void DeleteAllBasePoints();
+    /// Those that seem to stand on lines, of the points as the last edit left them; ascending indices.
+    const std::vector<std::size_t>& BasePointsOnLines() const;
+    void DeleteBasePointsOnLines();
     void SetAveragePoints(std::int32_t points);
     void SetBaseLineMethod(std::int32_t method); ///< 0 straight lines, 1 Whittaker, 2 Bernstein
+    // Bend and degree are kept in the settings, as the method is.
     void SetBaseLineBend(double percent);        ///< Whittaker: length over which the curve may bend, of the row
     void SetBaseLineDegree(std::int32_t degree); ///< Bernstein, 1 to 20
-    double base_line_bend() const { return 100 * shape_.stiffness; }
-    std::int32_t base_line_degree() const { return shape_.degree; }
-    void PreviewBaseLine();                   ///< BaseCorCommand1
-    std::vector<float> BaseLineCurve() const; ///< empty when there is none
+    void PreviewBaseLine();                      ///< BaseCorCommand1
+    std::vector<float> BaseLineCurve() const;    ///< empty when there is none
     /// Shows the row with the curve taken off, or as it was; a change of the points shows it as it was.
     void SetPreview(bool on);
     bool previewed() const { return previewed_; }
@@ -171,6 +180,8 @@ public:
     /// The line that was clicked, or the top that was near the click, ppm.
     double reference_line() const { return reference_line_; }
     bool has_reference_line() const { return open() == Tool::reference && referenced_; }
+    /// Whether there is nothing but noise where the click was.
+    bool reference_in_noise() const { return reference_in_noise_; }
     /// After Fix the instrument table takes the new 0 ppm frequency too.
     void SetUpdateInstrument(bool on) { update_instrument_ = on; }
 
@@ -183,8 +194,13 @@ private:
     void End();
     void Changed();
     void Moved(ToolChange change);
-    /// The mark under a press is what a drag takes, whatever button is down.
-    ToolAction MarkAt(const PlotPoint& at) const;
+    /// The marks under a press, of which a drag takes one whatever button is down: the nearest, and with it those
+    /// that lie on it, the one that moves upwards first.
+    std::vector<ToolAction> MarksAt(const PlotPoint& at) const;
+    void TakeMark(const PlotPoint& at);
+    void ChooseMark(const PlotPoint& at);
+    /// Fraction of the full height that a dragged level is to have.
+    double DraggedLevel(const PlotPoint& at) const;
     DataSet& set() { return g_.Slots[0]; }
     const DataSet& set() const { return g_.Slots[0]; }
 
@@ -196,12 +212,14 @@ private:
     void CancelBaseLine();
     void FixReference();
     void CancelReference();
+    bool ReferenceMoved() const;
 
     /// Runs an edit of the lists as one step; nothing is kept of one that changes nothing.
     template <class Edit>
     bool EditLists(UndoKind kind, Edit edit);
     template <class Edit>
     bool EditBasePoints(PointUndoKind kind, Edit edit);
+    void PickReference(const PlotPoint& at);
     void DragTo(const PlotPoint& at);
     void TakeDragBack();
     void Click(const PlotPoint& at);
@@ -213,16 +231,19 @@ private:
     UndoStep points_before_; ///< of phase and base line, kept at entry
     UndoStep reference_before_;
     std::optional<double> quality_;
+    std::int32_t pivot_of_rows_ = 0; ///< to which the phases of all rows count
     double reference_line_ = 0;
-    bool referenced_ = false, update_instrument_ = false;
+    bool referenced_ = false, reference_in_noise_ = false, update_instrument_ = false;
     std::int32_t selected_ = -1;
     bool previewed_ = false;
-    BaseLineShape shape_;
+    mutable std::optional<std::vector<std::size_t>> on_lines_; ///< found when it is asked for
 
     // A drag under way.
     bool down_ = false, moved_ = false;
     PlotPoint start_, now_;
     ToolAction pressed_ = ToolAction::none; ///< the action that comes back with the release
+    std::vector<ToolAction> stacked_;       ///< levels on each other: the way of the drag tells which is meant
+    double grip_ = 0;                       ///< height of the level above the place where it was taken hold of
     struct DragStart {
         std::int32_t pivot, second;
         float phase0;

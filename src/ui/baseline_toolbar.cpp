@@ -31,6 +31,7 @@ BaselineToolbar::BaselineToolbar(Tools& tools, Session& session) :
     method_ = new QComboBox(this);
     method_->setObjectName(QStringLiteral("BaseLineMethod"));
     method_->setFocusPolicy(Qt::NoFocus);
+    method_->setToolTip(QStringLiteral("How the base line is found"));
     for (const MethodRow& row : kMethods) {
         method_->addItem(QLatin1String(row.caption));
         method_->setItemData(method_->count() - 1, QLatin1String(row.tip), Qt::ToolTipRole);
@@ -63,6 +64,8 @@ void BaselineToolbar::AddPoints()
         tools_.SetAveragePoints(g_.settings.average_point + steps);
         average_->Forget();
     };
+    delete_on_lines_ = AddButton("BasePointsOnLines", QStringLiteral("Delete on Lines"), {},
+                                 [this] { tools_.DeleteBasePointsOnLines(); });
     groups_[0].push_back(BeginGroup());
     AddAction(ToolAction::add_base_point, QStringLiteral("Add"), QStringLiteral("A click adds a base point"));
     AddAction(ToolAction::move_base_point, QStringLiteral("Move"),
@@ -80,15 +83,15 @@ void BaselineToolbar::AddShapes()
     groups_[1].push_back(BeginGroup());
     bend_ = AddValue("BaseLineBend", QStringLiteral("Bend over"),
                      QStringLiteral("The part of the spectrum over which the curve may bend: more is stiffer"), 56);
-    bend_->shown = [this] { return FormatNumber("##0.0#", tools_.base_line_bend()); };
+    bend_->shown = [this] { return FormatNumber("##0.0#", g_.settings.base_line_bend); };
     bend_->typed = [this](double percent) { tools_.SetBaseLineBend(percent); };
-    bend_->stepped = [this](int steps) { tools_.SetBaseLineBend(tools_.base_line_bend() + steps); };
+    bend_->stepped = [this](int steps) { tools_.SetBaseLineBend(g_.settings.base_line_bend + steps); };
     AddLabel(QStringLiteral("% of the spectrum"));
     groups_[2].push_back(BeginGroup());
     degree_ = AddValue("BaseLineDegree", QStringLiteral("Degree"), QStringLiteral("Of the polynomial, 1 to 20"), 56);
-    degree_->shown = [this] { return std::to_string(tools_.base_line_degree()); };
+    degree_->shown = [this] { return std::to_string(g_.settings.base_line_degree); };
     degree_->typed = [this](double degree) { tools_.SetBaseLineDegree(RoundHalfEven(degree)); };
-    degree_->stepped = [this](int steps) { tools_.SetBaseLineDegree(tools_.base_line_degree() + steps); };
+    degree_->stepped = [this](int steps) { tools_.SetBaseLineDegree(g_.settings.base_line_degree + steps); };
 }
 
 void BaselineToolbar::Refresh()
@@ -100,6 +103,13 @@ void BaselineToolbar::Refresh()
         for (QWidget* group : groups_[i]) group->setVisible(i == method);
     for (ValueEdit* edit : {average_, bend_, degree_}) edit->Show();
     delete_all_->setEnabled(!g_.BasePoints.empty());
+    const std::size_t doubtful = method == 0 ? tools_.BasePointsOnLines().size() : 0;
+    delete_on_lines_->setEnabled(doubtful > 0);
+    delete_on_lines_->setToolTip(doubtful == 0
+                                     ? QStringLiteral("No base point seems to stand on a line")
+                                     : QStringLiteral("Deletes the %1 base points, with a ring, that seem to stand on "
+                                                      "lines: they would spoil the integrals there")
+                                           .arg(doubtful));
     undo_->setEnabled(!g_.PointUndo.empty());
     undo_->setToolTip(QString::fromStdString(g_.PointUndo.Caption()) + QStringLiteral(" (Ctrl+Z)"));
     redo_->setEnabled(g_.PointUndo.can_redo());

@@ -36,6 +36,16 @@ QToolButton* SmallButton(const QString& text, const QString& tip, QWidget* paren
     return button;
 }
 
+/// One below the other: figure spaces, as wide as digits, before the shorter ones.
+void AlignHz(std::array<QString, 3>& texts)
+{
+    const auto after_ppm = [](const QString& text) { return text.size() - text.indexOf(QLatin1String("ppm")); };
+    const auto longest = after_ppm(*std::ranges::max_element(texts, {}, after_ppm));
+    for (QString& text : texts)
+        if (text.endsWith(QLatin1String("Hz")))
+            text.insert(text.indexOf(QLatin1String("ppm")) + 6, QString(longest - after_ppm(text), QChar(0x2007)));
+}
+
 } // namespace
 
 // The window belongs to the plot of the main window, which asks for it.
@@ -84,7 +94,6 @@ DistancePanel::DistancePanel(GlobalBlock& g, PlotWidget& plot) : QFrame(&plot), 
         grid->addWidget(name, static_cast<int>(i) + 1, 0);
         grid->addWidget(lines_[i], static_cast<int>(i) + 1, 1, 1, 3);
     }
-    lines_[2]->setFont(bold);
     hide();
 }
 
@@ -94,6 +103,7 @@ void DistancePanel::Toggle()
     setVisible(shown);
     if (shown) {
         BringHere();
+        ChooseCorner();
         MoveToCorner();
         raise();
     }
@@ -115,16 +125,38 @@ void DistancePanel::Refresh()
         return;
     }
     const DataSet& set = g_.Slots[0];
-    for (std::size_t i = 0; i < 2; ++i) lines_[i]->setText(QString::fromStdString(cursors_.Position(set, i)));
-    lines_[2]->setText(QString::fromStdString(cursors_.Distance(set)));
+    std::array<QString, 3> texts;
+    for (std::size_t i = 0; i < 2; ++i) texts[i] = QString::fromStdString(cursors_.Position(set, i));
+    texts[2] = QString::fromStdString(cursors_.Distance(set));
+    AlignHz(texts);
+    for (std::size_t i = 0; i < texts.size(); ++i) lines_[i]->setText(texts[i]);
     MoveToCorner();
     plot_.update();
+}
+
+void DistancePanel::ChooseCorner()
+{
+    if (!plot_.pyramid()) return;
+    adjustSize();
+    const PlotFrame& frame = plot_.frame();
+    const auto top = [&](double from, double to) {
+        const auto [first, last] =
+            std::minmax({PpmToPoint(g_.Slots[0], frame.Ppm(from)), PpmToPoint(g_.Slots[0], frame.Ppm(to))});
+        return plot_.pyramid()->Over(static_cast<std::size_t>(first), static_cast<std::size_t>(last)).high;
+    };
+    const RectD& rect = frame.rect;
+    const double wide = width() + 2.0 * kMargin;
+    at_left_ = top(rect.x, rect.x + wide) < top(rect.right() - wide, rect.right());
 }
 
 void DistancePanel::MoveToCorner()
 {
     adjustSize();
-    const QPoint wanted = placed_ ? pos() : QPoint(plot_.width() - width() - kMargin, kMargin);
+    const RectD& frame = std::as_const(plot_).frame().rect;
+    const auto left = static_cast<int>(frame.x), right = static_cast<int>(frame.right());
+    const int corner = at_left_ ? left + kMargin : right - width() - kMargin;
+    // Below the row of peak labels.
+    const QPoint wanted = placed_ ? pos() : QPoint(corner, static_cast<int>(frame.y) + kMargin);
     move(std::clamp(wanted.x(), 0, std::max(0, plot_.width() - width())),
          std::clamp(wanted.y(), 0, std::max(0, plot_.height() - height())));
 }

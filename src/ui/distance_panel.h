@@ -23,7 +23,7 @@ public:
     void Toggle();
     /// Data, row or range changed.
     void Refresh();
-    /// In the upper right corner of the plot, until it is dragged elsewhere.
+    /// In the upper corner of the plot where the spectrum is lower, until it is dragged elsewhere.
     void MoveToCorner();
     const CursorDistance& cursors() const { return cursors_; }
 
@@ -40,14 +40,16 @@ protected:
 private:
     std::optional<std::size_t> CursorAt(const PlotFrame& frame, QPointF at) const;
     void BringHere();
+    void ChooseCorner();
 
     GlobalBlock& g_;
     PlotWidget& plot_;
     CursorDistance cursors_;
     std::array<QLabel*, 3> lines_{}; ///< both cursors, then their distance
     std::optional<std::size_t> held_;
-    bool placed_ = false; ///< dragged to a place of its own
-    QPoint grip_;         ///< where the drag took hold, inside the panel
+    bool placed_ = false;  ///< dragged to a place of its own
+    bool at_left_ = false; ///< of the two corners
+    QPoint grip_;          ///< where the drag took hold, inside the panel
 };
 
 } // namespace nmr

@@ -92,6 +92,7 @@ QWidget* PhaseControl::MakeSteps(const Order& order, Form form)
             auto* label = new HeldToolButton(steps, [add = order.add, degrees] { add(degrees); });
             label->setText(QString(caption).replace('-', QChar(0x2212)));
             label->setAccessibleName(caption);
+            label->setToolTip(QString("%1 by %2\u00b0").arg(QLatin1String(order.caption), label->text()));
             label->setObjectName(QString(order.label_name) + caption);
             label->setFont(small);
             label->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

@@ -13,7 +13,7 @@ using namespace forms;
 constexpr const char* kColumns[] = {kInstrument, kProbe, kNucleus, kFrequency, kZeroPpm, kDate};
 const QStringList kHeads = {"Instrument", "Probe", "Nucleus", "Frequency/MHz", "0 ppm/MHz", "Date"};
 constexpr int kNumber = Qt::UserRole + 1; ///< row of the values, in the first column
-constexpr int kSearched = 3;              ///< columns: instrument, probe, nucleus
+constexpr int kSearched = 3;              ///< columns: instrument, probe, nucleus; those behind them are right-aligned
 
 class InstrumentForm : public PlainForm {
 public:
@@ -34,9 +34,12 @@ public:
         table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
         const int count = static_cast<int>(Number(values_, kCount));
         for (int n = 1; n <= count; ++n) Append(n);
-        table_->resizeColumnsToContents();
-        for (int c = 0; c < static_cast<int>(std::size(kColumns)); ++c)
-            table_->setColumnWidth(c, std::max(table_->columnWidth(c) + 12, 96));
+        ArrangeColumns();
+        empty_ = new QLabel(this);
+        empty_->setObjectName("Empty");
+        empty_->setForegroundRole(QPalette::PlaceholderText);
+        auto* middle = new QVBoxLayout(table_->viewport());
+        middle->addWidget(empty_, 0, Qt::AlignCenter);
         AddButtons();
         AddFoot("OK", "Cancel");
         connect(search_, &QLineEdit::textChanged, this, [this] { Filter(); });
@@ -53,11 +56,22 @@ public:
 private:
     int NumberOf(int row) const { return table_->item(row, 0)->data(kNumber).toInt(); }
 
+    void ArrangeColumns()
+    {
+        table_->horizontalHeader()->setStretchLastSection(false);
+        table_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+        table_->resizeColumnsToContents();
+        for (int c = 0; c < static_cast<int>(std::size(kColumns)); ++c)
+            table_->setColumnWidth(c, std::max(table_->columnWidth(c) + 12, 96));
+        for (int c = kSearched; c < table_->columnCount(); ++c)
+            table_->horizontalHeaderItem(c)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    }
+
     void Fill(int row, int n)
     {
         for (int c = 0; c < static_cast<int>(std::size(kColumns)); ++c) {
             QTableWidgetItem* item = SetCell(*table_, row, c, Qs(Text(values_, Indexed(kColumns[c], n))), false);
-            if (c == kSearched || c == kSearched + 1) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            if (c >= kSearched) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
         }
         table_->item(row, 0)->setData(kNumber, n);
     }
@@ -114,17 +128,24 @@ private:
             table_->setRowHidden(row, !found);
         }
         table_->clearSelection();
+        ShowState();
     }
 
     void ShowState()
     {
         add_->setEnabled(values_.contains(Indexed(kFrequency, kPresentRow)));
         delete_->setEnabled(!table_->selectedItems().isEmpty());
+        bool seen = false;
+        for (int row = 0; row < table_->rowCount(); ++row) seen = seen || !table_->isRowHidden(row);
+        empty_->setVisible(!seen);
+        empty_->setText(table_->rowCount() > 0 ? "Nothing is found."
+                                               : "No instrument is listed yet.\nAdd Present Data makes the first row.");
     }
 
     const Values& values_;
     QLineEdit* search_ = nullptr;
     QTableWidget* table_ = nullptr;
+    QLabel* empty_ = nullptr;
     QPushButton *add_ = nullptr, *delete_ = nullptr;
 };
 

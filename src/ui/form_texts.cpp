@@ -7,6 +7,7 @@
 #include "ui/form_parts.h"
 #include "ui/text_editor.h"
 
+#include <QHBoxLayout>
 #include <QListWidget>
 
 #include <algorithm>
@@ -15,6 +16,8 @@ namespace nmr {
 namespace {
 
 using namespace forms;
+
+constexpr int kNoteWidth = 150, kBeside = 16; // of the list around its lines
 
 struct SpecialRow {
     const char *key, *letters, *name;
@@ -122,8 +125,15 @@ FormAnswer Form105_X(const FormRequest&, QWidget* parent)
     list->setCurrentRow(0);
     list->setSpacing(2);
     list->setMinimumHeight(static_cast<int>(std::size(kSpecial)) * (list->sizeHintForRow(0) + 4) + 8);
-    form.column()->addWidget(list, 1);
-    form.AddText("Depending on Font, it may not be displayed correctly.")->setForegroundRole(QPalette::PlaceholderText);
+    list->setMinimumWidth(list->sizeHintForColumn(0) + kBeside);
+    QLabel* note = form.AddText("Depending on Font, it may not be displayed correctly.");
+    note->setForegroundRole(QPalette::PlaceholderText);
+    note->setAlignment(Qt::AlignTop);
+    note->setFixedWidth(kNoteWidth);
+    auto* beside = new QHBoxLayout;
+    beside->addWidget(list, 1);
+    beside->addWidget(note);
+    form.column()->addLayout(beside, 1);
     form.AddFoot("Insert", "Close");
     QObject::connect(list, &QListWidget::itemDoubleClicked, &form, &QDialog::accept);
     if (form.exec() != QDialog::Accepted || list->currentRow() < 0) return {kCancel, {}};

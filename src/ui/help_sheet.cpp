@@ -17,7 +17,7 @@ constexpr HelpRow kMouse[] = {
     {"Drag with the left button", "zoom into the range"},
     {"Double click", "back one zoom; on the title of the axis: edit it"},
     {"Drag with the right or middle button", "move the shown range"},
-    {"Shift + drag", "zoom into the range while a tool is open"},
+    {"Shift + drag, Shift + double click", "zoom in, and back, while a tool is open"},
     {"Drag in the overview", "move the shown range"},
     {"Drop a file or a folder", "read it"},
 };

@@ -38,6 +38,7 @@ const KindRow& RowOf(ListDock::Kind kind)
 }
 
 constexpr int kBeside = 40;           // of the dock around its table
+constexpr int kBetweenColumns = 16;   // pixels
 constexpr double kMostOfWindow = 0.5; // that a dock takes by itself
 
 } // namespace
@@ -159,7 +160,7 @@ void ListDock::AddButtons(QWidget* body)
         for_some_ << AddButton(row, "CopyPaper", QStringLiteral("Copy as Text"),
                                QStringLiteral("The line of peaks that a paper prints"),
                                [this] { CopyPeaks_Click(session_); });
-    for_some_ << AddButton(row, "SaveList", QStringLiteral("Save..."), {},
+    for_some_ << AddButton(row, "SaveList", QStringLiteral("Save..."), QStringLiteral("Writes the list into a file"),
                            [this] { IsPeaks() ? m17_Click(session_) : m173_Click(session_); });
     for_selected_ << AddButton(row, "DeleteLines", QStringLiteral("Delete"), QStringLiteral("The selected lines (Del)"),
                                [this] { Delete(); });
@@ -189,12 +190,13 @@ void ListDock::Refresh()
             if (std::ranges::find(selected, rows[i].index) != selected.end())
                 view_->selectionModel()->select(model_->index(static_cast<int>(i), 0),
                                                 QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        view_->resizeColumnsToContents();
+        FitColumns();
     }
-    const bool some = model_->rowCount() > 0;
+    const bool some = model_->rowCount() > 0, was_empty = view_->isHidden();
     view_->setVisible(some);
     empty_->setVisible(!some);
     EnableButtons();
+    if (some && was_empty) FitWidth();
 }
 
 void ListDock::Toggle()
@@ -205,6 +207,20 @@ void ListDock::Toggle()
         FitWidth();
     }
     if (session_.display_changed) session_.display_changed();
+}
+
+/// Each head keeps room for the arrow of the order, which only one of them bears.
+void ListDock::FitColumns()
+{
+    view_->resizeColumnsToContents();
+    QAbstractItemView& cells = *view_;
+    for (int i = 0; i < model_->columnCount(); ++i) {
+        const int head = view_->horizontalHeader()->fontMetrics().horizontalAdvance(
+            model_->headerData(i, Qt::Horizontal, Qt::DisplayRole).toString());
+        const bool sorted = view_->horizontalHeader()->sortIndicatorSection() == i;
+        const int least = sorted ? 0 : std::max(head, cells.sizeHintForColumn(i)) + kBetweenColumns;
+        if (least > 0) view_->setColumnWidth(i, std::min(view_->columnWidth(i), least));
+    }
 }
 
 /// All columns in sight, where the window has the room.
@@ -277,6 +293,7 @@ void ListDock::Show(std::size_t entry)
     const IntegralEntry& region = set.Integrals[entry];
     plot_.CentreOn((IntegralStartPpm(set, region) + IntegralEndPpm(set, region)) / 2);
     tools_.SelectIntegral(static_cast<std::int32_t>(entry));
+    if (session_.display_changed) session_.display_changed(); // the fields of the tool are the selected region's
 }
 
 bool ListDock::eventFilter(QObject* object, QEvent* event)

@@ -61,6 +61,7 @@ private:
     void Copy();
     void Delete();
     void Show(std::size_t entry);
+    void FitColumns();
     void FitWidth();
     void EnableButtons();
     bool IsPeaks() const { return kind_ == Kind::peaks; }

@@ -32,6 +32,7 @@ namespace {
 
 enum WindowState : std::int32_t { kNormal = 0, kMaximised = 2 };
 constexpr int kLeastWidth = 480, kLeastHeight = 320;
+constexpr int kNoticeMs = 2500; // that a notice in the status line stands at least
 
 /// Runs a handler later, from the event loop: a drop or a click must end before its dialogs begin.
 void Later(QObject* context, std::function<void()> command)
@@ -282,6 +283,8 @@ void NMR1D_Form1::ShowPosition(const std::optional<PlotPosition>& position)
         position_line_->clear();
         return;
     }
+    // A notice hides the place; who moves on has seen it.
+    if (notice_clock_.isValid() && notice_clock_.hasExpired(kNoticeMs)) statusBar()->clearMessage();
     QString text = QStringLiteral("%1 ppm").arg(position->ppm, 0, 'f', 4);
     if (position->has_hz) text += QStringLiteral("     %1 Hz").arg(position->hz, 0, 'f', 2);
     if (position->on_data) text += QStringLiteral("     Intensity %1").arg(position->intensity, 0, 'g', 5);
@@ -376,6 +379,8 @@ void NMR1D_Form1::BuildStatusLine()
     statusBar()->addPermanentWidget(notes_);
     statusBar()->addPermanentWidget(data_line_);
     statusBar()->setSizeGripEnabled(false);
+    connect(statusBar(), &QStatusBar::messageChanged, this,
+            [this](const QString& text) { text.isEmpty() ? notice_clock_.invalidate() : notice_clock_.start(); });
 }
 
 } // namespace nmr

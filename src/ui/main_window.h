@@ -14,6 +14,7 @@
 #include "ui/tool_overlay.h"
 #include "ui/tool_panels.h"
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 
 #include <functional>
@@ -120,6 +121,7 @@ private:
     QList<QAction*> data_actions_, row_actions_;
     QAction* grid_action_ = nullptr;
     QLabel *position_line_ = nullptr, *data_line_ = nullptr;
+    QElapsedTimer notice_clock_; ///< of the notice in the status line
     NotesButton* notes_ = nullptr;
     DistancePanel* distance_ = nullptr;
     bool running_ = false; ///< a command is under way: its forms run the event queue

@@ -38,8 +38,8 @@ PeakToolbar::PeakToolbar(Tools& tools, Session& session) :
     AddAction(ToolAction::pick_range, QStringLiteral("Range"), QStringLiteral("Drag over the range to pick in"));
     AddAction(ToolAction::add_peak, QStringLiteral("Add"), QStringLiteral("Click at a top"));
     AddAction(ToolAction::delete_peak, QStringLiteral("Delete"), QStringLiteral("Click at a peak, or drag over some"));
-    delete_all_ = AddButton("PeakCommand3", QStringLiteral("Delete All"), {}, [this] { tools_.DeleteAllPeaks(); });
-    AddLevels();
+    delete_all_ = AddButton("PeakCommand3", QStringLiteral("Delete All"), QStringLiteral("Deletes all peaks"),
+                            [this] { tools_.DeleteAllPeaks(); });
     BeginGroup();
     negative_ = AddSwitch("NegativePeaks", QStringLiteral("Negative"),
                           QStringLiteral("Picks tops below the base line too, as DEPT and APT have them"),
@@ -47,6 +47,7 @@ PeakToolbar::PeakToolbar(Tools& tools, Session& session) :
     interpolate_ = AddSwitch("InterpolateTops", QStringLiteral("Interpolate tops"),
                              QStringLiteral("Marks and lists the top between the points, beside the point itself"),
                              &Settings::interpolate_tops);
+    AddLevels();
     BeginGroup();
     AddButton("ShowPeaks", QStringLiteral("Show List"), QStringLiteral("Peak List (Ctrl+L)"),
               [this] { PeakList_Click(session_); });

@@ -41,6 +41,10 @@ PhaseToolbar::PhaseToolbar(Tools& tools, Session& session) :
     quality_->setToolTip(QStringLiteral("How well the robust phase fits, 0 to 100 %"));
     // Its room is kept, or the bar would jump with each press.
     quality_->setMinimumWidth(quality_->fontMetrics().horizontalAdvance(QualityText(100)));
+    all_rows_ = BeginGroup();
+    AddButton("PhaseAllRows", QStringLiteral("Same Phase to All Rows"),
+              QStringLiteral("All rows of the array take the phase of the shown one"),
+              [this] { tools_.SamePhaseToAllRows(); });
     BeginGroup();
     AddLabel(QStringLiteral("Drag"));
     AddAction(ToolAction::pivot, QStringLiteral("PP"), QStringLiteral("Click or drag moves the pivot, which stays"));
@@ -59,7 +63,7 @@ void PhaseToolbar::AddOrders()
                              .limit_tenths = Tenths(Tools::kPhase0Limit),
                              .get = [this] { return tools_.phase0(); },
                              .set = [this](double deg) { tools_.SetPhase0(deg); },
-                             .add = [this](double deg) { tools_.SetPhase0(tools_.phase0() + deg); }},
+                             .add = [this](double deg) { tools_.TurnPhase0(deg); }},
                             {.caption = "First order",
                              .field_name = "PhaseText2",
                              .bar_name = "Phase1ScrollBar",
@@ -79,6 +83,7 @@ void PhaseToolbar::Refresh()
 {
     ToolPanel::Refresh();
     for (PhaseControl* order : orders_) order->Show();
+    all_rows_->setVisible(g_.Slots[0].spec.DataRe.rows() > 1);
     quality_->setText(QualityText(tools_.phase_quality()));
 }
 
@@ -89,7 +94,7 @@ bool PhaseToolbar::TakeKey(int key, Qt::KeyboardModifiers keys)
     switch (key) {
     case Qt::Key_Left:
     case Qt::Key_Right:
-        tools_.SetPhase0(tools_.phase0() + (key == Qt::Key_Right ? step : -step));
+        tools_.TurnPhase0(key == Qt::Key_Right ? step : -step);
         return true;
     case Qt::Key_Up:
     case Qt::Key_Down:
@@ -104,7 +109,7 @@ bool PhaseToolbar::TakeWheel(int notches, Qt::KeyboardModifiers keys)
 {
     const double turn = (keys & Qt::ControlModifier ? kFineKeyStep : kKeyStep) * notches;
     if (keys & Qt::ShiftModifier)
-        tools_.SetPhase0(tools_.phase0() + turn);
+        tools_.TurnPhase0(turn);
     else if (keys & Qt::AltModifier)
         tools_.SetPhase1(tools_.phase1() + turn);
     else

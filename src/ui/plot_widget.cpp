@@ -110,7 +110,7 @@ SpectrumScene PlotWidget::Scene() const
     options.instead = absolute_;
     // Made for the first paint that needs them; a drag of a region asks the same ones again.
     if (!integrals_ && !g_.Slots[0].Integrals.empty())
-        integrals_ = std::make_shared<IntegralCurves>(ShownRow(), static_cast<double>(g_.Slots[0].par.DispLeft));
+        integrals_ = std::make_shared<IntegralCurves>(RealRow(), static_cast<double>(g_.Slots[0].par.DispLeft));
     options.integrals = integrals_;
     return MakeScene(g_.Slots[0], g_.settings, options, pyramid_);
 }
@@ -246,7 +246,13 @@ void PlotWidget::mouseDoubleClickEvent(QMouseEvent* event)
     // The title stands behind the end of the axis, and nothing else does.
     const QPointF at = event->position();
     const bool on_title = HasSpectrum() && at.x() >= frame().rect.right() && at.y() >= frame().rect.bottom();
-    if (on_title && event->button() == Qt::LeftButton && axis_title_asked)
+    // Two quick clicks of a tool are two clicks.
+    const bool to_tool =
+        HasSpectrum() && event->button() == Qt::LeftButton && !(event->modifiers() & Qt::ShiftModifier) &&
+        std::ranges::any_of(tools_, [&](PlotTool* tool) { return tool->Shape(frame(), at).has_value(); });
+    if (to_tool)
+        ZoomPanel::mousePressEvent(event);
+    else if (on_title && event->button() == Qt::LeftButton && axis_title_asked)
         axis_title_asked();
     else
         ZoomPanel::mouseDoubleClickEvent(event);

@@ -33,7 +33,7 @@ ReferenceToolbar::ReferenceToolbar(Tools& tools, Session& session) :
     BeginGroup();
     line_ = AddLabel({});
     line_->setObjectName(QStringLiteral("ReferenceLine"));
-    line_->setMinimumWidth(line_->fontMetrics().horizontalAdvance(QStringLiteral("Line at -1000.0000 ppm")));
+    line_->setMinimumWidth(line_->fontMetrics().horizontalAdvance(QStringLiteral("Only noise at -100.0000 ppm")));
     BeginGroup();
     shift_ = AddValue("ReferenceShift", QStringLiteral("Shift"), QStringLiteral("The shift that this line is to have"));
     shift_->shown = [this] {
@@ -86,8 +86,8 @@ void ReferenceToolbar::Refresh()
 {
     ToolPanel::Refresh();
     const bool some = tools_.has_reference_line();
-    line_->setText(some ? QStringLiteral("Line at ") + Ppm(tools_.reference_line())
-                        : QStringLiteral("Click at a line"));
+    const QString what = tools_.reference_in_noise() ? QStringLiteral("Only noise at ") : QStringLiteral("Line at ");
+    line_->setText(some ? what + Ppm(tools_.reference_line()) : QStringLiteral("Click at a line"));
     shift_->setEnabled(some);
     shift_->Show();
     FillShifts();

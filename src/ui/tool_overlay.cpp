@@ -1,7 +1,9 @@
 #include "ui/tool_overlay.h"
 
 #include "core/list_values.h"
+#include "layout/spectrum_scene.h"
 #include "ui/canvas/qt_canvas.h"
+#include "ui/theme.h"
 
 #include <QGuiApplication>
 #include <QPainter>
@@ -14,20 +16,27 @@ namespace {
 
 constexpr double kReach = 6;     // pixels around a mark that take hold of it
 constexpr double kLeastDrag = 4; // a shorter way is a click
-// Visible on light and dark ground.
-const QColor kMark(213, 94, 0), kSecond(0, 158, 115), kLevel(204, 121, 167), kBase(0, 158, 115);
+constexpr double kFlagPadding = 4, kFlagGap = 6;
+constexpr double kDot = 3.5;
+constexpr double kDash = 6, kDashGap = 4;
+constexpr int kBandAlpha = 50;
+// Visible on light and dark ground, and on a curve in its usual colour.
+const QColor kMark(213, 94, 0), kSelection(0, 158, 115);
 
 struct LevelRow {
     ToolAction action;
     const char* label;
+    std::int32_t Settings::*color;
 };
-constexpr LevelRow kLevels[] = {
-    {ToolAction::noise_level, "Noise"}, {ToolAction::detect_level, "Threshold"}, {ToolAction::base_level, "Base"}};
+constexpr LevelRow kLevels[] = {{ToolAction::noise_level, "Noise", &Settings::nl_color},
+                                {ToolAction::detect_level, "Threshold", &Settings::th_color},
+                                {ToolAction::base_level, "Base", &Settings::ba_color}};
 
-const char* LabelOf(ToolAction level)
+/// A colour of the settings, turned round in the dark as the curves are.
+QColor SettingColor(std::int32_t setting)
 {
-    const auto row = std::ranges::find(kLevels, level, &LevelRow::action);
-    return row == std::end(kLevels) ? "" : row->label;
+    const Rgba color = FromSetting(setting);
+    return ToQColor(IsDark() ? ForDarkGround(color) : color);
 }
 
 PlotPoint PlaceAt(const PlotFrame& frame, QPointF at)
@@ -42,12 +51,17 @@ bool Inside(const PlotFrame& frame, QPointF at)
     return at.x() >= r.x && at.x() <= r.right() && at.y() >= r.y && at.y() <= r.bottom();
 }
 
+double FlagWidth(const QPainter& painter, const QString& text)
+{
+    return painter.fontMetrics().horizontalAdvance(text) + 2 * kFlagPadding;
+}
+
 /// A word on a coloured ground, its left edge and its upper edge given.
 void Flag(QPainter& painter, QPointF corner, const QString& text, const QColor& color)
 {
-    const QRectF box(corner, QSizeF(painter.fontMetrics().horizontalAdvance(text) + 8, painter.fontMetrics().height()));
+    const QRectF box(corner, QSizeF(FlagWidth(painter, text), painter.fontMetrics().height()));
     painter.fillRect(box, color);
-    painter.setPen(Qt::white);
+    painter.setPen(color.lightness() > 140 ? Qt::black : Qt::white);
     painter.drawText(box, Qt::AlignCenter, text);
 }
 
@@ -67,12 +81,12 @@ bool IsLevel(ToolAction action)
 
 std::string ToolOverlay::StatusText(const PlotFrame& frame, QPointF at) const
 {
-    return tools_.open() == Tool::none || !Inside(frame, at) ? std::string() : tools_.StatusText(PlaceAt(frame, at));
+    return !tools_.UsesMouse() || !Inside(frame, at) ? std::string() : tools_.StatusText(PlaceAt(frame, at));
 }
 
 bool ToolOverlay::Grab(const PlotFrame& frame, QPointF at, Qt::KeyboardModifiers keys)
 {
-    if (tools_.open() == Tool::none || !Inside(frame, at) || (keys & Qt::ShiftModifier)) return false;
+    if (!tools_.UsesMouse() || !Inside(frame, at) || (keys & Qt::ShiftModifier)) return false;
     from_ = last_ = at;
     dragging_ = false;
     tools_.MouseDown(PlaceAt(frame, at));
@@ -95,7 +109,7 @@ void ToolOverlay::Drop(const PlotFrame& frame)
 
 std::optional<Qt::CursorShape> ToolOverlay::Shape(const PlotFrame& frame, QPointF at) const
 {
-    if (tools_.open() == Tool::none || !Inside(frame, at)) return std::nullopt;
+    if (!tools_.UsesMouse() || !Inside(frame, at)) return std::nullopt;
     const auto near = [](double a, double b) { return std::abs(a - b) <= kReach; };
     for (const auto& level : marks_.levels)
         if (near(frame.Y(level.height), at.y())) return Qt::SplitVCursor;
@@ -139,8 +153,8 @@ void ToolOverlay::Draw(QtCanvas& canvas, const PlotFrame& frame)
 void ToolOverlay::DrawRange(QtCanvas& canvas, const PlotFrame& frame) const
 {
     if (!marks_.range_ppm) return;
-    QColor band = kMark;
-    band.setAlpha(50);
+    QColor band = tools_.open() == Tool::regions ? SettingColor(g_.settings.def_region_color) : kMark;
+    band.setAlpha(kBandAlpha);
     const auto [left, right] = std::minmax({frame.X(marks_.range_ppm->first), frame.X(marks_.range_ppm->second)});
     canvas.painter().fillRect(QRectF(left, frame.rect.y, right - left, frame.rect.height), band);
 }
@@ -155,51 +169,87 @@ void ToolOverlay::DrawSelection(QtCanvas& canvas, const PlotFrame& frame) const
     const auto [left, right] =
         std::minmax({frame.X(IntegralStartPpm(set, entry)), frame.X(IntegralEndPpm(set, entry))});
     const double pixel = std::max(1 / canvas.Resolution(), 1.0);
-    QColor band = kBase;
+    QColor band = kSelection;
     band.setAlpha(36);
     canvas.painter().fillRect(QRectF(left, frame.rect.y, right - left, frame.rect.height), band);
     for (const double x : {left, right})
-        canvas.painter().fillRect(QRectF(Snap(canvas, x), frame.rect.y, pixel, frame.rect.height), kBase);
+        canvas.painter().fillRect(QRectF(Snap(canvas, x), frame.rect.y, pixel, frame.rect.height), kSelection);
+}
+
+/// From point to point, level beyond the outer ones; held inside the frame, as places far off overflow a painter.
+QPolygonF ToolOverlay::StraightLines(const PlotFrame& frame) const
+{
+    QPolygonF all;
+    for (const ToolMarks::Point& point : marks_.points) all << QPointF(frame.X(point.ppm), frame.Y(point.height));
+    std::ranges::sort(all, {}, &QPointF::x);
+    const auto at = [&](double x) {
+        const auto next = std::ranges::upper_bound(all, x, {}, &QPointF::x);
+        if (next == all.begin()) return QPointF(x, all.front().y());
+        if (next == all.end()) return QPointF(x, all.back().y());
+        const QPointF a = *(next - 1), b = *next;
+        return QPointF(x, a.y() + (b.y() - a.y()) * (x - a.x()) / (b.x() - a.x()));
+    };
+    QPolygonF line{at(frame.rect.x)};
+    for (const QPointF& point : all)
+        if (point.x() > frame.rect.x && point.x() < frame.rect.right()) line << point;
+    return line << at(frame.rect.right());
 }
 
 /// One value a column is enough: the curve has no lines.
-void ToolOverlay::DrawBaseLine(QtCanvas& canvas, const PlotFrame& frame) const
+QPolygonF ToolOverlay::SmoothLine(const PlotFrame& frame, double step) const
 {
-    if (marks_.base_line.empty()) return;
     QPolygonF line;
-    const double step = 1 / canvas.Resolution();
     for (double x = frame.rect.x; x <= frame.rect.right(); x += step) {
         const auto point = static_cast<std::size_t>(PpmToPoint(g_.Slots[0], frame.Ppm(x)));
         if (point < marks_.base_line.size()) line << QPointF(x, frame.Y(static_cast<double>(marks_.base_line[point])));
     }
+    return line;
+}
+
+void ToolOverlay::DrawBaseLine(QtCanvas& canvas, const PlotFrame& frame) const
+{
+    if (tools_.previewed() || (marks_.base_line.empty() && marks_.points.empty())) return;
     QPainter& painter = canvas.painter();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(kBase, 1.5));
-    painter.drawPolyline(line);
+    painter.setPen(QPen(kMark, 2));
+    painter.drawPolyline(marks_.base_line.empty() ? StraightLines(frame) : SmoothLine(frame, 1 / canvas.Resolution()));
 }
 
 void ToolOverlay::DrawPoints(QtCanvas& canvas, const PlotFrame& frame) const
 {
     QPainter& painter = canvas.painter();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(Qt::white, 1));
-    painter.setBrush(kBase);
-    for (const ToolMarks::Point& point : marks_.points)
-        painter.drawEllipse(QPointF(frame.X(point.ppm), frame.Y(point.height)), 3.5, 3.5);
+    for (const ToolMarks::Point& point : marks_.points) {
+        const QPointF center(frame.X(point.ppm), frame.Y(point.height));
+        painter.setPen(QPen(Qt::white, 1));
+        painter.setBrush(kMark);
+        painter.drawEllipse(center, kDot, kDot);
+        if (!point.on_line) continue;
+        painter.setPen(QPen(kMark, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawEllipse(center, 2 * kDot, 2 * kDot);
+    }
 }
 
 void ToolOverlay::DrawLevels(QtCanvas& canvas, const PlotFrame& frame) const
 {
     QPainter& painter = canvas.painter();
     const double pixel = std::max(1 / canvas.Resolution(), 1.0);
-    for (const ToolMarks::Level& level : marks_.levels) {
-        const double y = Snap(canvas, frame.Y(level.height));
-        painter.fillRect(QRectF(frame.rect.x, y, frame.rect.width, pixel), kLevel);
-        const QString text = QLatin1String(LabelOf(level.action));
-        // Side by side: the levels often lie close together.
-        const auto place = std::ranges::find(kLevels, level.action, &LevelRow::action) - std::begin(kLevels);
-        const double left = frame.rect.x + 4 + 76 * static_cast<double>(place);
-        Flag(painter, {left, y - painter.fontMetrics().height()}, text, kLevel);
+    const auto y_of = [&](ToolAction action) {
+        const auto level = std::ranges::find(marks_.levels, action, &ToolMarks::Level::action);
+        return Snap(canvas, frame.Y(level->height));
+    };
+    if (marks_.levels.size() != std::size(kLevels)) return;
+    for (const LevelRow& row : kLevels)
+        painter.fillRect(QRectF(frame.rect.x, y_of(row.action), frame.rect.width, pixel),
+                         SettingColor(g_.settings.*row.color));
+    // Side by side and over all lines: the levels often lie close together.
+    double left = frame.rect.x + kFlagGap;
+    for (const LevelRow& row : kLevels) {
+        const QString text = QLatin1String(row.label);
+        Flag(painter, {left, y_of(row.action) - painter.fontMetrics().height()}, text,
+             SettingColor(g_.settings.*row.color));
+        left += FlagWidth(painter, text) + kFlagGap;
     }
 }
 
@@ -208,12 +258,14 @@ void ToolOverlay::DrawVerticals(QtCanvas& canvas, const PlotFrame& frame) const
     QPainter& painter = canvas.painter();
     const double pixel = std::max(1 / canvas.Resolution(), 1.0);
     for (const ToolMarks::Vertical& mark : marks_.verticals) {
-        const QColor color = mark.label == "P2" ? kSecond : kMark;
+        const QColor color = SettingColor(mark.label == "P2" ? g_.settings.pp2_color : g_.settings.pp_color);
         const double x = Snap(canvas, frame.X(mark.ppm));
-        painter.fillRect(QRectF(x, frame.rect.y, pixel, frame.rect.height), color);
+        // Dashed: the line that it stands on is to be seen.
+        for (double y = frame.rect.y; y < frame.rect.bottom(); y += kDash + kDashGap)
+            painter.fillRect(QRectF(x, y, pixel, kDash), color);
         if (mark.label.empty()) continue;
         const QString text = ToQString(mark.label);
-        const double width = painter.fontMetrics().horizontalAdvance(text) + 8;
+        const double width = FlagWidth(painter, text);
         const double left = x + width > frame.rect.right() ? x - width : x;
         Flag(painter, {left, frame.rect.y}, text, color);
     }

@@ -4,6 +4,8 @@
 #include "session/tools.h"
 #include "ui/plot_tool.h"
 
+#include <QPolygonF>
+
 namespace nmr {
 
 class ToolOverlay : public PlotTool {
@@ -22,6 +24,8 @@ public:
 
 private:
     void DrawBaseLine(QtCanvas& canvas, const PlotFrame& frame) const;
+    QPolygonF StraightLines(const PlotFrame& frame) const;
+    QPolygonF SmoothLine(const PlotFrame& frame, double step) const;
     void DrawVerticals(QtCanvas& canvas, const PlotFrame& frame) const;
     void DrawLevels(QtCanvas& canvas, const PlotFrame& frame) const;
     void DrawPoints(QtCanvas& canvas, const PlotFrame& frame) const;

@@ -126,6 +126,21 @@ TEST(BasePoints, TheToolKeepsThemAscendingAndDistinct)
     EXPECT_FALSE(Set_Base_Level_Of(*g, 0, std::nanf("")));
 }
 
+TEST(BasePoints, ThoseOnLinesAreTold)
+{
+    LineRow row = Lines(8192, {{2000, 100, 20}, {6000, 50, 30}}, 0.1);
+    for (std::size_t i = 0; i < row.re.size(); ++i) row.re[i] += 3e-4 * static_cast<double>(i); // a slope is no line
+    const auto g = BlockOf(row.re, {}, row.im);
+    for (const int quiet : {400, 1000, 4000, 5000, 7900}) Add_Base_Point(*g, quiet, 20);
+    EXPECT_TRUE(Base_Points_On_Lines(*g).empty());
+    for (const int loud : {1985, 2030, 6040}) Add_Base_Point(*g, loud, 20);
+    EXPECT_EQ(Drop_Base_Points_On_Lines(*g), 3U);
+    EXPECT_EQ(g->BasePoints.size(), 5U);
+    EXPECT_TRUE(Base_Points_On_Lines(*g).empty());
+    g->BasePoints = {{9000, 5}, {-1, 5}};
+    EXPECT_TRUE(Base_Points_On_Lines(*g).empty()) << "outside the row";
+}
+
 TEST(BaseLine, IsStraightBetweenThePointsAndLevelOutside)
 {
     std::vector<double> re(200), im(200, 7.0);

@@ -291,6 +291,23 @@ TEST(CliRealData, StrongestLinesStandWhereTheCollectionSays)
     }
 }
 
+TEST(CliRealData, TheRobustPhaseIsTheOperators)
+{
+    if (RealData("").empty()) GTEST_SKIP() << "no real data here";
+    // The third lacks its first 22 points.
+    for (const char* folder : {"bruker-1h-fid-strychnine-400", "bruker-31p-fid-600", "bruker-13c-fid-dspfvs-minus1-600",
+                               "varian-31p-fid-float-600"}) {
+        const std::string path = RealData(folder).string();
+        const Json own = Cli("process " + path + " --json").json(),
+                   theirs = Cli("process " + path + " --json --phase vendor").json();
+        const double pivot = own["phase"]["pivot"].get<double>(), points = own["points"].get<double>(); // strongest
+        const Json& phase = theirs["phase"];
+        const double there = phase["p0_deg"].get<double>() +
+                             (pivot - phase["pivot"].get<double>()) * phase["p1_deg"].get<double>() / points;
+        EXPECT_NEAR(std::remainder(own["phase"]["p0_deg"].get<double>() - there, 180), 0, 10) << folder;
+    }
+}
+
 // Values of the last lines from the vendor's own fit of the set, heights over that of the longest delay.
 TEST(CliRealData, RowsOfAnInversionRecoveryKeepTheirRatios)
 {

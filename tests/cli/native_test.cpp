@@ -43,8 +43,9 @@ TEST_F(CliSample, ConvertingToANativeFileAndBackLosesNoPoint)
     ASSERT_EQ(Cli("convert " + native + " " + table).exit, 0);
     ASSERT_EQ(Cli("convert " + table + " " + back).exit, 0);
     EXPECT_EQ(Info(back)["points"], Info(native)["points"]);
-    // Two points of the highest line may be equal in the digits of the text.
-    EXPECT_NEAR(Info(back)["max"]["ppm"], Info(native)["max"]["ppm"], 2e-4);
+    // Highest is the magnitude where there is an imaginary part: the next point may be as high.
+    const Json kept = Info(native);
+    EXPECT_NEAR(Info(back)["max"]["ppm"], kept["max"]["ppm"], 1.01 * kept["axis"]["step_ppm"].get<double>());
     // A file that is there is replaced, and stays as a backup.
     const std::string before = ReadText(again);
     ASSERT_EQ(Cli("convert " + native + " " + again).exit, 0);

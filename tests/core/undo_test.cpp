@@ -103,7 +103,6 @@ void EditPeaks(Bench& b)
     auto& peaks = b.g.Slots[0].Peaks;
     if (b.Index(4) == 0) peaks.clear();
     peaks.push_back({b.Index(64), b.Value(), b.Value(), static_cast<double>(b.Value()), 1});
-    b.g.Slots[0].PeakThreshold = b.Value();
 }
 
 void EditIntegrals(Bench& b)
@@ -141,6 +140,12 @@ void EditReference(Bench& b)
     set.par.RefX = b.Value();
     set.par.OBFRQ0PPM = shift;
     b.g.ViewLeft += b.Value();
+}
+
+void EditLabels(Bench& b)
+{
+    b.g.Slots[0].XLabelHz = std::to_string(b.Index(9999));
+    b.g.settings.xlabel_hz = b.g.Slots[0].XLabelHz;
 }
 
 void EditParameters(Bench& b)
@@ -188,6 +193,7 @@ constexpr PartEdit kEdits[] = {
     {kUndoPoints, EditPoints},
     {kUndoPhase, EditPhase},
     {kUndoPeaks, EditPeaks},
+    {kUndoLabels, EditLabels},
     {kUndoIntegrals, EditIntegrals},
     {kUndoViews, EditViews},
     {kUndoRegions, EditRegions},
@@ -323,8 +329,9 @@ TEST(Undo, EveryKindHasItsRow)
         EXPECT_TRUE(row.caption.starts_with("UnDo("));
         EXPECT_NE(row.parts, 0U);
     }
-    const std::set<std::int32_t> named{1,  2,  3,  4,  6,  8,  11, 16, 33, 51, 52, 53, 54,  55,  56,  57,  58,  59,
-                                       61, 62, 63, 64, 65, 66, 67, 68, 69, 71, 81, 91, 141, 142, 201, 205, 291, 5001};
+    const std::set<std::int32_t> named{1,  2,  3,  4,  6,   8,   11,  16,  33,  51,  52,  53, 54,
+                                       55, 56, 57, 58, 59,  61,  62,  63,  64,  65,  66,  67, 68,
+                                       69, 71, 81, 91, 105, 141, 142, 201, 205, 291, 5001};
     EXPECT_EQ(kinds, named);
     for (const ParamEditRow& row : ParamEditRows()) EXPECT_NE(FindParamByName(row.name), nullptr) << row.name;
 }

@@ -27,7 +27,7 @@ void ExpectSmallSpectrum(const JcampRead& read, double first_ppm = 8)
         EXPECT_EQ(set.spec.DataRe[0][i], 50.0F + 0.5F * static_cast<float>(i));
         EXPECT_NEAR(set.spec.XAxis[i], first_ppm - static_cast<double>(i), 1e-9);
     }
-    EXPECT_LT(set.par.Resolution2, 0);
+    EXPECT_NEAR(set.par.Resolution2, -1, 1e-9); // files that keep the step alone bring this axis back
     EXPECT_NEAR(set.par.RESOL, 400, 1e-9);
     EXPECT_NEAR(set.par.FREQU, 3200, 1e-3);
 }

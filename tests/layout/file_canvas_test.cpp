@@ -39,7 +39,7 @@ void DrawAll(Canvas& canvas)
         canvas.PopClip();
         canvas.Picture({5, 5, 10, 10}, {2, 2, pixels});
         canvas.Picture({5, 5, 10, 10}, {3, 2, pixels}); // says more pixels than it has
-        canvas.SetFont({.family = "A \"face\" & more", .size = 12, .underline = true, .strikeout = true});
+        canvas.SetFont({.family = "Liberation Sans \"face\" & more", .size = 12, .underline = true, .strikeout = true});
         canvas.Text({3, 3}, "a<b>&\x01\xCE\xB1\xF0\x9D\x9B\xBC", TextAlign::centre, 33.3);
         canvas.Text({3, 3}, "");
         canvas.Polyline({});
@@ -135,7 +135,7 @@ TEST(SvgCanvas, IsWellFormedAndKeepsWhatIsDrawn)
     EXPECT_THAT(file, HasSubstr("width=\"101.6mm\" height=\"50.8mm\" viewBox=\"0 0 384 192\""));
     EXPECT_THAT(file, HasSubstr("<title>a &lt; b</title>"));
     EXPECT_THAT(file, HasSubstr("a&lt;b&gt;&amp; \xCE\xB1"));
-    EXPECT_THAT(file, HasSubstr("A &quot;face&quot; &amp; more"));
+    EXPECT_THAT(file, HasSubstr("Liberation Sans &quot;face&quot; &amp; more"));
     EXPECT_THAT(file, HasSubstr("base64,UE5HIQ==\""));
     // Tags open and close in order.
     std::vector<std::string> open;

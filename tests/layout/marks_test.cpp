@@ -132,6 +132,14 @@ TEST(PeakLabels, OfTooManyTheTallestKeepTheirs)
     const auto labels = Labels(f.Draw());
     EXPECT_LT(labels.size(), 100U);
     EXPECT_EQ(std::ranges::count(labels, "2.222", &RecordingCanvas::TextItem::text), 1);
+    // A crowd at one place has the labels around it, and no farther than a line can be followed.
+    f.set.Peaks.clear();
+    for (int i = 0; i < 60; ++i) f.Pick(5 + i * 0.0001, i);
+    f.Pick(9, 1);
+    const auto crowd = Labels(f.Draw());
+    EXPECT_EQ(crowd.front().text, "9.000") << "low, but with room of its own";
+    EXPECT_GT(crowd.size(), 12U);
+    for (std::size_t i = 1; i < crowd.size(); ++i) EXPECT_NEAR(crowd[i].at.x, f.frame.X(5), 10 * 15);
 }
 
 // Against a plain descent on the same sum of squares.
@@ -204,6 +212,23 @@ TEST(IntegralCurves, TheBaseLineIsPartOfTheSum)
     const int points = mark.start - mark.end + 1;
     const double expected = 0.86 + static_cast<double>(0.01F) * points - 2.0 * (points - 1) * points / 2 / 2001;
     EXPECT_NEAR(mark.total, expected, 1e-9);
+    // Where the magnitude is shown in place of the row, its value stays that of the row.
+    const std::vector<float> magnitude(2001, 50.0F);
+    f.Draw({.instead = magnitude});
+    EXPECT_NEAR(f.scene.integrals.marks.at(0).total, expected, 1e-9);
+    // It is drawn on the spectrum, at the level that it makes zero.
+    const auto lines_drawn = [&] { return f.Draw().lines; };
+    const auto without = lines_drawn();
+    f.g.settings.integ_base_disp = 1;
+    const auto with = lines_drawn();
+    ASSERT_EQ(with.size(), without.size() + 1);
+    const double ramp = 2.0 * (points - 1) / 2001, b0 = static_cast<double>(0.01F);
+    EXPECT_EQ(std::ranges::count_if(with,
+                                    [&](const Segment& line) {
+                                        return std::abs(line.from.y - f.frame.Y(-100 * b0)) < 1e-6 &&
+                                               std::abs(line.to.y - f.frame.Y(100 * (ramp - b0))) < 1e-6;
+                                    }),
+              1);
     f.set.par.DispLeft = 0;
     EXPECT_TRUE(MakeIntegralMarks(f.set, row, f.g.settings, {}).empty());
     f.set.par.DispLeft = 100;

@@ -118,7 +118,13 @@ TEST(Inversion, MirrorsAboutTheCarrierWithAllThatBelongsToTheSpectrum)
     IntegralEntry integral;
     integral.StartPoint = PpmToPoint(set, top + 0.1);
     integral.EndPoint = PpmToPoint(set, top - 0.2);
+    integral.B0 = 0.01F;
+    integral.B1 = 0.5F;
     set.Integrals.push_back(integral);
+    set.Integrals.push_back(integral);
+    set.Integrals[1].StartPoint += 200;
+    set.IntegralRef = 1;
+    Calc_All_Integrals(g);
     ASSERT_TRUE(SetColorRegion(g, top - 0.2, top + 0.1, 5));
     const DataSet before = set;
     m291_Click(rig->s);
@@ -127,8 +133,11 @@ TEST(Inversion, MirrorsAboutTheCarrierWithAllThatBelongsToTheSpectrum)
     const auto value = [](const DataSet& data, std::int32_t point) {
         return data.spec.DataRe[0][static_cast<std::size_t>(point)];
     };
-    EXPECT_EQ(value(set, set.Integrals[0].StartPoint), value(before, integral.EndPoint));
-    EXPECT_EQ(value(set, set.Integrals[0].EndPoint), value(before, integral.StartPoint));
+    // The list runs up the axis again, the reference stays a region's, and so do base line and value.
+    EXPECT_EQ(value(set, set.Integrals[1].StartPoint), value(before, integral.EndPoint));
+    EXPECT_EQ(value(set, set.Integrals[1].EndPoint), value(before, integral.StartPoint));
+    EXPECT_EQ(set.IntegralRef, 0);
+    for (const std::size_t i : {0, 1}) EXPECT_NEAR(set.Integrals[i].Value, before.Integrals[1 - i].Value, 1e-4);
     EXPECT_NEAR(static_cast<double>(set.Regions[0].Start), HighestPpm(set) + 0.2, 2e-3);
     EXPECT_EQ(set.par.DataChanged, 1);
     EXPECT_EQ(g.Undo.Caption(), "UnDo(Inversion of Spectrum)");
@@ -166,6 +175,8 @@ TEST(CursorDistance, TellsBothUnitsAndJumpsToTops)
     const double top = HighestPpm(set);
     EXPECT_EQ(NearestTop(set, 0, top + 0.02, 0.05), top);
     EXPECT_EQ(NearestTop(set, 0, top + 0.02, 0.0), top + 0.02);
+    const double step = std::abs(set.par.Resolution2), flank = top + 6 * step;
+    EXPECT_EQ(NearestTop(set, 0, flank, 3 * step), flank) << "a flank is no line";
     EXPECT_EQ(NearestTop(set, 7, top, 0.05), top) << "there is no such row";
     EXPECT_EQ(NearestTop(set, 0, 1e6, 0.05), 1e6) << "far beside the axis";
     CursorDistance cursors;

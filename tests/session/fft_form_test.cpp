@@ -54,6 +54,28 @@ double LargestDifference(const std::vector<float>& a, const std::vector<float>& 
     return largest;
 }
 
+TEST(FftForm, ASharpeningWindowHidesNoPhase)
+{
+    Rig rig;
+    BrukerSpec spec;
+    spec.decay_hz = 30.0;
+    WithForm(rig, spec, [&](FftForm& form) {
+        const auto phase = [&] {
+            return std::array{static_cast<double>(rig.g.Phase0Deg), static_cast<double>(rig.g.Phase1Deg)};
+        };
+        SetWindowField(rig.g.Slots[0].par, WindowField::bf1, 0);
+        ASSERT_TRUE(form.SetWindowKind(WindowKind::exponential));
+        const auto plain = phase();
+        const std::vector<float> before = Shown(form, rig.g);
+        ASSERT_TRUE(form.SetWindowKind(WindowKind::sine_bell)); // 0 at the head of the FID
+        for (const std::size_t order : {0, 1}) EXPECT_NEAR(phase()[order], plain[order], 0.01);
+        const std::vector<float> sharp = Shown(form, rig.g);
+        EXPECT_GT(LargestDifference(sharp, before), 0.1 * static_cast<double>(rig.g.Slots[0].par.DispLeft));
+        form.SetPhase1(phase()[1]); // turns what is there anew
+        EXPECT_EQ(Shown(form, rig.g), sharp) << "what is shown is the spectrum of the window";
+    });
+}
+
 TEST(FftForm, OpensOnAPhasedPreview)
 {
     Rig rig;

@@ -8,6 +8,7 @@
 #include "session/rig.h"
 #include "session/text_commands.h"
 #include "session/text_forms.h"
+#include "session/tool_commands.h"
 
 #include <algorithm>
 #include <map>
@@ -202,6 +203,10 @@ TEST(AxisLabel, IsEditedForTheUnitShownAndKeptForDataToCome)
     EXPECT_EQ(set.XLabelHz + rig->g.settings.xlabel_hz, "\\< new\\>\\< new\\>");
     EXPECT_EQ(set.XLabelPpm, ppm);
     EXPECT_TRUE(rig->g.SettingsChanged && set.par.DataChanged == 1);
+    EXPECT_EQ(rig->g.Undo.Caption(), "UnDo(Axis Label)");
+    m20_Click(s);
+    EXPECT_EQ(set.XLabelHz + std::to_string(set.par.DataChanged), "\\< old\\>0");
+    EXPECT_NE(rig->g.settings.xlabel_hz, "\\< new\\>");
 }
 
 TEST(EditParameters, WhatIsNoNumberIsToldAndTheFormKeepsWhatWasTyped)

@@ -1,10 +1,14 @@
 // The tools of the main form: entering and leaving, the mouse, and what each step takes back.
 
+#include "session/forms.h"
 #include "session/instrument_table.h"
 #include "session/reference_shifts.h"
+#include "session/save_flow.h"
+#include "session/tool_commands.h"
 #include "session/tools.h"
 
 #include "core/list_values.h"
+#include "core/state_image.h"
 #include "support/files.h"
 #include "support/row_block.h"
 #include "support/scripted_asker.h"
@@ -192,6 +196,27 @@ TEST(Tools, BaseLinePointsHaveStepsOfTheirOwn)
     }
 }
 
+TEST(Tools, BasePointsOnLinesAreMarkedAndDeletedInOneStep)
+{
+    Desk b;
+    b.tools.Enter(Tool::base_line);
+    for (const double ppm : {0.0, 1.01, 5.5, 7.0}) b.Click(ppm);
+    const auto marked = [&] {
+        std::string text;
+        for (const ToolMarks::Point& point : b.tools.Marks().points) text += point.on_line ? 'x' : '.';
+        return text;
+    };
+    EXPECT_EQ(marked(), ".x.x");
+    b.tools.DeleteBasePointsOnLines();
+    EXPECT_EQ(marked(), "..");
+    b.tools.DeleteBasePointsOnLines(); // nothing left to do, no step
+    EXPECT_TRUE(b.tools.UndoBasePoint());
+    EXPECT_EQ(marked(), ".x.x");
+    b.tools.Cancel();
+    b.tools.Enter(Tool::base_line);
+    EXPECT_EQ(marked(), "");
+}
+
 TEST(Tools, PeaksAreListedByClickRangeAndLevel)
 {
     Desk b;
@@ -310,6 +335,121 @@ TEST(Tools, EscDuringADragTakesBackTheDragAlone)
     EXPECT_EQ(b.g.Undo.Caption(), "UnDo(Add Integral)");
 }
 
+TEST(Tools, ADragUnderWayHoldsNothingUp)
+{
+    Desk b({Button::no});
+    const std::vector<float> before = b.Row();
+    b.tools.Enter(Tool::phase);
+    b.tools.SetPhase1(300);
+    b.tools.MouseDown({3, 0, 0.02});
+    b.tools.MouseMove({2, 0, 0.02});
+    EXPECT_TRUE(b.tools.Enter(Tool::integrals)); // by a key, with the button down
+    EXPECT_EQ(b.Row(), before);
+    b.Drag(4.2, 3.8);
+    b.Drag(1.2, 0.8);
+    b.s.tools = &b.tools;
+    b.tools.SetAction(ToolAction::move_integral);
+    b.tools.MouseDown({1, 0, 0.02});
+    b.tools.MouseMove({2, 0, 0.02});
+    m20_Click(b.s); // the drag is the newest change
+    b.tools.MouseMove({3, 0, 0.02});
+    b.tools.MouseUp({3, 0, 0.02});
+    ASSERT_EQ(b.set().Integrals.size(), 2U);
+    EXPECT_NEAR(IntegralStartPpm(b.set(), b.set().Integrals[0]), 1.2, 0.003);
+    m20_Click(b.s);
+    EXPECT_EQ(b.set().Integrals.size(), 1U);
+    b.tools.MouseDown({4, 0, 0.02});
+    b.tools.MouseMove({5, 0, 0.02});
+    b.tools.DeleteIntegrals({0});
+    b.tools.MouseUp({5, 0, 0.02});
+    EXPECT_TRUE(b.set().Integrals.empty());
+}
+
+TEST(Tools, PhaseStepsGoRoundTheCircleAndEachRowKeepsItsOwnTurn)
+{
+    Desk b;
+    b.tools.Enter(Tool::phase);
+    for (const double start : {150.0, -150.0}) {
+        b.tools.SetPhase0(start);
+        b.tools.TurnPhase0(start / 3);
+        EXPECT_NEAR(b.tools.phase0(), start + start / 3 - std::copysign(360.0, start), 1e-4);
+    }
+    // An automatic phase may lie past the limits of the bar.
+    b.g.Phase0Deg = 230;
+    b.tools.TurnPhase0(1);
+    EXPECT_NEAR(b.tools.phase0(), -129, 1e-4);
+    b.tools.Cancel();
+
+    DataSet& set = b.set();
+    const auto first = std::vector<float>(b.Row());
+    set.RowCount = 2;
+    for (RowArray<float>* rows : {&set.spec.DataRe, &set.spec.DataIm}) {
+        const std::vector<float> row((*rows)[0].begin(), (*rows)[0].end());
+        rows->Resize(2, row.size());
+        for (const std::size_t i : {0, 1}) std::ranges::copy(row, (*rows)[i].begin());
+    }
+    b.tools.Enter(Tool::phase);
+    b.tools.SetPhase1(200);
+    const std::vector<float> turned = b.Row();
+    b.tools.SetRow(1);
+    b.tools.SetPivot(3200); // another one than the first row was turned about
+    b.tools.SetRow(0);
+    b.tools.TurnPhase0(0);
+    for (std::size_t i = 0; i < 4000; ++i) ASSERT_NEAR(b.Row()[i], turned[i], 1e-2);
+}
+
+TEST(Tools, WhatIsEditedBesideAToolIsNotForgottenByItsEnd)
+{
+    Desk b;
+    b.tools.Enter(Tool::peaks);
+    b.tools.SetLevel(ToolAction::detect_level, 0.3);
+    b.tools.SetLevel(ToolAction::noise_level, 0.1);
+    b.tools.PickShown();
+    b.tools.SetLevel(ToolAction::detect_level, 0.7);
+    ASSERT_TRUE(b.Undo());
+    EXPECT_NEAR(b.tools.LevelOf(ToolAction::detect_level), 0.7, 1e-6) << "the level for the next picking";
+    EXPECT_TRUE(b.g.Undo.ReDo(b.g));
+    b.tools.Fix();
+    for (const bool fixed : {false, true}) {
+        b.set().par.DataChanged = 0; // saved
+        ASSERT_TRUE(b.tools.Enter(Tool::reference));
+        b.g.ViewLeft = 7;
+        b.tools.Cancel();
+        EXPECT_EQ(b.g.ViewLeft, 7) << "a zoom stays";
+        ASSERT_TRUE(b.tools.Enter(Tool::reference));
+        b.tools.SetReference(4, 4.5);
+        b.tools.DeletePeaks({0});
+        fixed ? b.tools.Fix() : b.tools.Cancel();
+        ASSERT_TRUE(!fixed || b.Undo());
+        EXPECT_EQ(b.set().par.DataChanged, 1) << "a peak is gone";
+    }
+    b.tools.Enter(Tool::integrals);
+    b.Drag(4.2, 3.8);
+    EXPECT_FALSE(b.tools.SetIntegralScale(1e300)) << "more than is kept";
+    EXPECT_FALSE(b.tools.SetLevel(ToolAction::noise_level, 1e300));
+    const float value = b.set().Integrals[0].Value;
+    b.tools.Enter(Tool::base_line);
+    b.tools.SetBaseLineMethod(1);
+    b.tools.PreviewBaseLine();
+    EXPECT_LT(b.set().Integrals[0].Value, value) << "values go with what is shown";
+    b.tools.Cancel();
+    EXPECT_EQ(b.set().Integrals[0].Value, value);
+    b.set().Integrals[0].B1 = 0.25F;
+    ASSERT_TRUE(Save_Ver4(b.s, b.folder / "kept.tvo1"));
+    EXPECT_NE(b.asker.notices.back().find("no B1"), std::string::npos) << "what a file does not keep is told";
+}
+
+TEST(Instruments, AreAskedAboutOnlyWhenTheTableHasChanged)
+{
+    Desk b({FormAnswer{"OK", {{forms::kRows, "1\n2\n"}}}, FormAnswer{"OK", {{forms::kRows, "2\n"}}}});
+    b.g.Instruments = {{"a", "p", "1H", 400, 400, ""}, {"b", "p", "1H", 400, 400, ""}};
+    m44_Click(b.s);
+    EXPECT_FALSE(b.g.InstrumentsChanged);
+    m44_Click(b.s);
+    EXPECT_TRUE(b.g.InstrumentsChanged);
+    EXPECT_EQ(b.g.Instruments.at(0).instrument, "b");
+}
+
 TEST(Reference, MovesTheAxisAndWhatBelongsToIt)
 {
     Desk b;
@@ -319,6 +459,7 @@ TEST(Reference, MovesTheAxisAndWhatBelongsToIt)
     b.tools.PickShown();
     Add_Integral(b.g, 4.2, 3.8);
     b.set().Regions[0] = {255, 4.5F, 3.5F};
+    const StateImage before = TakeWholeImage(b.g);
     const double hz = b.set().Peaks[1].Position;
     const float value = b.set().Integrals[0].Value;
     // Frequencies of points don't depend on what is called 0 ppm.
@@ -347,8 +488,9 @@ TEST(Reference, MovesTheAxisAndWhatBelongsToIt)
     EXPECT_EQ(b.g.Instruments.size(), 1U);
     EXPECT_EQ(b.g.Undo.Caption(), "UnDo(Set Reference)");
     ASSERT_TRUE(b.Undo());
-    EXPECT_EQ(PointToPpm(b.set(), 2000), 4);
-    EXPECT_EQ(b.set().Regions[0].Start, 4.5F);
+    const StateImage after = TakeWholeImage(b.g);
+    for (const auto& [key, bytes] : before)
+        EXPECT_TRUE(key.slot != 0 || after.at(key) == bytes) << static_cast<int>(key.section);
 }
 
 TEST(Reference, ShiftsOfTheOwnSolventComeFirst)

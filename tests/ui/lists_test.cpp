@@ -2,7 +2,6 @@
 
 #include "core/list_values.h"
 #include "form_rig.h"
-#include "session/display_scope.h"
 #include "session/read_flow.h"
 #include "session/tools.h"
 #include "support/files.h"
@@ -14,7 +13,6 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QClipboard>
-#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMimeData>
@@ -182,6 +180,7 @@ TEST(IntegralTool, EachEditByTheMouseIsOneStep)
            [](ListsRig& r) {
                auto& up = r.Get<QToolButton>("Integral_B1_Up");
                Mouse(up, QEvent::MouseButtonPress, {5, 5});
+               for (int i = 0; i < 50; ++i) r.window->tools().StepB1(1); // as the clock does
                Mouse(up, QEvent::MouseButtonRelease, {5, 5});
            },
            "UnDo(Change B0,B1)", 3},
@@ -232,6 +231,15 @@ TEST(Lists, StandBesideTheSpectrumAndFollowIt)
     EXPECT_EQ(view.model()->rowCount(), 3);
     rig.Press("ShowPeaks");
     EXPECT_FALSE(dock.isVisible());
+
+    rig.window->tools().Enter(Tool::integrals);
+    for (const double ppm : {2.0, 5.0}) Add_Integral(rig.g, ppm + 0.2, ppm - 0.2);
+    rig.set().Integrals[0].B0 = 0.25F;
+    rig.window->tools().SelectIntegral(1);
+    rig.Press("IntegralCommand3");
+    auto& regions = Find<QTableView>(rig.Get<ListDock>("IntegralList"), {});
+    emit regions.doubleClicked(regions.model()->index(0, 0));
+    EXPECT_EQ(rig.Get<QLineEdit>("IntegralText2").text(), "0.25") << "the fields are those of the region chosen";
 }
 
 TEST(Lists, TheNameToSaveGoesWithTheFilter)
@@ -254,59 +262,6 @@ TEST(Lists, TheNameToSaveGoesWithTheFilter)
     });
     EXPECT_FALSE(rig.asker.File(dialog));
     EXPECT_EQ(names, (QStringList{"a.b.int", "a.b.Ilist", "a.b.Ilist"}));
-}
-
-/// Pictures to look at: set NMR1D_SHOTS to a folder (and QT_SCALE_FACTOR=2 for a fine screen).
-TEST(Lists, Pictures)
-{
-    if (ShotFolder().isEmpty()) GTEST_SKIP() << "NMR1D_SHOTS is not set";
-    NMR1D_REAL_DATA(root, "");
-    QDir().mkpath(ShotFolder());
-    struct Case {
-        const char *name, *path;
-        std::vector<std::pair<double, double>> regions;
-    };
-    const Case cases[] = {
-        {"1h", "bruker-1h-fid-strychnine-400/pdata/1/1r", {{8.2, 8.0}, {7.4, 6.9}, {6.0, 5.8}, {4.4, 3.6}, {1.6, 1.1}}},
-        {"13c", "bruker-13c-fid-gaba-500/pdata/1/1r", {{190, 175}, {60, 20}}},
-        {"dept", "jcamp-13c-dept-set-cytisine", {{60, 50}}},
-    };
-    for (const Case& c : cases)
-        for (const int theme : {1, 2}) {
-            std::filesystem::path path = root / c.path;
-            if (std::filesystem::is_directory(path))
-                for (const auto& file : std::filesystem::directory_iterator(path))
-                    if (file.path().string().find("135") != std::string::npos) path = file.path();
-            ListsRig rig;
-            ApplyTheme(App(), theme);
-            const Status read = Read_Path(rig.session, path.string());
-            if (!read) continue;
-            const auto shoot = [&](const char* what) {
-                Settle(*rig.window);
-                const QString scale = qEnvironmentVariable("QT_SCALE_FACTOR", "1");
-                const QString name = QString("%1/%2-%3-%4-%5.png").arg(ShotFolder(), c.name, what);
-                EXPECT_TRUE(rig.window->grab().save(name.arg(theme == 1 ? "light" : "dark", scale)));
-            };
-            rig.window->tools().Enter(Tool::peaks);
-            rig.g.settings.negative_peaks = std::string(c.name) == "dept";
-            rig.window->tools().SetLevel(ToolAction::detect_level, 0.05);
-            rig.Press("PeakShown");
-            rig.Press("ShowPeaks");
-            shoot("peaks");
-            rig.Press("ShowPeaks");
-            rig.set().PeakFlags = 1;
-            rig.g.settings.interpolate_tops = 1;
-            const double middle = PeakPpm(rig.set(), rig.set().Peaks.back());
-            rig.g.ViewLeft = static_cast<float>(middle + 0.1), rig.g.ViewRight = static_cast<float>(middle - 0.1);
-            rig.window->RefreshAll();
-            shoot("bottom");
-            Show_All_Data(rig.g);
-            rig.window->tools().Enter(Tool::integrals);
-            for (const auto& [a, b] : c.regions) Add_Integral(rig.g, a, b);
-            rig.window->tools().SelectIntegral(0);
-            rig.Press("IntegralCommand3");
-            shoot("integrals");
-        }
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "session/display_scope.h"
-#include "session/read_flow.h"
 #include "support/files.h"
 #include "ui/canvas/qt_canvas.h"
 #include "ui/help_sheet.h"
@@ -25,7 +24,6 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <filesystem>
 
 namespace nmr {
 namespace {
@@ -255,86 +253,6 @@ TEST(MainWindow, Pictures)
         rig.window->RefreshAll();
         Mouse(rig.window->plot(), QEvent::MouseMove, {300, 100}, Qt::NoButton);
         EXPECT_TRUE(rig.window->grab().save(ShotFolder() + QStringLiteral("/main-rows-%1.png").arg(theme)));
-    }
-}
-
-/// Every top of the shown row that stands above a share of the highest.
-void PickTops(DataSet& set, float share)
-{
-    const auto row = set.spec.DataRe[0].first(static_cast<std::size_t>(set.par.POINT));
-    for (std::size_t i = 1; i + 1 < row.size(); ++i) {
-        if (row[i] < share * set.par.DispLeft || row[i] < row[i - 1] || row[i] <= row[i + 1]) continue;
-        PeakEntry peak;
-        peak.Point = static_cast<std::int32_t>(i);
-        peak.Position = (set.spec.XAxis[i] - set.spec.XAxis[0]) * set.par.OBFRQ0PPM;
-        set.Peaks.push_back(peak);
-    }
-}
-
-/// Each tool open with something to see, one picture each.
-void ShootTools(WindowRig& rig, const QString& stem)
-{
-    Tools& tools = rig.window->tools();
-    const double middle = (static_cast<double>(rig.g.ViewLeft) + static_cast<double>(rig.g.ViewRight)) / 2;
-    for (const Tool tool :
-         {Tool::phase, Tool::reference, Tool::base_line, Tool::peaks, Tool::integrals, Tool::regions}) {
-        if (!tools.Enter(tool)) continue;
-        if (tool == Tool::phase) tools.AutoPhaseRobust();
-        if (tool == Tool::phase) tools.SetSecond(rig.g.Slots[0].par.POINT / 3);
-        if (tool == Tool::base_line) tools.AutoBasePoints();
-        if (tool == Tool::reference) tools.MouseDown({middle, 0, 0.1, 0});
-        if (tool == Tool::reference) tools.MouseUp({middle, 0, 0.1, 0});
-        Settle(*rig.window);
-        EXPECT_TRUE(rig.window->grab().save(stem + QStringLiteral("-mode%1.png").arg(static_cast<int>(tool))));
-        tools.Cancel();
-    }
-}
-
-// To look at, likewise: marks, regions and cursors on real data, and the menus.
-TEST(MainWindow, ToolPictures)
-{
-    if (ShotFolder().isEmpty()) GTEST_SKIP() << "NMR1D_SHOTS is not set";
-    const QString scale = qEnvironmentVariable("QT_SCALE_FACTOR", "1");
-    for (const char* name : {"bruker-1h-fid-strychnine-400", "bruker-13c-fid-600", "jcamp-13c-dept-set-cytisine"}) {
-        WindowRig rig(0);
-        std::filesystem::path file = RealData(name);
-        if (file.empty()) continue;
-        if (!std::filesystem::exists(file / "fid")) file /= "dept135.fid.dx";
-        rig.window->ReadPath(QString::fromStdString(file.string()));
-        DataSet& set = rig.g.Slots[0];
-        if (!rig.window->plot().HasSpectrum()) continue;
-        PickTops(set, 0.15F);
-        const double span = static_cast<double>(rig.g.ViewLeft) - static_cast<double>(rig.g.ViewRight);
-        for (int i = 0; i < 6; ++i) {
-            IntegralEntry integral;
-            const double right = static_cast<double>(rig.g.ViewRight) + (0.12 + 0.13 * i) * span;
-            const auto [low, high] = std::minmax({PpmToPoint(set, right), PpmToPoint(set, right + 0.08 * span)});
-            integral.StartPoint = high;
-            integral.EndPoint = low;
-            set.Integrals.push_back(integral);
-        }
-        set.Regions[0] = {255, static_cast<float>(static_cast<double>(rig.g.ViewLeft) - 0.1 * span), rig.g.ViewLeft};
-        set.Warnings = {"The count of points is one off.", "No date is given."};
-        for (const int theme : {1, 2}) {
-            rig.window->SetTheme(theme);
-            rig.window->resize(1180, 760);
-            rig.window->RefreshAll();
-            if (theme == 1) rig.Entry("Show Distance of Peaks/Cursol Data")->trigger();
-            set.PeakFlags = static_cast<std::int16_t>(theme - 1);
-            rig.window->RefreshAll();
-            Settle(*rig.window);
-            const QString stem = ShotFolder() + QStringLiteral("/tools-%1-%2-%3").arg(name).arg(theme).arg(scale);
-            EXPECT_TRUE(rig.window->grab().save(stem + ".png"));
-            ShootTools(rig, stem);
-            for (QAction* top : rig.window->menuBar()->actions()) {
-                top->menu()->adjustSize();
-                EXPECT_TRUE(top->menu()->grab().save(stem + "-" + top->text().remove('&').left(4) + ".png"));
-            }
-            Find<QAbstractButton>(*rig.window, "Notes").click();
-            EXPECT_TRUE(Find<QDialog>(*rig.window, "NotesList").grab().save(stem + "-notes.png"));
-            Find<QDialog>(*rig.window, "NotesList").close();
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        }
     }
 }
 

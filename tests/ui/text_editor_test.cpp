@@ -9,6 +9,8 @@
 #include "window_rig.h"
 
 #include <QClipboard>
+#include <QLabel>
+#include <QListWidget>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -159,7 +161,13 @@ TEST(TextForms, HandBackTextsAndLetters)
     EXPECT_EQ(Text(answer.values, kText), "\\< \\i1 b\\i0 \\>");
     WhenModal([](QDialog& form) { ButtonOf(form, "Cancel").click(); });
     EXPECT_EQ(Form105Ext({kCodeEditor, values}, nullptr).dialog_result, kCancel);
-    WhenModal([](QDialog& form) { ButtonOf(form, "Insert").click(); });
+    WhenModal([](QDialog& form) {
+        const QLabel* note = form.findChild<QLabel*>();
+        const QRect list = form.findChild<QListWidget*>()->geometry();
+        EXPECT_GT(note->x(), list.right()) << "beside the list";
+        EXPECT_LT(note->y(), list.bottom());
+        ButtonOf(form, "Insert").click();
+    });
     const FormAnswer mark = Form105_X({kSpecialLetters, {}}, nullptr);
     EXPECT_EQ(mark.dialog_result + Text(mark.values, kText), "DEG°");
 }

@@ -14,6 +14,8 @@
 
 #include <gmock/gmock.h>
 
+#include <random>
+
 namespace nmr {
 namespace {
 
@@ -78,13 +80,15 @@ TEST(ToolWindow, EachEntryOpensItsBarAndEscLeavesIt)
     struct Case {
         const char *entry, *bar;
         Tool tool;
+        const char* question; ///< of the second click on the entry
     };
-    const Case cases[] = {{"Phase Correction", "PhaseToolbar", Tool::phase},
-                          {"Set Reference (Main Spectrum)", "ReferenceToolbar", Tool::reference},
-                          {"Base Line Correction", "BaselineToolbar", Tool::base_line},
-                          {"Peak Picking", "PeakToolbar", Tool::peaks},
-                          {"Integral", "IntegralToolbar", Tool::integrals},
-                          {"Set Color on the Selected Region", "ColorToolbar", Tool::regions}};
+    const Case cases[] = {
+        {"Phase Correction", "PhaseToolbar", Tool::phase, "Will you Fix Phase Correction?"},
+        {"Set Reference (Main Spectrum)", "ReferenceToolbar", Tool::reference, "Will you Fix Reference Setting?"},
+        {"Base Line Correction", "BaselineToolbar", Tool::base_line, "Will you Fix Base Line Correction?"},
+        {"Peak Picking", "PeakToolbar", Tool::peaks, ""},
+        {"Integral", "IntegralToolbar", Tool::integrals, ""},
+        {"Set Color on the Selected Region", "ColorToolbar", Tool::regions, ""}};
     ToolRig rig;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.entry);
@@ -98,13 +102,34 @@ TEST(ToolWindow, EachEntryOpensItsBarAndEscLeavesIt)
         EXPECT_EQ(rig.window->tools().open(), Tool::none);
         EXPECT_FALSE(rig.Get<QFrame>(c.bar).isVisible());
         EXPECT_FALSE(rig.Entry(c.entry)->isChecked());
+        rig.Open(c.entry);
+        for (const QWidget* child : rig.Get<QFrame>(c.bar).findChildren<QWidget*>())
+            if (child->isVisible() &&
+                (child->inherits("QAbstractButton") || child->inherits("QLineEdit") || child->inherits("QComboBox"))) {
+                EXPECT_FALSE(child->toolTip().isEmpty()) << child->objectName().toStdString();
+            }
+        const auto again = [&] { rig.Entry(c.entry)->trigger(); };
+        if (c.question[0] != 0) {
+            EXPECT_EQ(rig.Asked(again, QMessageBox::Cancel), c.question);
+            EXPECT_TRUE(rig.Entry(c.entry)->isChecked()) << "it stays open, and the menu says so";
+            EXPECT_EQ(rig.Asked(again, QMessageBox::Yes), c.question);
+        } else {
+            again();
+        }
+        EXPECT_EQ(rig.window->tools().open(), Tool::none);
+        rig.Open(c.entry);
+        Key(rig.plot(), Qt::Key_Return);
+        EXPECT_EQ(rig.window->tools().open(), Tool::none);
+        EXPECT_TRUE(rig.g.Undo.empty()) << "nothing was changed";
     }
     rig.Open("Phase Correction");
     rig.window->resize(480, 600);
     Settle(*rig.window);
     EXPECT_LE(rig.window->width(), 520) << "a bar goes into lines instead of widening the window";
     for (const QWidget* child : rig.Get<QFrame>("PhaseToolbar").findChildren<QWidget*>())
-        EXPECT_LE(child->mapTo(rig.window.get(), QPoint(child->width(), 0)).x(), rig.window->width());
+        if (child->isVisible()) {
+            EXPECT_LE(child->mapTo(rig.window.get(), QPoint(child->width(), 0)).x(), rig.window->width());
+        }
 }
 
 TEST(ToolWindow, PhaseFollowsFieldsStepsKeysAndWheel)
@@ -221,6 +246,8 @@ TEST(ToolWindow, OtherCommandsAskFirstAndTheDisplayDoesNot)
     EXPECT_EQ(rig.Asked([&] { rig.Entry("Peak Picking")->trigger(); }, QMessageBox::No), kQuestion);
     EXPECT_EQ(rig.Row(), before);
     EXPECT_EQ(rig.window->tools().open(), Tool::peaks);
+    rig.Entry("Copy")->trigger();
+    EXPECT_EQ(rig.window->tools().open(), Tool::peaks) << "a picture leaves the work as it is";
     invert(); // peaks stand without a question
     EXPECT_EQ(rig.window->tools().open(), Tool::none);
 }
@@ -279,11 +306,17 @@ TEST(ToolWindow, BaseLinePointsAreClickedDraggedAndTakenBack)
 TEST(ToolWindow, ReferenceTakesTheLineUnderTheClick)
 {
     ToolRig rig;
+    std::mt19937 random(3);
+    for (float& value : rig.g.Slots[0].spec.DataRe[0]) value += std::normal_distribution<float>(0, 5)(random);
     rig.Open("Set Reference (Main Spectrum)");
     auto& shift = rig.Get<QLineEdit>("ReferenceShift");
     EXPECT_FALSE(shift.isEnabled());
     Drag(rig.plot(), {rig.X(8) + 2, 100}, {rig.X(8) + 2, 100}); // beside it: the top is meant
     EXPECT_NEAR(rig.window->tools().reference_line(), 8, 0.001);
+    EXPECT_EQ(rig.LabelText("ReferenceLine").left(7), "Line at");
+    rig.Click(3.5, 100);
+    EXPECT_EQ(rig.LabelText("ReferenceLine").left(13), "Only noise at");
+    rig.Click(8, 100);
     auto& shifts = rig.Get<QComboBox>("ReferenceShifts");
     EXPECT_EQ(shifts.itemText(0), "CDCl3   CHCl3   7.26");
     emit shifts.activated(0);
@@ -333,6 +366,145 @@ TEST(ToolWindow, TheInstrumentTableIsSearchedAndArranged)
     EXPECT_TRUE(rig.g.InstrumentsChanged);
 }
 
+/// Three levels in the plot, and their fields.
+struct LevelRig : ToolRig {
+    LevelRig()
+    {
+        Open("Peak Picking");
+        Settle(*window);
+    }
+    void Set(double detect, double noise, double base)
+    {
+        window->tools().SetLevel(ToolAction::base_level, base);
+        window->tools().SetLevel(ToolAction::noise_level, noise);
+        window->tools().SetLevel(ToolAction::detect_level, detect);
+        Settle(*window);
+    }
+    std::vector<double> Levels() const
+    {
+        const Tools& tools = window->tools();
+        return {tools.LevelOf(ToolAction::detect_level), tools.LevelOf(ToolAction::noise_level),
+                tools.LevelOf(ToolAction::base_level)};
+    }
+    double full() const { return static_cast<double>(g.Slots[0].par.DispLeft); }
+};
+
+TEST(ToolWindow, OfLevelsThatLieTogetherADragTakesTheOneThatIsMeant)
+{
+    struct Case {
+        const char* name;
+        std::vector<double> before; ///< detect, noise above base, base
+        double from, to;            ///< of the mouse, shares of the full height
+        int moved;                  ///< index
+    };
+    const Case cases[] = {
+        {"the nearest, not the first", {0.52, 0.49, 0.01}, 0.516, 0.7, 0},
+        {"the nearest below", {0.52, 0.49, 0.01}, 0.503, 0.3, 1},
+        {"detect and noise on each other, up", {0.5, 0.4, 0.1}, 0.5, 0.8, 0},
+        {"detect and noise on each other, down", {0.5, 0.4, 0.1}, 0.5, 0.3, 1},
+        {"noise and base on each other, up", {0.9, 0, 0.3}, 0.3, 0.6, 1},
+        {"noise and base on each other, down", {0.9, 0, 0.3}, 0.3, 0.1, 2},
+        {"all on each other, up", {0.3, 0, 0.3}, 0.3, 0.6, 0},
+        {"all on each other, down", {0.3, 0, 0.3}, 0.3, 0.1, 2},
+        {"crossed: the noise below the base", {0.9, 0.2, 0.3}, 0.5, 0.2, 1},
+        {"far out of the plot", {0.9, 0.1, 0}, 0.9, -3, 0},
+    };
+    LevelRig rig;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        rig.Set(c.before[0], c.before[1], c.before[2]);
+        const auto before = rig.Levels();
+        const QPointF from(400, rig.Y(c.from * rig.full())), to(430, rig.Y(c.to * rig.full()));
+        Drag(rig.plot(), from, to);
+        const auto after = rig.Levels();
+        for (int i = 0; i < 3; ++i)
+            EXPECT_NEAR(after[static_cast<std::size_t>(i)] - before[static_cast<std::size_t>(i)],
+                        i == c.moved ? c.to - c.from : 0, 1e-5)
+                << i;
+        EXPECT_TRUE(rig.g.Undo.empty()) << "levels are no edit of the list";
+        rig.Get<QAbstractButton>("PeakShown").click();
+        rig.Get<QAbstractButton>("PeakCommand3").click();
+        rig.g.Undo.Empty();
+    }
+    rig.Set(0.5, 0.1, 0);
+    rig.Get<QAbstractButton>("PeakShown").click();
+    const auto before = rig.Levels();
+    Mouse(rig.plot(), QEvent::MouseButtonPress, {400, rig.Y(0.5 * rig.full())});
+    Mouse(rig.plot(), QEvent::MouseMove, {400, rig.Y(0.8 * rig.full())});
+    EXPECT_NE(rig.Levels(), before);
+    rig.Entry("UnDo(Add Peak,Auto)")->trigger();
+    EXPECT_EQ(rig.Levels(), before) << "a step back during a drag is the drag";
+    EXPECT_EQ(rig.g.Slots[0].Peaks.size(), 3U);
+    Mouse(rig.plot(), QEvent::MouseButtonRelease, {400, rig.Y(0.8 * rig.full())});
+    EXPECT_EQ(rig.Levels(), before);
+}
+
+TEST(ToolWindow, QuickClicksAreClicksOfTheToolAndShiftLeavesThemToTheZoom)
+{
+    ToolRig rig;
+    rig.Open("Base Line Correction");
+    const double width = rig.Width();
+    const auto double_click = [&](double ppm, Qt::KeyboardModifiers keys) {
+        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
+                                QEvent::MouseButtonRelease}) {
+            const QPointF at(rig.X(ppm), 60);
+            QMouseEvent event(type, at, rig.plot().mapToGlobal(at), Qt::LeftButton, Qt::LeftButton, keys);
+            QCoreApplication::sendEvent(&rig.plot(), &event);
+        }
+    };
+    rig.g.ViewLeft = 9, rig.g.ViewRight = 1;
+    rig.window->RefreshAll();
+    Settle(*rig.window);
+    double_click(4, Qt::NoModifier);
+    EXPECT_EQ(rig.g.BasePoints.size(), 1U);
+    EXPECT_NEAR(rig.Width(), 8, 1e-4);
+    double_click(4, Qt::ShiftModifier);
+    EXPECT_NEAR(rig.Width(), width, 1e-4) << "back one zoom";
+    // A smooth base line has no points: the mouse is the zoom's.
+    auto& method = Find<QComboBox>(*rig.window, "BaseLineMethod");
+    emit method.activated(1);
+    Settle(*rig.window);
+    rig.Click(6);
+    Drag(rig.plot(), {rig.X(8), 60}, {rig.X(7), 60});
+    EXPECT_EQ(rig.g.BasePoints.size(), 1U);
+    EXPECT_NEAR(rig.Width(), 1, 0.05);
+    EXPECT_TRUE(rig.window->tools().Marks().points.empty());
+}
+
+TEST(ToolWindow, ADragBeyondThePlotStopsAtTheEndOfTheAxis)
+{
+    ToolRig rig;
+    const DataSet& set = rig.g.Slots[0];
+    const std::int32_t last = set.par.POINT - 1;
+    const auto pull = [&](double ppm, double x, double y = 100) { Drag(rig.plot(), {rig.X(ppm), 100}, {x, y}); };
+    const auto act = [&](ToolAction action) { rig.window->tools().SetAction(action); };
+    rig.Open("Integral");
+    pull(8, -900);
+    ASSERT_EQ(set.Integrals.size(), 1U);
+    EXPECT_EQ(set.Integrals[0].StartPoint, last);
+    const std::int32_t wide = last - set.Integrals[0].EndPoint;
+    act(ToolAction::move_integral);
+    pull(9, 9000);
+    EXPECT_EQ(set.Integrals[0].EndPoint, 0);
+    EXPECT_EQ(set.Integrals[0].StartPoint, wide);
+    act(ToolAction::enlarge_integral);
+    pull(PointToPpm(set, wide), -9000);
+    EXPECT_EQ(set.Integrals[0].StartPoint, last);
+    rig.Open("Phase Correction");
+    pull(PointToPpm(set, rig.g.PivotPoint), -900);
+    EXPECT_EQ(rig.g.PivotPoint, last);
+    rig.window->tools().Cancel();
+    rig.Open("Base Line Correction");
+    rig.Click(3.5);
+    act(ToolAction::move_base_point);
+    Drag(rig.plot(), {rig.X(3.5), rig.Y(20)}, {rig.X(3.5), -5000});
+    EXPECT_GT(rig.g.BasePoints[0].Value, 1000);
+    rig.window->tools().Cancel();
+    rig.Open("Set Color on the Selected Region");
+    pull(8, -900);
+    EXPECT_NEAR(std::max(set.Regions[0].Start, set.Regions[0].End), 12, 1e-3);
+}
+
 TEST(ToolWindow, RowsKeepTheirOwnPhases)
 {
     ToolRig rig(0, 2);
@@ -347,6 +519,49 @@ TEST(ToolWindow, RowsKeepTheirOwnPhases)
     const auto& re = rig.g.Slots[0].spec.DataRe;
     const auto top = static_cast<std::size_t>(PpmToPoint(rig.g.Slots[0], 5));
     EXPECT_NEAR(re[1][top] / re[0][top], 0.5 / std::cos(30 / 57.29577951308232), 0.02);
+    // The pivot moves while the first row is shown: the other keeps its look when it is touched again.
+    rig.window->StepRow(1);
+    Type(rig.Get<QLineEdit>("PhaseText2"), "400");
+    const float before = re[1][top];
+    rig.window->StepRow(-1);
+    rig.Click(8);
+    rig.window->StepRow(1);
+    rig.window->tools().SetPhase1(rig.window->tools().phase1());
+    EXPECT_NEAR(re[1][top], before, 1e-3 * std::abs(before));
+    auto& all_rows = rig.Get<QAbstractButton>("PhaseAllRows");
+    ASSERT_TRUE(all_rows.isVisible());
+    all_rows.click();
+    const std::vector<float> shown(re[1].begin(), re[1].end());
+    for (std::size_t i = 0; i < shown.size(); ++i) ASSERT_EQ(re[0][i], shown[i]) << "the rows of this rig are equal";
+    EXPECT_EQ(rig.g.CurrentRow, 1);
+    Key(rig.plot(), Qt::Key_Return);
+    rig.Entry("UnDo(Phase Correction)")->trigger();
+    EXPECT_TRUE(rig.g.Undo.empty()) << "one step for all rows";
+    EXPECT_NEAR(re[0][top], re[1][top], 1e-3);
+    EXPECT_GT(re[0][top], 1000);
+}
+
+TEST(ToolWindow, BasePointsGoAlongToAnotherRow)
+{
+    ToolRig rig(0, 2);
+    for (float& value : rig.g.Slots[0].spec.DataRe[1]) value += 50;
+    rig.Open("Base Line Correction");
+    for (const double ppm : {0.0, 11.0}) rig.Click(ppm);
+    rig.Get<QAbstractButton>("BaseCorCommand1").click();
+    const auto levels = [&] {
+        std::vector<std::pair<std::int32_t, float>> all;
+        for (const BasePointEntry& e : rig.g.BasePoints) all.push_back({e.Point, e.Value});
+        return all;
+    };
+    const auto first = levels();
+    ASSERT_EQ(first.size(), 2U);
+    rig.window->StepRow(1);
+    ASSERT_EQ(levels().size(), 2U);
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(levels()[i].first, first[i].first);
+        EXPECT_NEAR(levels()[i].second, first[i].second + 50, 0.1);
+    }
+    EXPECT_NEAR(rig.Row()[100], 20, 1) << "the preview of the row that was left is off";
 }
 
 } // namespace
