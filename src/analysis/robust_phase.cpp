@@ -643,6 +643,8 @@ struct Looked {
     {
         constexpr int kRounds = 3;
         for (int round = 0; round < kRounds; ++round) {
+            // From the first order that it knew, the search would come to the same.
+            if (!slow && choice.phases.p1 == judged.known_p1) return;
             if (slow) JudgeTurned();
             if (!judged.Sound()) return;
             judged.known_p1 = choice.phases.p1;
