@@ -52,6 +52,13 @@ constexpr std::array kKinds{
     Kind{"DEPT not told", "13C", 4, 16, 2, 6, 0, 5e-3, 120, 0.001, 0, 0.4, false},
     Kind{"APT", "13C", 8, 25, 2, 6, 0, 0.01, 180, 0.001, 0, 0.4, true},
     Kind{"APT solvent", "13C", 6, 25, 2, 6, 0, 3e-3, 180, 0.002, 4, 0.4, true},
+    Kind{"13C on a hump", "13C", 6, 20, 2, 6, 0, 5e-3, 180, 0.001, 0, 0, false, 0, 0.3},
+    Kind{"15N negative", "15N", 1, 6, 3, 8, 0, 0.01, 180, 0.001, 0, 1, false},
+    Kind{"1H one line", "1H", 1, 1, 2, 20, 0, 2e-3, 120, 0.001, 0, 0, false},
+    Kind{"1H paramagnetic", "1H", 5, 15, 40, 1500, 0, 2e-3, 300, 0.002, 0, 0, false},
+    Kind{"1H polymer", "1H", 3, 8, 150, 900, 0, 1e-3, 90, 0.002, 2, 0, false},
+    Kind{"1H two lines", "1H", 2, 2, 2, 20, 0, 2e-3, 120, 0.001, 0, 0, false},
+    Kind{"1H urine", "1H", 150, 250, 2, 12, 3, 3e-4, 120, 0.003, 2, 0, false, 60},
 };
 
 using Complex = std::complex<double>;

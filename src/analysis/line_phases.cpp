@@ -191,15 +191,17 @@ std::vector<LinePhase> Find_Line_Phases(const ComplexRow& row, double least, dou
 {
     std::vector<LinePhase> lines;
     std::array<int, kParts> tried{};
-    const auto taken = [&](double top) {
-        return std::ranges::any_of(lines, [&](const LinePhase& l) { return std::abs(l.point - top) < l.half_width; });
+    const auto taken = [&](double at) {
+        return std::ranges::any_of(lines, [&](const LinePhase& l) { return std::abs(l.point - at) < l.half_width; });
     };
     for (const std::size_t top : TopsOf(row.magnitude, least)) {
         if (lines.size() == most) break;
         int& here = tried[top * kParts / row.magnitude.size()];
         if (here == kMostInPart || taken(static_cast<double>(top))) continue;
         ++here;
-        if (const auto line = FitLine(row, top, noise)) lines.push_back(*line);
+        // Noise on a broad line has tops whose fits all come to that line.
+        const auto line = FitLine(row, top, noise);
+        if (line && !taken(line->point)) lines.push_back(*line);
     }
     return lines;
 }

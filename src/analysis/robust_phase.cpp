@@ -19,15 +19,18 @@ namespace {
 constexpr double kRadians = std::numbers::pi / 180.0;
 constexpr std::size_t kRun = 64; ///< points that share one rotation
 constexpr std::size_t kLanes = 8;
-constexpr std::size_t kAngles = 120; ///< of the table of a block, over a full turn
+constexpr std::size_t kAngles = 72; ///< of the table of a block, over a full turn
 constexpr double kAngleStep = 360.0 / static_cast<double>(kAngles);
 constexpr double kLargestPhase1 = 1080.0; ///< off what is known
 constexpr double kPhase1Step = 20.0;
-constexpr double kFarPenalty = 0.05; ///< for each turn of first order off what is known
+constexpr double kFarPenalty = 0.1;
 constexpr double kLineShare = 0.45;
 constexpr double kTailShare = 1.0;
-constexpr double kAsGood = 1.015;          ///< cost of what is known beforehand, over that of the best
-constexpr double kNoTurn = 1.0;            ///< degrees that are not worth a change
+constexpr double kAsGoodHome = 1.015; ///< the same where that is near
+constexpr double kNearHome = 5.0;     ///< degrees
+constexpr double kStay = 1.03;        ///< cost of a row that is near as it stands, over that of the best
+constexpr double kAsGood = 1.005;
+constexpr double kNoTurn = 1.5;            ///< degrees that are not worth a change
 constexpr std::size_t kSideBySide = 16384; ///< points from which a thread is worth its start
 
 /// The points that carry lines, in runs of neighbours.
@@ -207,23 +210,23 @@ double EntropyCost(const Signal& s, const Phases& p, bool same)
 struct Terms {
     struct Term {
         double position, weight, angle_deg;
+        double width_deg; ///< off phase by that costs half of all
     };
     std::vector<Term> terms;
-    double width_deg = 0; ///< off phase by that costs half of all
-    double share = 0;     ///< of the whole cost
+    double share = 0; ///< of the whole cost
 
     /// 0 in phase, 1 far out: how far hardly matters, so that few bad ones decide nothing.
-    double OneCost(double off_deg, bool same) const
+    static double OneCost(const Term& t, double turned_deg, bool same)
     {
-        const double turn = same ? 360.0 : 180.0;
-        const double off = (off_deg - turn * std::nearbyint(off_deg / turn)) / width_deg;
+        const double turn = same ? 360.0 : 180.0, off_deg = t.angle_deg + turned_deg;
+        const double off = (off_deg - turn * std::nearbyint(off_deg / turn)) / t.width_deg;
         return off * off / (1.0 + off * off);
     }
 
     double Cost(const Phases& p, bool same) const
     {
         double cost = 0;
-        for (const Term& t : terms) cost += t.weight * OneCost(t.angle_deg + p.p0 + p.p1 * t.position, same);
+        for (const Term& t : terms) cost += t.weight * OneCost(t, p.p0 + p.p1 * t.position, same);
         return cost;
     }
 
@@ -238,10 +241,11 @@ struct Terms {
 
 Terms LineTermsOf(const std::vector<LinePhase>& lines, double center, std::size_t n)
 {
-    Terms terms{{}, 22.0, kLineShare};
+    Terms terms{{}, kLineShare};
     for (const LinePhase& l : lines) {
         const double doubt = 0.0025 + l.misfit * l.misfit + 0.1 * l.overlap * l.overlap;
-        terms.terms.push_back({(l.point - center) / static_cast<double>(n), std::sqrt(l.height) / doubt, l.angle_deg});
+        terms.terms.push_back(
+            {(l.point - center) / static_cast<double>(n), std::sqrt(l.height) / doubt, l.angle_deg, 22.0});
     }
     terms.Level(1e-300);
     return terms;
@@ -249,13 +253,14 @@ Terms LineTermsOf(const std::vector<LinePhase>& lines, double center, std::size_
 
 Terms TailTermsOf(const std::vector<TailPhase>& tails, double center, std::size_t n)
 {
-    Terms terms{{}, 10.0, kTailShare};
+    Terms terms{{}, kTailShare};
     for (const TailPhase& t : tails) {
         const double doubt = t.error_deg / 2.0;
         terms.terms.push_back({(t.point - center) / static_cast<double>(n),
-                               std::sqrt(t.height / tails.front().height) / (1.0 + doubt * doubt), t.angle_deg});
+                               std::sqrt(t.height / tails.front().height) / (1.0 + doubt * doubt), t.angle_deg,
+                               std::hypot(10.0, 3.0 * t.error_deg)});
     }
-    terms.Level(0.5);
+    terms.Level(1.0);
     return terms;
 }
 
@@ -264,6 +269,26 @@ struct Block {
     double position = 0;
     std::array<float, kAngles> one_sign{}, both_signs{};
 };
+
+/// Every other point of the long runs: enough for a first look.
+Signal Coarse(const Signal& fine)
+{
+    Signal s;
+    s.size = fine.size;
+    s.center = fine.center;
+    for (const Signal::Run& run : fine.runs) {
+        const std::size_t step = run.count >= 2 * kLanes ? 2 : 1, first = s.re.size();
+        for (std::size_t i = run.first; i < run.first + run.count; i += step) {
+            s.re.push_back(fine.re[i]);
+            s.im.push_back(fine.im[i]);
+        }
+        s.runs.push_back(run);
+        s.runs.back().first = first;
+        s.runs.back().count = s.re.size() - first;
+        s.runs.back().weight *= static_cast<float>(step);
+    }
+    return s;
+}
 
 std::vector<Block> Blocks(const Signal& s)
 {
@@ -309,17 +334,22 @@ struct Rated {
     double cost = 0;
 };
 
+/// The lowest zero order for one first order.
+Rated BestTurn(const std::vector<Block>& blocks, double p1, bool same)
+{
+    std::array<float, kAngles> costs{};
+    for (const Block& b : blocks) AddTurned(same ? b.one_sign : b.both_signs, p1 * b.position, costs);
+    const auto lowest = std::ranges::min_element(costs);
+    return {{kAngleStep * static_cast<double>(lowest - costs.begin()), p1}, static_cast<double>(*lowest)};
+}
+
 /// The lowest places of a grid over both orders, no two of them near each other.
 std::vector<Rated> CoarseSearch(const std::vector<Block>& blocks, double size, double known_p1, bool same)
 {
     constexpr std::size_t kKept = 4;
     std::vector<Rated> best;
     for (double off = -kLargestPhase1; off <= kLargestPhase1; off += kPhase1Step) {
-        std::array<float, kAngles> costs{};
-        for (const Block& b : blocks) AddTurned(same ? b.one_sign : b.both_signs, (known_p1 + off) * b.position, costs);
-        const auto lowest = std::ranges::min_element(costs);
-        const double p0 = kAngleStep * static_cast<double>(lowest - costs.begin());
-        Rated line{{p0, known_p1 + off}, static_cast<double>(*lowest)};
+        Rated line = BestTurn(blocks, known_p1 + off, same);
         // What is far from the known first order must be better to be believed.
         line.cost = line.cost / size + kFarPenalty * std::abs(off) / 360.0;
         best.push_back(line);
@@ -400,9 +430,9 @@ void AddBlocks(Judged& j, const Terms& terms)
         block.position = t.position;
         const double share = terms.share * t.weight * j.signal.size;
         for (std::size_t k = 0; k < kAngles; ++k) {
-            const double off = t.angle_deg + static_cast<double>(k) * kAngleStep;
-            block.one_sign[k] = static_cast<float>(share * terms.OneCost(off, true));
-            block.both_signs[k] = static_cast<float>(share * terms.OneCost(off, false));
+            const double turned = static_cast<double>(k) * kAngleStep;
+            block.one_sign[k] = static_cast<float>(share * Terms::OneCost(t, turned, true));
+            block.both_signs[k] = static_cast<float>(share * Terms::OneCost(t, turned, false));
         }
         j.blocks.push_back(block);
     }
@@ -414,14 +444,46 @@ struct Found {
     std::vector<Rated> others;
 };
 
+/// Root mean square of the angle between two phases over the signal, degrees; half a turn forgiven.
+double Apart(const Signal& s, const Phases& a, const Phases& b)
+{
+    double best = 1e300;
+    for (const double half : {0.0, 180.0}) {
+        double sum = 0;
+        for (const Signal::Run& run : s.runs) {
+            const double off = std::remainder(AngleAt(run, a) - AngleAt(run, b) + half, 360.0);
+            sum += run.share * off * off;
+        }
+        best = std::min(best, std::sqrt(sum));
+    }
+    return best;
+}
+
+/// Largest turn of a point of signal from one phase to the other.
+double LargestTurn(const Signal& s, const Phases& from, const Phases& to)
+{
+    double largest = 0;
+    for (const Signal::Run& run : s.runs)
+        largest = std::max(largest, std::abs(std::remainder(AngleAt(run, to) - AngleAt(run, from), 360.0)));
+    return largest;
+}
+
 /// To the bottom of the valley that the phases lie in.
 Rated Settle(const Judged& j, const Phases& start, LineSigns signs)
 {
     const auto cost = [&](const Phases& p) { return j.Cost(p, signs); };
-    Rated best = Refine(Refine(start, 1.0, 5.0, 16, cost).phases, 0.3, 1.5, 12, cost);
+    Rated best = Refine(Refine(start, 1.0, 5.0, 14, cost).phases, 0.3, 1.5, 8, cost);
     // A single line tells no first order: what is known beforehand stays unless the row says otherwise.
-    const Rated known = Refine({best.phases.p0, j.known_p1}, kAngleStep, 0.0, 16, cost);
+    const Rated known = Refine({best.phases.p0, j.known_p1}, 2.0, 0.0, 10, cost);
     return known.cost <= kAsGood * best.cost ? known : best;
+}
+
+/// The best zero order for the known first order: so stands a row that was phased before, whatever its zero order is
+/// turned by now.
+Rated Home(const Judged& j, LineSigns signs)
+{
+    const double start = BestTurn(j.blocks, j.known_p1, signs == LineSigns::same).phases.p0;
+    return Refine({start, j.known_p1}, kAngleStep / 2.0, 0.0, 12, [&](const Phases& p) { return j.Cost(p, signs); });
 }
 
 /// Search and refinement for one opinion on the signs.
@@ -434,6 +496,9 @@ Found Propose(const Judged& j, LineSigns signs)
         if (found.others.back().cost < found.best.cost) found.best = found.others.back();
     }
     found.best = Settle(j, found.best.phases, signs);
+    const Rated home = Home(j, signs);
+    if (home.cost <= kAsGoodHome * found.best.cost && Apart(j.signal, home.phases, found.best.phases) < kNearHome)
+        found.best = home;
     return found;
 }
 
@@ -464,10 +529,12 @@ Choice ChoiceOf(const Found& found, LineSigns signs)
 Choice Choose(const Judged& j, LineSigns expected)
 {
     // Lines of both signs must shrink the sum this much to be believed.
-    constexpr double kEvidence = 0.9, kOneSign = 0.7;
+    constexpr double kEvidence = 0.9, kOneSign = 0.7, kAllUp = 0.05;
     if (expected != LineSigns::by_evidence) return ChoiceOf(Propose(j, expected), expected);
     const Found same = Propose(j, LineSigns::same), both = Propose(j, LineSigns::alternate);
     const Phases &p = same.best.phases, &q = both.best.phases;
+    // Where all groups can point up, and all but exactly, they do: two lines alone could always point either way.
+    if (j.tails.terms.size() > 1 && j.tails.Cost(p, true) < kAllUp) return ChoiceOf(same, LineSigns::same);
     const double ratio = AbsoluteCost(j.signal, q, false) / AbsoluteCost(j.signal, p, false);
     // Or the search for one sign has come to the same place, and lines point down there all the same.
     const Sums sums = AllSums(j.signal, p);
@@ -484,7 +551,8 @@ void Consider(const Judged& j, const Phases& other, PhaseCriterion criterion, Ch
     const Rated reached = Refine({other.p0 + half, other.p1}, 3.0, 15.0, 5, cost);
     if (reached.cost >= cost(choice.phases)) return;
     const Rated settled = Settle(j, reached.phases, choice.signs);
-    if (settled.cost >= cost(choice.phases)) return;
+    const bool near = Apart(j.signal, settled.phases, choice.phases) < kNearHome;
+    if ((near ? kAsGoodHome : 1.0) * settled.cost >= cost(choice.phases)) return;
     choice.phases = settled.phases;
     choice.criterion = criterion;
 }
@@ -497,21 +565,6 @@ void ConsiderOthers(const Judged& j, Choice& choice)
     const auto entropy = [&](const Phases& p) { return EntropyCost(j.signal, p, same); };
     Consider(j, Refine(choice.phases, 5.0, 20.0, 12, lines).phases, PhaseCriterion::lines, choice);
     Consider(j, Refine(choice.phases, 5.0, 20.0, 12, entropy).phases, PhaseCriterion::entropy, choice);
-}
-
-/// Root mean square of the angle between two phases over the signal, degrees; half a turn forgiven.
-double Apart(const Signal& s, const Phases& a, const Phases& b)
-{
-    double best = 1e300;
-    for (const double half : {0.0, 180.0}) {
-        double sum = 0;
-        for (const Signal::Run& run : s.runs) {
-            const double off = std::remainder(AngleAt(run, a) - AngleAt(run, b) + half, 360.0);
-            sum += run.share * off * off;
-        }
-        best = std::min(best, std::sqrt(sum));
-    }
-    return best;
 }
 
 /// How much more the phases cost that are wrong: those turned by the tolerance, and what else the search left.
@@ -543,20 +596,13 @@ double QualityOf(const Judged& j, const Choice& choice)
     return clear * (1.0 - j.lines.Cost(choice.phases, choice.signs == LineSigns::same));
 }
 
-/// Largest turn of a point of signal from one phase to the other.
-double LargestTurn(const Signal& s, const Phases& from, const Phases& to)
-{
-    double largest = 0;
-    for (const Signal::Run& run : s.runs)
-        largest = std::max(largest, std::abs(std::remainder(AngleAt(run, to) - AngleAt(run, from), 360.0)));
-    return largest;
-}
-
 Judged Judge(const Smoothed& row, double known_p1)
 {
+    constexpr std::size_t kMany = kMostSignal / 2;
     Judged j{SignalOf(row), {}, {}, {}, known_p1};
     if (!j.Sound()) return j;
-    j.blocks = Blocks(j.signal);
+    if (j.signal.re.size() > kMany) j.signal = Coarse(j.signal);
+    j.blocks = Blocks(Coarse(j.signal));
     j.lines = LineTermsOf(LinesOf(row), j.signal.center, row.re.size());
     j.tails = TailTermsOf(TailsOf(row), j.signal.center, row.re.size());
     AddBlocks(j, j.lines);
@@ -569,7 +615,7 @@ struct Looked {
     const Smoothed& row; ///< with its slow part
     LineSigns expected;
     Judged judged;
-    bool flattened = false;
+    bool slow = false; ///< it has one, or may have
     Choice choice{};
     double turned0 = 0, turned1 = 0; ///< how far `judged` is from the row: of point 0, and over the row
 
@@ -598,18 +644,28 @@ struct Looked {
     {
         constexpr int kRounds = 3;
         for (int round = 0; round < kRounds; ++round) {
-            if (flattened) JudgeTurned();
+            if (slow) JudgeTurned();
             if (!judged.Sound()) return;
             judged.known_p1 = choice.phases.p1;
             Choice next = Choose(judged, expected);
             const bool steady =
-                next.signs == choice.signs && LargestTurn(judged.signal, choice.phases, next.phases) < 0.5 * kNoTurn;
-            if (steady) { // only what else there is may have changed
-                choice.others = std::move(next.others);
-                return;
-            }
+                next.signs == choice.signs && LargestTurn(judged.signal, choice.phases, next.phases) < kNoTurn / 3.0;
+            // Without a slow part nothing is new but what else there is.
+            if (steady && !slow) next.phases = choice.phases;
             choice = std::move(next);
+            if (steady) return;
         }
+    }
+
+    /// A second press must not wander about in what the criteria can't tell apart.
+    bool StaysAsIs() const
+    {
+        const double before = judged.signal.center / static_cast<double>(row.re.size());
+        const Phases as_is{-turned0 - turned1 * before, -turned1};
+        const double turn = LargestTurn(judged.signal, as_is, choice.phases);
+        if (turn < kNoTurn) return true;
+        return turn < 90.0 && Apart(judged.signal, as_is, choice.phases) < kNearHome &&
+               judged.Cost(as_is, choice.signs) <= kStay * judged.Cost(choice.phases, choice.signs);
     }
 
     /// Up; where as much points down as up, the way that the row stands.
@@ -636,8 +692,8 @@ RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> 
     result.pivot = static_cast<std::int32_t>(std::ranges::max_element(row.magnitude) - row.magnitude.begin());
     const auto factor = static_cast<double>(Thin(row)), points = static_cast<double>(row.re.size());
     Smoothed flat = row;
-    const bool flattened = Flatten(flat);
-    Looked look{row, hint.signs, Judge(flat, hint.phase1_deg), flattened};
+    const bool slow = Flatten(flat) < 1.5 * kQuieter;
+    Looked look{row, hint.signs, Judge(flat, hint.phase1_deg), slow};
     Judged& j = look.judged;
     if (!j.Sound()) return result;
     look.choice = Choose(j, hint.signs);
@@ -654,8 +710,7 @@ RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> 
     result.quality = 100.0 * std::clamp(QualityOf(j, look.choice), 0.0, 1.0);
     result.alternating = look.choice.signs == LineSigns::alternate;
     const Phases whole = look.Whole();
-    const double before = j.signal.center / points;
-    if (LargestTurn(j.signal, {}, {whole.p0 + whole.p1 * before, whole.p1}) < kNoTurn) {
+    if (look.StaysAsIs()) {
         result.criterion = PhaseCriterion::stays_as_is;
         return result;
     }

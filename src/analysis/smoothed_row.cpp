@@ -64,7 +64,9 @@ std::vector<float> Halved(std::span<const float> row)
 
 float MedianMagnitude(const Smoothed& row)
 {
-    std::vector<float> m = row.magnitude;
+    const std::size_t step = std::max<std::size_t>(row.magnitude.size() / 8192, 1);
+    std::vector<float> m;
+    for (std::size_t i = 0; i < row.magnitude.size(); i += step) m.push_back(row.magnitude[i]);
     const auto middle = m.begin() + static_cast<std::ptrdiff_t>(m.size() / 2);
     std::ranges::nth_element(m, middle);
     return *middle;
@@ -114,7 +116,7 @@ std::size_t Thin(Smoothed& row)
 
 std::vector<LinePhase> LinesOf(const Smoothed& row)
 {
-    constexpr std::size_t kMostLines = 96;
+    constexpr std::size_t kMostLines = 64;
     const double least = std::max(0.01 * static_cast<double>(row.top), 4.0 * row.noise);
     return Find_Line_Phases({row.re, row.im, row.magnitude}, least, row.noise, kMostLines);
 }
@@ -132,15 +134,15 @@ void Turn(Smoothed& row, double at0_deg, double over_deg)
               {static_cast<float>(at0_deg), static_cast<float>(over_deg), 0});
 }
 
-bool Flatten(Smoothed& row)
+double Flatten(Smoothed& row)
 {
-    constexpr float kQuieter = 0.4F;
     Smoothed flat{row.re, row.im, {}, 0, 0};
     Subtract_Slow_Part(flat.re, flat.im, LinesOf(row));
     Take(flat);
-    const bool quieter = flat.top > 0.0F && MedianMagnitude(flat) < kQuieter * MedianMagnitude(row);
-    if (quieter) row = std::move(flat);
-    return quieter;
+    if (!(flat.top > 0.0F)) return 1.0;
+    const auto left = static_cast<double>(MedianMagnitude(flat)) / static_cast<double>(MedianMagnitude(row));
+    if (left < kQuieter) row = std::move(flat);
+    return left;
 }
 
 } // namespace nmr

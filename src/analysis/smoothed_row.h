@@ -40,8 +40,10 @@ std::vector<TailPhase> TailsOf(const Smoothed& row);
 /// Turns point 0 by `at0_deg` and the row's end by `over_deg` more.
 void Turn(Smoothed& row, double at0_deg, double over_deg);
 
-/// Takes the slow part away where that leaves the row far quieter: then it was a base line, not feet of lines. Whether
-/// it did.
-bool Flatten(Smoothed& row);
+constexpr double kQuieter = 0.4;
+
+/// Takes the slow part away where less than kQuieter of the row's median magnitude is left without it: then it was a
+/// base line, not feet of lines. What is left, or would be.
+double Flatten(Smoothed& row);
 
 } // namespace nmr

@@ -19,7 +19,7 @@ constexpr double kGap = 0.5;       ///< of the group's half: so much below the e
 constexpr double kReach = 4.0;     ///< halves of the group: as far as the tails are looked at
 constexpr std::size_t kCells = 24; ///< means on each side
 constexpr std::size_t kFewest = 6; ///< points of a tail
-constexpr double kBroadest = 24.0; ///< halves of groups in a row at least
+constexpr double kBroadest = 10.0; ///< halves of groups in a row at least
 constexpr int kRounds = 3;
 
 struct Group {
@@ -114,36 +114,52 @@ std::optional<Fit> FitCells(const std::vector<Cell>& cells, const std::vector<do
     return Fit{b, unit[0]};
 }
 
+/// What a fit leaves, weighted.
+struct Rest {
+    double variance = 0;    ///< of a cell's real or imaginary part
+    double correlation = 0; ///< between neighbours, 0 to 1
+};
+
+Rest RestOf(const std::vector<Cell>& cells, const std::vector<double>& weights, const Fit& fit,
+            std::vector<Complex>& off)
+{
+    double sum = 0, total = 0, next = 0;
+    for (std::size_t s = 0; s < cells.size(); ++s) {
+        off[s] = cells[s].z;
+        const Basis f = BasisAt(cells[s].u);
+        for (std::size_t k = 0; k < kTerms; ++k) off[s] -= f[k] * fit.c[k];
+        sum += weights[s] * std::norm(off[s]);
+        total += weights[s];
+        if (s > 0) next += std::sqrt(weights[s - 1] * weights[s]) * (off[s - 1] * std::conj(off[s])).real();
+    }
+    return {sum / total / 2.0, sum > 0.0 ? std::clamp(next / sum, 0.0, 0.98) : 0.0};
+}
+
 std::optional<TailPhase> FitTails(const std::vector<Cell>& cells, double middle)
 {
-    std::vector<double> weights(cells.size(), 1.0), off(cells.size()), sorted;
+    std::vector<double> weights(cells.size(), 1.0), sorted(cells.size());
+    std::vector<Complex> off(cells.size());
     std::optional<Fit> fit;
-    double spread = 0;
+    Rest rest;
     for (int round = 0; round < kRounds; ++round) {
         fit = FitCells(cells, weights);
         if (!fit) return std::nullopt;
-        double sum = 0, total = 0;
-        for (std::size_t s = 0; s < cells.size(); ++s) {
-            Complex z = cells[s].z;
-            const Basis f = BasisAt(cells[s].u);
-            for (std::size_t k = 0; k < kTerms; ++k) z -= f[k] * fit->c[k];
-            off[s] = std::norm(z);
-            sum += weights[s] * off[s];
-            total += weights[s];
-        }
-        spread = sum / total / 2.0;
+        rest = RestOf(cells, weights, *fit, off);
         // Lines that stand in the tails count little.
-        sorted = off;
+        std::ranges::transform(off, sorted.begin(), [](const Complex& z) { return std::norm(z); });
         const auto middle_one = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2);
         std::ranges::nth_element(sorted, middle_one);
-        for (std::size_t s = 0; s < cells.size(); ++s) weights[s] = 1.0 / (1.0 + off[s] / (8.0 * *middle_one + 1e-30));
+        for (std::size_t s = 0; s < cells.size(); ++s)
+            weights[s] = 1.0 / (1.0 + std::norm(off[s]) / (8.0 * *middle_one + 1e-30));
     }
     TailPhase phase;
     // In phase the tail is -i times the size over the distance.
     const Complex size = fit->c[0] * Complex(0.0, 1.0);
     phase.point = middle;
     phase.angle_deg = std::arg(size) * 180.0 / std::numbers::pi;
-    phase.error_deg = std::sqrt(spread * fit->variance) / std::abs(size) * 180.0 / std::numbers::pi;
+    // Cells that are off alike, as in a smoothed row, tell less than they are many.
+    const double fewer = (1.0 + rest.correlation) / (1.0 - rest.correlation);
+    phase.error_deg = std::sqrt(rest.variance * fit->variance * fewer) / std::abs(size) * 180.0 / std::numbers::pi;
     if (!std::isfinite(phase.angle_deg) || !std::isfinite(phase.error_deg)) return std::nullopt;
     return phase;
 }

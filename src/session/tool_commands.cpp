@@ -10,11 +10,29 @@
 namespace nmr {
 namespace {
 
-// The display, and what is about the program.
+// The display, what is about the program, and what only looks at the data.
 constexpr std::string_view kHarmlessMenus[] = {"m3", "m36", "m37", "m40"};
-constexpr std::string_view kHarmless[] = {
-    "m121", "m47", "m102", "m20",           kRedoControl,        "m21",      "m22", "m23", "m24", "m25", "m242",
-    "m131", "m17", "m173", kPeakListWindow, kIntegralListWindow, "CopyPeaks"};
+constexpr std::string_view kHarmless[] = {"m121",
+                                          "m47",
+                                          "m102",
+                                          "m20",
+                                          kRedoControl,
+                                          "m21",
+                                          "m22",
+                                          "m23",
+                                          "m24",
+                                          "m25",
+                                          "m242",
+                                          "m131",
+                                          "m17",
+                                          "m173",
+                                          kPeakListWindow,
+                                          kIntegralListWindow,
+                                          "CopyPeaks",
+                                          "BasicCommand1",
+                                          kSavePictureControl,
+                                          kPrintControl,
+                                          kCopyControl};
 
 void Enter(Session& s, Tool tool)
 {

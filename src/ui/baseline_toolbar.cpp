@@ -107,7 +107,7 @@ void BaselineToolbar::Refresh()
     delete_on_lines_->setEnabled(doubtful > 0);
     delete_on_lines_->setToolTip(doubtful == 0
                                      ? QStringLiteral("No base point seems to stand on a line")
-                                     : QStringLiteral("Deletes the %1 base points, drawn hollow, that seem to stand on "
+                                     : QStringLiteral("Deletes the %1 base points, with a ring, that seem to stand on "
                                                       "lines: they would spoil the integrals there")
                                            .arg(doubtful));
     undo_->setEnabled(!g_.PointUndo.empty());

@@ -17,7 +17,7 @@ namespace {
 
 using namespace forms;
 
-constexpr int kNoteWidth = 150;
+constexpr int kNoteWidth = 150, kBeside = 16; // of the list around its lines
 
 struct SpecialRow {
     const char *key, *letters, *name;
@@ -125,6 +125,7 @@ FormAnswer Form105_X(const FormRequest&, QWidget* parent)
     list->setCurrentRow(0);
     list->setSpacing(2);
     list->setMinimumHeight(static_cast<int>(std::size(kSpecial)) * (list->sizeHintForRow(0) + 4) + 8);
+    list->setMinimumWidth(list->sizeHintForColumn(0) + kBeside);
     QLabel* note = form.AddText("Depending on Font, it may not be displayed correctly.");
     note->setForegroundRole(QPalette::PlaceholderText);
     note->setAlignment(Qt::AlignTop);

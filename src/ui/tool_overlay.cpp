@@ -17,6 +17,7 @@ namespace {
 constexpr double kReach = 6;     // pixels around a mark that take hold of it
 constexpr double kLeastDrag = 4; // a shorter way is a click
 constexpr double kFlagPadding = 4, kFlagGap = 6;
+constexpr double kDot = 3.5;
 constexpr double kDash = 6, kDashGap = 4;
 constexpr int kBandAlpha = 50;
 // Visible on light and dark ground, and on a curve in its usual colour.
@@ -219,11 +220,15 @@ void ToolOverlay::DrawPoints(QtCanvas& canvas, const PlotFrame& frame) const
 {
     QPainter& painter = canvas.painter();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(Qt::white, 1));
     for (const ToolMarks::Point& point : marks_.points) {
-        painter.setPen(point.on_line ? QPen(kMark, 2) : QPen(Qt::white, 1)); // hollow, whatever one sees of colours
-        painter.setBrush(point.on_line ? Qt::white : kMark);
-        painter.drawEllipse(QPointF(frame.X(point.ppm), frame.Y(point.height)), 3.5, 3.5);
+        const QPointF center(frame.X(point.ppm), frame.Y(point.height));
+        painter.setPen(QPen(Qt::white, 1));
+        painter.setBrush(kMark);
+        painter.drawEllipse(center, kDot, kDot);
+        if (!point.on_line) continue;
+        painter.setPen(QPen(kMark, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawEllipse(center, 2 * kDot, 2 * kDot);
     }
 }
 

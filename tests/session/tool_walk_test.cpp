@@ -125,6 +125,7 @@ struct Walker {
             {"phase 1", [&] { tools.SetPhase1(Between(-500, 500)); }},
             {"pivot", [&] { tools.SetPivot(static_cast<std::int32_t>(random() % kPoints)); }},
             {"auto phase", [&] { Coin() ? tools.AutoPhase() : tools.AutoPhaseRobust(); }},
+            {"all rows", [&] { tools.SamePhaseToAllRows(); }},
             {"base points", [&] { Coin() ? tools.AutoBasePoints() : tools.DeleteAllBasePoints(); }},
             {"method", [&] { tools.SetBaseLineMethod(static_cast<std::int32_t>(random() % 3)); }},
             {"preview", [&] { tools.SetPreview(Coin()); }},

@@ -246,6 +246,8 @@ TEST(ToolWindow, OtherCommandsAskFirstAndTheDisplayDoesNot)
     EXPECT_EQ(rig.Asked([&] { rig.Entry("Peak Picking")->trigger(); }, QMessageBox::No), kQuestion);
     EXPECT_EQ(rig.Row(), before);
     EXPECT_EQ(rig.window->tools().open(), Tool::peaks);
+    rig.Entry("Copy")->trigger();
+    EXPECT_EQ(rig.window->tools().open(), Tool::peaks) << "a picture leaves the work as it is";
     invert(); // peaks stand without a question
     EXPECT_EQ(rig.window->tools().open(), Tool::none);
 }
