@@ -23,13 +23,12 @@ constexpr std::size_t kAngles = 72; ///< of the table of a block, over a full tu
 constexpr double kAngleStep = 360.0 / static_cast<double>(kAngles);
 constexpr double kLargestPhase1 = 1080.0; ///< off what is known
 constexpr double kPhase1Step = 20.0;
-constexpr double kFarPenalty = 0.1;
-constexpr double kLineShare = 0.45;
-constexpr double kTailShare = 1.0;
-constexpr double kAsGoodHome = 1.015; ///< the same where that is near
-constexpr double kNearHome = 5.0;     ///< degrees
-constexpr double kStay = 1.03;        ///< cost of a row that is near as it stands, over that of the best
-constexpr double kAsGood = 1.005;
+constexpr double kFarPenalty = 0.1; ///< of each turn of first order off what is known
+constexpr double kLineShare = 0.45, kTailShare = 1.0;
+constexpr double kAsGood = 1.005;          ///< cost of what is known beforehand, over that of the best
+constexpr double kAsGoodHome = 1.015;      ///< the same where that is near
+constexpr double kStay = 1.03;             ///< cost of a row as it stands, over that of the best near it
+constexpr double kNearHome = 5.0;          ///< degrees
 constexpr double kNoTurn = 1.5;            ///< degrees that are not worth a change
 constexpr std::size_t kSideBySide = 16384; ///< points from which a thread is worth its start
 

@@ -1,12 +1,14 @@
 #pragma once
 // The second automatic phase: several criteria each propose phases, and the proposal with the best quality is
-// taken. It never gives a phase that is no number, and turns a row that is in phase no further.
+// taken. It never gives a phase that is no number. The search runs again on its own result until that stays, so a
+// second press turns nothing, and one on a row turned by hand comes back.
 //
 // Criteria and their sources: smallest absolute sum of the real part (an absorption line has a finite area, a
-// dispersion line an endless one), and negative area: A. Heuer, J. Magn. Reson. 91 (1991) 241; equal feet on both
-// sides of a line; the phase of each line by itself (analysis/line_phases.h), which stands on any base line; entropy of
-// the derivative: L. Chen, Z. Weng, L. Goh, M. Garland, J. Magn. Reson. 158 (2002) 164; and the circle fit of
-// analysis/phase.h. A strong slow part (analysis/slow_part.h) is taken off before they look.
+// dispersion line an endless one), and negative area: A. Heuer, J. Magn. Reson. 91 (1991) 241; the tails of each group
+// of lines (analysis/tail_phases.h), flat where it is in phase, whatever the shape of its lines; the phase of each
+// line by itself (analysis/line_phases.h), which stands on any base line; entropy of the derivative: L. Chen, Z. Weng,
+// L. Goh, M. Garland, J. Magn. Reson. 158 (2002) 164; and the circle fit of analysis/phase.h. A strong slow part
+// (analysis/slow_part.h) is taken off before they look.
 
 #include "core/global_block.h"
 
@@ -33,12 +35,12 @@ struct PhaseHint {
 /// Whose proposal was taken.
 enum class PhaseCriterion {
     none,        ///< a row without lines
-    one_sign,    ///< smallest absolute sum and negative area, with even feet
-    both_signs,  ///< smallest absolute sum, with even feet
+    one_sign,    ///< smallest absolute sum and negative area, with flat tails
+    both_signs,  ///< smallest absolute sum, with flat tails
     lines,       ///< the phase of each line by itself
     entropy,     ///< smallest entropy of the derivative
     circle,      ///< the circle fit
-    stays_as_is, ///< within a degree of what the points show already
+    stays_as_is, ///< hardly off what the points show already
 };
 
 struct RobustPhase {

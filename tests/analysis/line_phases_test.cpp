@@ -3,6 +3,7 @@
 #include "analysis/line_phases.h"
 #include "analysis/robust_phase.h"
 #include "analysis/slow_part.h"
+#include "analysis/tail_phases.h"
 #include "support/row_block.h"
 
 #include <cmath>
@@ -79,6 +80,56 @@ TEST(LinePhases, FindEachLineWhateverItStandsOn)
         }
 }
 
+TEST(TailPhases, TellTheGroupWhateverItsShape)
+{
+    struct Part {
+        double off, height, half_width; ///< points
+    };
+    struct Case {
+        const char* name;
+        std::vector<Part> parts;
+        double cut = 0; ///< share of the row's time that was recorded; 0: all of it
+        Complex base = 0, slope = 0;
+        double noise = 0;
+        double tolerance = 0.5; ///< degrees
+    };
+    const Case cases[] = {
+        {"line", {{0, 1, 5}}},
+        {"pointing down", {{0, -1, 5}}},
+        {"doublet", {{-12, 1, 5}, {12, 0.9, 5}}},
+        {"uneven shim", {{0, 1, 5}, {6, 0.5, 5}, {11, 0.2, 5}}, 0, 0, 0, 0, 1.5},
+        {"sharp on broad", {{0, 1, 3}, {20, 0.4, 30}}, 0, 0, 0, 0, 4},
+        {"ringing", {{0, 1, 2}}, 0.25, 0, 0, 0, 1.5},
+        {"on a slope", {{0, 1, 5}}, 0, {0.04, -0.06}, {0.2, -0.4}, 0, 1},
+        {"noisy", {{0, 1, 5}}, 0, 0, 0, 0.01, 4},
+    };
+    constexpr int n = 8192;
+    for (const Case& c : cases)
+        for (const double angle : {0.0, 37.0, 90.0, -120.0}) {
+            SCOPED_TRACE(testing::Message() << c.name << " at " << angle);
+            std::mt19937 engine(5);
+            std::normal_distribution<double> normal(0.0, 1.0);
+            std::vector<Complex> z;
+            for (int i = 0; i < n; ++i) {
+                Complex group = 0;
+                for (const Part& p : c.parts) {
+                    const double off = i - 3000.37 - p.off, time = 2 * std::numbers::pi * c.cut;
+                    const Complex end = c.cut > 0 ? std::polar(std::exp(-p.half_width * time), -off * time) : 0;
+                    group += p.height * (1.0 - end) / Complex(1, off / p.half_width);
+                }
+                const double re = c.noise * normal(engine);
+                z.push_back(Turned(angle) * group + c.base + c.slope * ((i - 3000.0) / n) +
+                            Complex(re, c.noise * normal(engine)));
+            }
+            const Row row(z);
+            const auto groups = Find_Tail_Phases({row.re, row.im, row.magnitude}, 0.5, 1);
+            ASSERT_EQ(groups.size(), 1U);
+            const double expected = c.parts[0].height < 0 ? angle + 180 : angle;
+            EXPECT_NEAR(std::remainder(groups[0].angle_deg - expected, 360.0), 0, c.tolerance);
+            EXPECT_LT(groups[0].error_deg, 2 * c.tolerance + 1);
+        }
+}
+
 TEST(LinePhases, OddRowsGiveNoFault)
 {
     for (const std::size_t n : {0U, 1U, 2U, 3U, 5U, 100U})
@@ -87,6 +138,8 @@ TEST(LinePhases, OddRowsGiveNoFault)
             for (std::size_t i = 1; i < n; i += 2) row[i] = value;
             for (const LinePhase& l : Find_Line_Phases({row, row, row}, 0.5, 0.0, 10))
                 EXPECT_TRUE(std::isfinite(l.angle_deg) && std::isfinite(l.misfit));
+            for (const TailPhase& t : Find_Tail_Phases({row, row, row}, 0.5, 10))
+                EXPECT_TRUE(std::isfinite(t.angle_deg) && std::isfinite(t.error_deg));
             std::vector<float> other = row;
             Subtract_Slow_Part(row, other, {});
         }

@@ -66,6 +66,21 @@ const Sample kSamples[] = {
     {"rolling base line", {{3000, 60, 4}, {6000, 90, 4}, {9000, 20, 4}, {13000, 100, 5}}, 0.1, 50, 60, "zg30", 4, 8},
     {"broad", {{3000, 60, 40}, {8000, 40, 60}, {11000, 100, 60}}, 0.5, -100, 40, "", 8},
     {"solvent", {{8000, 3000, 5}, {3000, 60, 4}, {5000, 80, 4}, {13000, 100, 5}}, 0.1, 100, 80, "zgpr", 6},
+    {"uneven shim",
+     {{3000, 60, 4},
+      {3006, 30, 4},
+      {3009, 10, 4},
+      {7000, 80, 4},
+      {7006, 40, 4},
+      {7009, 13, 4},
+      {13000, 90, 4},
+      {13006, 45, 4},
+      {13009, 15, 4}},
+     0.1,
+     80,
+     -110,
+     "",
+     3},
     {"noise", {{3000, 60, 5}, {5000, 90, 5}, {9000, 70, 5}, {13000, 100, 5}}, 4, 30, -60, "", 8},
 };
 
@@ -76,7 +91,7 @@ TEST(RobustPhase, PhasesLinesOfAllKinds)
         const auto g = OutOfPhase(Lines(16384, s.lines, s.noise), s.p0, s.p1, s.roll);
         g->Slots[0].par.PulseProg = s.program;
         const double quality = Auto_Phase_Robust(*g, 16384);
-        EXPECT_GT(quality, 50);
+        EXPECT_GT(quality, 35); // lines of an uneven shim disagree
         EXPECT_LE(quality, 100);
         const double half = std::abs(LeftAt(*g, s.p0, s.p1, s.lines[0].point)) > 90 ? 180 : 0; // signs of DEPT are free
         if (std::string(s.program) != "dept135" && std::string(s.name).find("signs") == std::string::npos) {
@@ -87,7 +102,7 @@ TEST(RobustPhase, PhasesLinesOfAllKinds)
     }
 }
 
-TEST(RobustPhase, ASecondPressChangesNothing)
+TEST(RobustPhase, LaterPressesChangeNothingAndComeBack)
 {
     for (const Sample& s : kSamples) {
         SCOPED_TRACE(s.name);
@@ -98,19 +113,28 @@ TEST(RobustPhase, ASecondPressChangesNothing)
         Auto_Phase_Robust(*g, 16384); // from the same source
         EXPECT_EQ(g->Phase0Deg, first0);
         EXPECT_EQ(g->Phase1Deg, first1);
-        CopyDataToSource(g->Slots[0]); // fixed
+        for (const char* press : {"second", "third"}) {
+            SCOPED_TRACE(press);
+            CopyDataToSource(g->Slots[0]); // fixed
+            Auto_Phase_Robust(*g, 16384);
+            EXPECT_EQ(g->Phase0Deg, 0);
+            EXPECT_EQ(g->Phase1Deg, 0);
+        }
+        g->PivotPoint = 8192;
+        Phase_Apply(*g, 20, 0, 16384); // by hand
+        CopyDataToSource(g->Slots[0]);
         Auto_Phase_Robust(*g, 16384);
-        for (const LineOf& line : s.lines) EXPECT_NEAR(LeftAt(*g, 0, 0, line.point), 0, 2.5) << line.point;
+        for (const LineOf& line : s.lines) EXPECT_NEAR(LeftAt(*g, -20, 0, line.point), 0, 1) << line.point;
     }
 }
 
 TEST(RobustPhase, NeverGivesAPhaseThatIsNoNumber)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
-    for (const int n : {0, 1, 15, 16, 100, 5000})
+    for (const int n : {0, 1, 2, 3, 8, 15, 16, 100, 5000})
         for (const float value :
              {0.0F, 1.0F, -2.0F, nan, inf, std::numeric_limits<float>::max(), std::numeric_limits<float>::denorm_min()})
-            for (const std::size_t step : {1U, 3U, 100U}) {
+            for (const std::size_t step : {1U, 3U, 100U, 5000U}) { // the last a single spike
                 const auto g = BlockOf(std::vector<double>(static_cast<std::size_t>(n)));
                 auto re = g->Slots[0].spec.SourceRe[0];
                 for (std::size_t i = 0; i < re.size(); i += step) re[i] = value;
