@@ -3,6 +3,7 @@
 #include "core/error_report.h"
 #include "core/log.h"
 #include "formats/jcamp.h"
+#include "session/color_regions.h"
 #include "session/folders.h"
 #include "session/read_flow.h"
 #include "session/save_flow.h"
@@ -100,6 +101,10 @@ Status Save_Text(Session& s, const std::string& path, const Result<std::string>&
     if (Status saved = Safe_Save(file, bytes, remove ? OldVersion::remove : OldVersion::keep); !saved)
         return Tell(s.asker, saved.error());
     RememberSave(s, file, slot);
+    // It counts as saved all the same, so nobody will ask about them.
+    const DataSet& set = s.g.Slots.at(static_cast<std::size_t>(slot));
+    if (!set.Peaks.empty() || !set.Integrals.empty() || std::ranges::any_of(set.Regions, IsColored))
+        s.asker.Notice("This form keeps no peaks, integrals and coloured regions: a Ver.4 file does.");
     return {};
 }
 

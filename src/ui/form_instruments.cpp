@@ -38,6 +38,7 @@ public:
         empty_ = new QLabel(this);
         empty_->setObjectName("Empty");
         empty_->setForegroundRole(QPalette::PlaceholderText);
+        empty_->setAlignment(Qt::AlignCenter);
         auto* middle = new QVBoxLayout(table_->viewport());
         middle->addWidget(empty_, 0, Qt::AlignCenter);
         AddButtons();

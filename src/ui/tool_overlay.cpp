@@ -32,11 +32,12 @@ constexpr LevelRow kLevels[] = {{ToolAction::noise_level, "Noise", &Settings::nl
                                 {ToolAction::detect_level, "Threshold", &Settings::th_color},
                                 {ToolAction::base_level, "Base", &Settings::ba_color}};
 
-/// A colour of the settings, turned round in the dark as the curves are.
+/// A colour of the settings, in the dark turned round as the curves are unless it is light as it stands.
 QColor SettingColor(std::int32_t setting)
 {
     const Rgba color = FromSetting(setting);
-    return ToQColor(IsDark() ? ForDarkGround(color) : color);
+    const QColor as_set = ToQColor(color), turned = ToQColor(ForDarkGround(color));
+    return IsDark() && turned.lightness() > as_set.lightness() ? turned : as_set;
 }
 
 PlotPoint PlaceAt(const PlotFrame& frame, QPointF at)

@@ -27,9 +27,18 @@ TEST(SaveJcamp, BothFormsReadBackAndCloseTheWork)
         rig.Boot();
         ASSERT_TRUE(Read_Path(rig.s, WriteBrukerFid(rig.folder.path() / "exp")));
         const double before = HighestPpm(rig.g.Slots[0]);
-        rig.asker.Expect({Chosen(rig.Path("saved.dx"))});
+        rig.asker.Expect({Chosen(rig.Path("other.dx")), Chosen(rig.Path("saved.dx"))});
         ASSERT_EQ(rig.g.Slots[0].par.DataChanged, 1);
         c.save(rig.s);
+        const auto told = [&] {
+            return std::ranges::count(rig.asker.notices, "This form keeps no peaks, integrals and "
+                                                         "coloured regions: a Ver.4 file does.");
+        };
+        EXPECT_EQ(told(), 0);
+        rig.g.Slots[0].par.FileName = rig.Path("fid");
+        rig.g.Slots[0].Peaks.emplace_back();
+        c.save(rig.s);
+        EXPECT_EQ(told(), 1);
         EXPECT_EQ(rig.asker.dialogs.back().name, "fid.dx");
         EXPECT_THAT(ReadText(rig.Path("saved.dx")), HasSubstr(c.mark));
         EXPECT_EQ(rig.g.Slots[0].par.DataChanged, 0);
