@@ -20,16 +20,6 @@ constexpr std::size_t kMostSamples = 40; ///< to each side of the top; more poin
 constexpr int kRounds = 4;
 constexpr double kBroadest = 48.0; ///< half widths of a row at least
 
-/// Highest first.
-std::vector<std::size_t> TopsOf(std::span<const float> m, double least)
-{
-    std::vector<std::size_t> tops;
-    for (std::size_t i = 1; i + 1 < m.size(); ++i)
-        if (static_cast<double>(m[i]) > least && m[i] >= m[i - 1] && m[i] > m[i + 1]) tops.push_back(i);
-    std::ranges::sort(tops, [&](std::size_t a, std::size_t b) { return m[a] > m[b]; });
-    return tops;
-}
-
 /// Points from a top to where the line has sunk to its edge or the next one begins, the shorter of both sides.
 struct Reach {
     std::size_t points = 0;
@@ -187,6 +177,15 @@ std::optional<LinePhase> FitLine(const ComplexRow& row, std::size_t top, double 
 
 } // namespace
 
+std::vector<std::size_t> Tops_Of(std::span<const float> m, double least)
+{
+    std::vector<std::size_t> tops;
+    for (std::size_t i = 1; i + 1 < m.size(); ++i)
+        if (static_cast<double>(m[i]) > least && m[i] >= m[i - 1] && m[i] > m[i + 1]) tops.push_back(i);
+    std::ranges::sort(tops, [&](std::size_t a, std::size_t b) { return m[a] > m[b]; });
+    return tops;
+}
+
 std::vector<LinePhase> Find_Line_Phases(const ComplexRow& row, double least, double noise, std::size_t most)
 {
     std::vector<LinePhase> lines;
@@ -194,7 +193,7 @@ std::vector<LinePhase> Find_Line_Phases(const ComplexRow& row, double least, dou
     const auto taken = [&](double at) {
         return std::ranges::any_of(lines, [&](const LinePhase& l) { return std::abs(l.point - at) < l.half_width; });
     };
-    for (const std::size_t top : TopsOf(row.magnitude, least)) {
+    for (const std::size_t top : Tops_Of(row.magnitude, least)) {
         if (lines.size() == most) break;
         int& here = tried[top * kParts / row.magnitude.size()];
         if (here == kMostInPart || taken(static_cast<double>(top))) continue;

@@ -9,6 +9,7 @@
 // Linear fit of a rational function: E. C. Levy, IRE Trans. Autom. Control 4 (1959) 37; weights by the denominator
 // of the round before: C. K. Sanathanan, J. Koerner, IEEE Trans. Autom. Control 8 (1963) 56.
 
+#include <cstddef>
 #include <span>
 #include <vector>
 
@@ -28,6 +29,9 @@ struct LinePhase {
 struct ComplexRow {
     std::span<const float> re, im, magnitude;
 };
+
+/// Points of the tops of more than `least`, the highest first.
+std::vector<std::size_t> Tops_Of(std::span<const float> magnitude, double least);
 
 /// The lines with tops of at least `least` whose fit is believable, at most `most`, no more than a few of them in one
 /// sixty-fourth of the row, the highest first.

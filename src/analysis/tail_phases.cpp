@@ -188,14 +188,10 @@ std::optional<TailPhase> TailsOf(const ComplexRow& row, const Group& g)
 
 std::vector<TailPhase> Find_Tail_Phases(const ComplexRow& row, double least, std::size_t most)
 {
-    std::vector<std::size_t> tops;
-    const auto m = row.magnitude;
-    for (std::size_t i = 1; i + 1 < m.size(); ++i)
-        if (static_cast<double>(m[i]) > least && m[i] >= m[i - 1] && m[i] > m[i + 1]) tops.push_back(i);
-    std::ranges::sort(tops, [&](std::size_t a, std::size_t b) { return m[a] > m[b]; });
+    const std::span<const float> m = row.magnitude;
     std::vector<TailPhase> phases;
     std::vector<std::uint8_t> taken(m.size());
-    for (const std::size_t top : tops) {
+    for (const std::size_t top : Tops_Of(m, least)) {
         if (phases.size() == most) break;
         if (taken[top] != 0) continue;
         const float edge = static_cast<float>(kEdge) * m[top];
