@@ -90,7 +90,12 @@ std::vector<BenchRow> Window()
     tools.Cancel();
     tools.Enter(Tool::phase);
     add(
-        "robust phase", [&] { tools.AutoPhaseRobust(); }, nothing);
+        "robust phase",
+        [&] {
+            g.PhasedRows.clear(); // searched anew
+            tools.AutoPhaseRobust();
+        },
+        nothing);
     add(
         "phase fixed", [&] { tools.Fix(); },
         [&] {

@@ -70,6 +70,7 @@ double PressOnFixed(GlobalBlock& g, std::int32_t n, double turned_deg)
         Phase_Apply(g, static_cast<float>(turned_deg), 0.0F, n);
         FixRow(g, n);
     }
+    g.PhasedRows.clear(); // the search itself is asked
     Auto_Phase_Robust(g, n);
     Turn whole = PresentTurn(g);
     whole.p0 += turned_deg;

@@ -3,12 +3,10 @@
 #include "analysis/line_phases.h"
 #include "analysis/phase.h"
 #include "analysis/smoothed_row.h"
-#include "core/text.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <future>
 #include <numbers>
 #include <vector>
 
@@ -25,12 +23,11 @@ constexpr double kLargestPhase1 = 1080.0; ///< off what is known
 constexpr double kPhase1Step = 20.0;
 constexpr double kFarPenalty = 0.1; ///< of each turn of first order off what is known
 constexpr double kLineShare = 0.45, kTailShare = 1.0;
-constexpr double kAsGood = 1.005;          ///< cost of what is known beforehand, over that of the best
-constexpr double kAsGoodHome = 1.015;      ///< the same where that is near
-constexpr double kStay = 1.03;             ///< cost of a row as it stands, over that of the best near it
-constexpr double kNearHome = 5.0;          ///< degrees
-constexpr double kNoTurn = 1.5;            ///< degrees that are not worth a change
-constexpr std::size_t kSideBySide = 16384; ///< points from which a thread is worth its start
+constexpr double kAsGood = 1.005;     ///< cost of what is known beforehand, over that of the best
+constexpr double kAsGoodHome = 1.015; ///< the same where that is near
+constexpr double kStay = 1.03;        ///< cost of a row as it stands, over that of the best near it
+constexpr double kNearHome = 5.0;     ///< degrees
+constexpr double kNoTurn = 1.5;       ///< degrees that are not worth a change
 
 /// The points that carry lines, in runs of neighbours.
 struct Signal {
@@ -720,42 +717,6 @@ RobustPhase Find_Robust_Phase(std::span<const float> re, std::span<const float> 
     const double pivot = (result.pivot + 0.5) / factor - 0.5;
     result.phase0_deg = std::remainder(whole.p0 + whole.p1 * pivot / points, 360.0);
     return result;
-}
-
-LineSigns Expected_Signs(const ParamBlock& par)
-{
-    for (const std::string* text : {&par.EXMOD, &par.PulseProg, &par.ExpTitle})
-        for (const char* word : {"dept", "apt", "jmod", "attach"})
-            if (ContainsNoCase(*text, word)) return LineSigns::alternate;
-    return LineSigns::by_evidence;
-}
-
-double Auto_Phase_Robust(GlobalBlock& g, std::int32_t n, double known_phase1_deg)
-{
-    const int slot = g.CurrentMultiSlot;
-    DataSet& set = g.Slots[static_cast<std::size_t>(slot > 0 && slot < kSlotCount ? slot : 0)];
-    const auto row = static_cast<std::size_t>(std::max<std::int32_t>(g.CurrentRow, 0));
-    auto count = static_cast<std::size_t>(std::max(n, 0));
-    for (const RowArray<float>* a : {&set.spec.SourceRe, &set.spec.SourceIm})
-        count = std::min(count, row < a->rows() ? a->columns() : 0);
-    if (count == 0) return 0.0;
-    // The circle fit is one of the proposals. It works on the block and on the shown row, the search on the source
-    // alone: side by side they take the time of one.
-    const LineSigns signs = Expected_Signs(set.par);
-    auto circle = std::async(count < kSideBySide ? std::launch::deferred : std::launch::async, [&g, count] {
-        Auto_Phase(g, PhaseMode::full, static_cast<std::int32_t>(count));
-        return PhaseProposal{static_cast<double>(g.Phase0Deg), static_cast<double>(g.Phase1Deg), g.PivotPoint};
-    });
-    const RobustPhase found =
-        Find_Robust_Phase(set.spec.SourceRe[row].first(count), set.spec.SourceIm[row].first(count),
-                          {known_phase1_deg, signs, [&circle] { return circle.get(); }});
-    if (circle.valid()) circle.wait(); // a row without lines asks for no proposal
-    set.par.PhaseP0 = g.PivotPoint = found.pivot;
-    g.P2Point = -1;
-    g.Phase0Deg = static_cast<float>(found.phase0_deg);
-    g.Phase1Deg = static_cast<float>(found.phase1_deg);
-    Phase_Apply(g, g.Phase0Deg, g.Phase1Deg, static_cast<std::int32_t>(count));
-    return found.quality;
 }
 
 } // namespace nmr

@@ -61,5 +61,8 @@ LineSigns Expected_Signs(const ParamBlock& par);
 /// Phases the shown row from its source and sets PhaseP0, PivotPoint, P2Point, Phase0Deg and Phase1Deg, as Auto_Phase
 /// does. The quality in percent.
 double Auto_Phase_Robust(GlobalBlock& g, std::int32_t n, double known_phase1_deg = 0);
+/// The shown row of the data is a result of it: a press on these points leaves them as they are. Auto_Phase_Robust
+/// does so by itself; who stores its result with other bits (scaled) tells it here.
+void Remember_Phased_Row(GlobalBlock& g, std::int32_t n, double quality);
 
 } // namespace nmr

@@ -55,6 +55,13 @@ struct CommonSettings {
 
 inline constexpr std::ptrdiff_t kWindowOrigin = 5000;
 
+/// A row that the robust phase has turned, to be known again by its points.
+struct PhasedRow {
+    std::uint64_t digest = 0;
+    std::int32_t pivot = 0;
+    double quality = 0; ///< percent
+};
+
 struct GlobalBlock {
     std::array<DataSet, kSlotCount> Slots;
     DataSet ScratchSet;
@@ -106,6 +113,7 @@ struct GlobalBlock {
     std::int32_t DigitalFilterPoints = 1;
     float Phase0Deg = 0, Phase1Deg = 0;
     std::int32_t PivotPoint = 0;
+    std::vector<PhasedRow> PhasedRows; ///< results of the robust phase in this run, the newest last
     std::int32_t P2Point = -1;
     float MaxMagnitude = 0;
     std::vector<float> RowPhase0, RowPhase1;

@@ -247,6 +247,7 @@ Status FftForm::Command3(const std::function<void(int)>& progress)
         ErrorReport(asker_, committed.error());
         return committed;
     }
+    if (quality_) Remember_Phased_Row(g_, points(), *quality_);
     ParamBlock& par = g_.Slots[0].par;
     if (par.OBFRQ0PPMRead == 0) par.OBFRQ0PPMRead = par.OBFRQ0PPM;
     Set_Display_Range(g_);

@@ -1,5 +1,6 @@
 #include "session/fft_form.h"
 
+#include "analysis/robust_phase.h"
 #include "fid/fft_pipeline.h"
 #include "session/rig.h"
 
@@ -265,6 +266,21 @@ TEST(FftForm, CompleteMakesTheSpectrumOfThePreview)
             largest = std::max(largest, std::abs(spectrum[i] - scale * static_cast<double>(preview[i])));
         EXPECT_LT(largest, 1e-5 * rig.g.Slots[0].par.DispLeft);
         EXPECT_GT(rig.g.Slots[0].par.OBFRQ0PPMRead, 399.0);
+    });
+}
+
+TEST(FftForm, ThePhaseThatWasCompletedStaysUnderAnotherPress)
+{
+    Rig rig;
+    BrukerSpec spec;
+    spec.tones = {{1000, 1, 20}, {-500, 0.7, 160}, {2200, 0.8, -70}}; // no line agrees with another
+    WithForm(rig, spec, [&](FftForm& form) {
+        form.AutoRobust();
+        const auto quality = form.quality();
+        ASSERT_TRUE(form.Command3());
+        EXPECT_EQ(Auto_Phase_Robust(rig.g, form.points()), quality);
+        EXPECT_EQ(rig.g.Phase0Deg, 0);
+        EXPECT_EQ(rig.g.Phase1Deg, 0);
     });
 }
 
