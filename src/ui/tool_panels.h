@@ -98,7 +98,8 @@ private:
     QComboBox* method_ = nullptr;
     ValueEdit *average_ = nullptr, *bend_ = nullptr, *degree_ = nullptr;
     std::vector<QWidget*> groups_[3]; ///< what belongs to each method
-    QPushButton *delete_on_lines_ = nullptr, *delete_all_ = nullptr, *undo_ = nullptr, *redo_ = nullptr, *preview_ = nullptr;
+    QPushButton *delete_on_lines_ = nullptr, *delete_all_ = nullptr, *undo_ = nullptr, *redo_ = nullptr,
+                *preview_ = nullptr;
 };
 
 class ReferenceToolbar : public ToolPanel {
