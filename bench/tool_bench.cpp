@@ -1,6 +1,7 @@
 // A step of each drag in the main window, from the event of the mouse until all that it changes is painted.
 
 #include "bench.h"
+#include "offscreen.h"
 #include "sample_block.h"
 #include "session/fft_form.h"
 #include "ui/main_window.h"
@@ -143,11 +144,7 @@ std::vector<BenchRow> AtLength(std::int32_t points, double phase_limit_ms)
 
 std::vector<BenchRow> ToolDrags()
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    int argc = 1;
-    char name[] = "nmr1d-bench";
-    char* argv[] = {name, nullptr};
-    const QApplication application(argc, argv);
+    const Offscreen<QApplication> application;
     auto rows = AtLength(131072, 4);
     for (BenchRow& row : AtLength(kMaxPoints, 20)) rows.push_back(std::move(row));
     return rows;

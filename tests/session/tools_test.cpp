@@ -60,6 +60,14 @@ struct Desk {
         tools.MouseUp({to, up, 0.02});
     }
     bool Undo() { return g.Undo.UnDo(g); }
+    /// Opens the peak tool, with levels that find the three lines.
+    void PickLines()
+    {
+        tools.Enter(Tool::peaks);
+        tools.SetLevel(ToolAction::detect_level, 0.3);
+        tools.SetLevel(ToolAction::noise_level, 0.1);
+        tools.PickShown();
+    }
 };
 
 TEST(Tools, EnteringClosesWhatStandsOpenByItsQuestion)
@@ -401,10 +409,7 @@ TEST(Tools, PhaseStepsGoRoundTheCircleAndEachRowKeepsItsOwnTurn)
 TEST(Tools, WhatIsEditedBesideAToolIsNotForgottenByItsEnd)
 {
     Desk b;
-    b.tools.Enter(Tool::peaks);
-    b.tools.SetLevel(ToolAction::detect_level, 0.3);
-    b.tools.SetLevel(ToolAction::noise_level, 0.1);
-    b.tools.PickShown();
+    b.PickLines();
     b.tools.SetLevel(ToolAction::detect_level, 0.7);
     ASSERT_TRUE(b.Undo());
     EXPECT_NEAR(b.tools.LevelOf(ToolAction::detect_level), 0.7, 1e-6) << "the level for the next picking";
@@ -453,10 +458,7 @@ TEST(Instruments, AreAskedAboutOnlyWhenTheTableHasChanged)
 TEST(Reference, MovesTheAxisAndWhatBelongsToIt)
 {
     Desk b;
-    b.tools.Enter(Tool::peaks);
-    b.tools.SetLevel(ToolAction::detect_level, 0.3);
-    b.tools.SetLevel(ToolAction::noise_level, 0.1);
-    b.tools.PickShown();
+    b.PickLines();
     Add_Integral(b.g, 4.2, 3.8);
     b.set().Regions[0] = {255, 4.5F, 3.5F};
     const StateImage before = TakeWholeImage(b.g);
